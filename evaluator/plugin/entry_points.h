@@ -65,9 +65,8 @@ GATOTU_API bool Register_Iterated_Property(
     unsigned long state_size, InspectorConstruct construct, InspectorDestroy destroy,
     InspectorGet first, InspectorGet next, void const* context, FingerprintFunction fingerprint);
 GATOTU_API bool Register_Cast(void* handle, unsigned long reserved, char const* cast_name,
-                              char const* source_type, char const* result_type,
-                              InspectorCast cast, void const* context,
-                              FingerprintFunction fingerprint);
+                              char const* source_type, char const* result_type, InspectorCast cast,
+                              void const* context, FingerprintFunction fingerprint);
 GATOTU_API bool Register_Binary_Operator(void* handle, unsigned long reserved, int operator_code,
                                          char const* left_type, char const* right_type,
                                          char const* result_type, InspectorOperator apply,
