@@ -1,0 +1,9 @@
+// All of Core Services that we have.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <CoreServices/Gestalt.h>
+#include <CoreServices/MacTypes.h>
+#include <CoreServices/MachineName.h>
+#include <CoreServices/Multiprocessing.h>
+#include <CoreServices/TextEncodingConverter.h>

@@ -1,0 +1,45 @@
+// A machine that can be asked for facts: the running one, a recorded tree or capture, or one that a
+// test scripts. One is in use at a time in a process, chosen by the host between evaluations.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "machine/export.h"
+#include "machine/fact.h"
+#include "machine/sources.h"
+
+namespace machine {
+
+// Each accessor hands out a source that lives as long as the machine. The defaults are sources that
+// answer "not supported", so a kind of machine overrides those it has.
+class MACHINE_API Machine {
+ public:
+  virtual ~Machine() = default;
+
+  virtual ClockSource const& Clock() const;
+  virtual TimeZoneSource const& Zone() const;
+  virtual EnvironmentSource const& Environment() const;
+  virtual NameSource const& Names() const;
+  virtual MemorySource const& Memory() const;
+  virtual ProcessorSource const& Processors() const;
+  virtual HardwareSource const& Hardware() const;
+  virtual ProcessSource const& Processes() const;
+  virtual GestaltSource const& Gestalt() const;
+};
+
+// The machine in use; the live machine with root "/" when none was chosen, made at the first call.
+// The reference holds until the next `SetCurrentMachine`.
+MACHINE_API Machine const& CurrentMachine();
+
+// Chooses the machine in use (null: back to the default) and returns the one chosen before. Only
+// between evaluations.
+MACHINE_API std::shared_ptr<Machine const> SetCurrentMachine(
+    std::shared_ptr<Machine const> machine);
+
+// The Linux machine whose files lie below `root`. With "/" it is the running one and system calls
+// are asked too; below any other root only files are, and no path leads out of it. A root that
+// cannot be opened makes every fact absent.
+MACHINE_API std::shared_ptr<Machine const> MakeLiveMachine(std::string root = "/");
+
+}  // namespace machine
