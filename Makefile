@@ -1,0 +1,51 @@
+# The commands of everyday work. Each installs what is missing, configures, builds and runs.
+
+PRESET ?= release
+JOBS ?= $(shell nproc)
+BUILD := build/$(PRESET)
+export EXPR
+
+.PHONY: help run test bench sanitize build format clean
+
+help:
+	@echo 'make run                 answer a showcase of expressions about this machine'
+	@echo "make run EXPR='...'      answer one of your own"
+	@echo 'make test                build everything and run the tests'
+	@echo 'make sanitize            the tests under the address and undefined behaviour sanitizers'
+	@echo 'make bench               run the benchmarks'
+	@echo 'make format              format the sources'
+	@echo 'make clean               remove the build folders'
+
+run: build
+	@GATOTU=$(BUILD)/bin/gatotu scripts/showcase
+
+build:
+	@scripts/install-dependencies build
+	@cmake --preset $(PRESET) --log-level=WARNING >/dev/null
+	@cmake --build --preset $(PRESET) --parallel $(JOBS) --target gatotu Gatotu
+
+test:
+	@scripts/install-dependencies build test
+	cmake --preset $(PRESET)
+	cmake --build --preset $(PRESET) --parallel $(JOBS)
+	ctest --preset $(PRESET) --parallel $(JOBS)
+
+sanitize:
+	@scripts/install-dependencies build test sanitize
+	cmake --preset sanitize
+	cmake --build --preset sanitize --parallel $(JOBS)
+	ctest --preset sanitize --parallel $(JOBS)
+
+# The figures are of one program at a time, so nothing runs beside them.
+bench:
+	@scripts/install-dependencies build bench
+	cmake --preset $(PRESET) -DGATOTU_BUILD_BENCHMARKS=ON
+	cmake --build --preset $(PRESET) --parallel $(JOBS)
+	cmake --build --preset $(PRESET) --target bench
+
+format:
+	@scripts/install-dependencies format
+	@scripts/check-format --fix
+
+clean:
+	rm -rf build
