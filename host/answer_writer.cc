@@ -1,0 +1,148 @@
+#include "host/answer_writer.h"
+
+#include "host/shown_text.h"
+
+namespace gatotu::host {
+namespace {
+
+// How the members of a tuple are set apart and protected.
+class LineStyle {
+ public:
+  explicit LineStyle(Format format) : format_(format) {}
+
+  std::string_view Separator() const {
+    switch (format_) {
+      case Format::kCsv:
+        return ",";
+      case Format::kTsv:
+        return "\t";
+      default:
+        return ", ";
+    }
+  }
+
+  void AppendField(std::string& line, std::string_view field) const {
+    if (format_ == Format::kCsv) {
+      AppendQuoted(line, field);
+    } else if (format_ == Format::kTsv) {
+      AppendEscaped(line, field);
+    } else {
+      line += field;
+    }
+  }
+
+ private:
+  // RFC 4180: quotes around what holds a separator, a quote or a line end; quotes doubled.
+  static void AppendQuoted(std::string& line, std::string_view field) {
+    if (field.find_first_of(",\"\r\n") == std::string_view::npos) {
+      line += field;
+      return;
+    }
+    line += '"';
+    for (char const c : field) line.append(c == '"' ? 2 : 1, c);
+    line += '"';
+  }
+
+  static void AppendEscaped(std::string& line, std::string_view field) {
+    for (char const c : field) {
+      switch (c) {
+        case '\t':
+          line += "\\t";
+          break;
+        case '\n':
+          line += "\\n";
+          break;
+        case '\r':
+          line += "\\r";
+          break;
+        case '\\':
+          line += "\\\\";
+          break;
+        default:
+          line += c;
+      }
+    }
+  }
+
+  Format format_;
+};
+
+class LineWriter final : public AnswerWriter {
+ public:
+  LineWriter(Format format, Output& answers, Output& errors)
+      : style_(format), answers_(answers), errors_(errors) {}
+
+  void Begin(Expression const& expression) override {
+    is_many_ = expression.IsMany();
+    line_.clear();
+  }
+
+  void Write(Value const& value) override {
+    line_.clear();
+    Append(value);
+    line_ += '\n';
+    if (is_many_) answers_.Write(line_);
+  }
+
+  void End(Report const& report) override {
+    if (report.is_evaluated && report.diagnostics.empty() && !is_many_) answers_.Write(line_);
+    answers_.Write(report.explanation);
+    // What was answered appears before what is said about it.
+    answers_.Flush();
+    WriteMessages(report);
+    errors_.Flush();
+  }
+
+ private:
+  void Append(Value const& value) {
+    if (value.Type().kind != ValueType::Kind::kTuple) {
+      style_.AppendField(line_, ShownText(value.Text(), decoded_));
+      return;
+    }
+    bool is_first = true;
+    for (Value const& member : value.Members()) {
+      if (!is_first) line_ += style_.Separator();
+      is_first = false;
+      Append(member);
+    }
+  }
+
+  void WriteMessages(Report const& report) {
+    for (Diagnostic diagnostic : report.diagnostics) {
+      diagnostic.notes.insert(diagnostic.notes.end(), report.reasons.begin(), report.reasons.end());
+      errors_.Write(Render(diagnostic, report.text));
+    }
+    if (report.has_evidence && report.is_evaluated) {
+      errors_.Write("evidence:\n");
+      for (Consultation const& entry : report.evidence) {
+        std::string line = "  " + entry.source + ": ";
+        line += machine::NameOf(entry.outcome);
+        if (entry.bytes > 0) line += ", " + std::to_string(entry.bytes) + " bytes";
+        errors_.Write(line + '\n');
+      }
+    }
+    if (report.has_timing) {
+      errors_.Write("compiled in " + std::to_string(report.compile_microseconds) + " us");
+      if (report.is_evaluated) {
+        errors_.Write(", evaluated in " + std::to_string(report.evaluate_microseconds) + " us");
+      }
+      errors_.Write("\n");
+    }
+  }
+
+  LineStyle style_;
+  Output& answers_;
+  Output& errors_;
+  bool is_many_ = false;
+  std::string line_;
+  std::string decoded_;
+};
+
+}  // namespace
+
+std::unique_ptr<AnswerWriter> MakeAnswerWriter(Format format, Output& answers, Output& errors) {
+  if (format == Format::kJson) return MakeJsonWriter(answers);
+  return std::make_unique<LineWriter>(format, answers, errors);
+}
+
+}  // namespace gatotu::host

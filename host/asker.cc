@@ -1,0 +1,124 @@
+#include "host/asker.h"
+
+#include <unistd.h>
+
+namespace gatotu::host {
+namespace {
+
+ExitStatus StatusOf(Outcome outcome) {
+  switch (outcome) {
+    case Outcome::kAnswered:
+      return ExitStatus::kAnswered;
+    case Outcome::kInterrupted:
+    case Outcome::kTimeLimit:
+      return ExitStatus::kInterrupted;
+    default:
+      return ExitStatus::kNoAnswer;
+  }
+}
+
+std::int64_t MicrosecondsSince(std::chrono::steady_clock::time_point begin) {
+  return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() -
+                                                               begin)
+      .count();
+}
+
+Diagnostic StopDiagnostic(Report const& report, bool is_time_limit) {
+  Diagnostic diagnostic;
+  diagnostic.code = is_time_limit ? "time-limit" : "interrupted";
+  diagnostic.message = is_time_limit ? "the time limit was reached" : "interrupted";
+  diagnostic.position = PositionIn(report.text, 0, report.text.size());
+  return diagnostic;
+}
+
+}  // namespace
+
+Asker::Asker(AskOptions const& options, AnswerWriter& writer, Output const& answers)
+    : options_(options),
+      writer_(writer),
+      answers_(answers),
+      log_(options.evidence ? EvidenceLog::Keep::kAll : EvidenceLog::Keep::kFailures),
+      watchdog_(options.time_limit, [this] { Abandon(); }) {}
+
+ExitStatus Asker::Ask(std::string_view text) {
+  Report report;
+  report.text = text;
+  report.has_evidence = options_.evidence;
+  report.has_timing = options_.timing;
+  log_.Clear();
+
+  Compilation compilation;
+  Compile(report, compilation);
+  ExitStatus status = ExitStatus::kRefused;
+  if (compilation.expression != nullptr) {
+    status = ExitStatus::kAnswered;
+    if (options_.explain) report.explanation = compilation.expression->Explain();
+    if (!options_.explain && !options_.check_only) status = Evaluate(report, *report.expression);
+  }
+  std::lock_guard lock(writing_);
+  writer_.End(report);
+  return status;
+}
+
+void Asker::Compile(Report& report, Compilation& compilation) {
+  auto const begin = Clock::now();
+  compilation = gatotu::Compile(report.text);
+  report.compile_microseconds = MicrosecondsSince(begin);
+  report.expression = compilation.expression.get();
+  report.diagnostics = std::move(compilation.diagnostics);
+}
+
+ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
+  EvaluateOptions options;
+  options.time_limit = options_.time_limit;
+  options.evidence = &log_;
+  report.is_evaluated = true;
+  writer_.Begin(expression);
+  {
+    std::lock_guard lock(writing_);
+    current_ = &report;
+  }
+
+  watchdog_.Begin();
+  auto const begin = Clock::now();
+  Evaluation evaluation = gatotu::Evaluate(
+      expression,
+      [this](Value const& value) {
+        std::lock_guard lock(writing_);
+        writer_.Write(value);
+        return !answers_.IsBroken();
+      },
+      options);
+  watchdog_.End();
+
+  std::lock_guard lock(writing_);
+  current_ = nullptr;
+  report.evaluate_microseconds = MicrosecondsSince(begin);
+  if (evaluation.outcome == Outcome::kInterrupted && watchdog_.IsExpired()) {
+    evaluation.diagnostic = StopDiagnostic(report, true);
+  }
+  if (!evaluation.IsAnswered()) report.diagnostics.push_back(std::move(evaluation.diagnostic));
+  if (evaluation.outcome == Outcome::kNoSuchObject) {
+    report.reasons = log_.Reasons(evaluation.evidence_begin, evaluation.evidence_end);
+  }
+  if (options_.evidence) report.evidence = log_.Consultations();
+  return StatusOf(evaluation.outcome);
+}
+
+void Asker::Abandon() {
+  // The evaluating thread may be anywhere but here: what it holds besides is left alone.
+  if (writing_.try_lock_for(std::chrono::milliseconds(200)) && current_ != nullptr) {
+    Report report;
+    report.text = current_->text;
+    report.expression = current_->expression;
+    report.is_evaluated = true;
+    report.compile_microseconds = current_->compile_microseconds;
+    report.evaluate_microseconds =
+        std::chrono::duration_cast<std::chrono::microseconds>(options_.time_limit).count();
+    report.diagnostics.push_back(StopDiagnostic(report, watchdog_.IsExpired()));
+    writer_.End(report);
+  }
+  ::_exit(static_cast<int>(ExitStatus::kInterrupted));
+}
+
+}  // namespace gatotu::host

@@ -1,0 +1,42 @@
+#include <unistd.h>
+
+#include <csignal>
+#include <exception>
+
+#include "host/command_line.h"
+#include "host/output.h"
+#include "host/session.h"
+
+namespace {
+
+using namespace gatotu::host;
+
+ExitStatus Leave(Farewell const& farewell) {
+  if (farewell.status != ExitStatus::kAnswered) {
+    Complain(farewell.text);
+  } else {
+    Output output(STDOUT_FILENO);
+    output.Write(farewell.text);
+    output.Flush();
+  }
+  return farewell.status;
+}
+
+ExitStatus Main(int argc, char** argv) {
+  auto const read = ReadCommandLine(argc, argv);
+  if (auto const* farewell = std::get_if<Farewell>(&read)) return Leave(*farewell);
+  return Run(std::get<CommandLine>(read));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A reader that went away is seen by the write that fails.
+  ::signal(SIGPIPE, SIG_IGN);
+  try {
+    return static_cast<int>(Main(argc, argv));
+  } catch (std::exception const& failure) {
+    Complain(failure.what());
+    return static_cast<int>(ExitStatus::kNoAnswer);
+  }
+}

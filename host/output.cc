@@ -1,0 +1,58 @@
+#include "host/output.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+namespace gatotu::host {
+namespace {
+
+// Large, since a reader that pauses must not use up the time of the evaluation.
+constexpr std::size_t kFlushSize = std::size_t{1} << 20;
+constexpr std::chrono::milliseconds kFlushInterval{250};
+
+// Bytes that a terminal would act on are shown as escapes.
+void AppendShown(std::string& out, std::string_view text) {
+  constexpr char kHex[] = "0123456789abcdef";
+  for (char const c : text) {
+    auto const byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7f) {
+      out += {'\\', 'x', kHex[byte >> 4U], kHex[byte & 15U]};
+    } else {
+      out += c;
+    }
+  }
+}
+
+}  // namespace
+
+void Output::Write(std::string_view bytes) {
+  if (IsBroken()) return;
+  buffer_ += bytes;
+  if (buffer_.size() >= kFlushSize || Clock::now() - last_flush_ >= kFlushInterval) Flush();
+}
+
+void Output::Flush() {
+  std::string_view rest = buffer_;
+  while (!rest.empty() && !IsBroken()) {
+    ssize_t const written = ::write(descriptor_, rest.data(), rest.size());
+    if (written >= 0) {
+      rest.remove_prefix(static_cast<std::size_t>(written));
+    } else if (errno != EINTR) {
+      error_ = errno;
+    }
+  }
+  buffer_.clear();
+  last_flush_ = Clock::now();
+}
+
+void Complain(std::string_view message) {
+  std::string line = "gatotu: ";
+  AppendShown(line, message);
+  line += '\n';
+  Output errors(STDERR_FILENO);
+  errors.Write(line);
+  errors.Flush();
+}
+
+}  // namespace gatotu::host

@@ -1,0 +1,38 @@
+// Bytes on their way to a file descriptor, gathered so that a long answer costs few writes and a
+// slow one still appears while it grows.
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <string_view>
+
+namespace gatotu::host {
+
+class Output {
+ public:
+  // `descriptor` stays the caller's.
+  explicit Output(int descriptor) : descriptor_(descriptor) {}
+  Output(Output const&) = delete;
+  Output& operator=(Output const&) = delete;
+
+  void Write(std::string_view bytes);
+  void Flush();
+
+  // Nobody reads any more, or the bytes cannot be written; further output is dropped.
+  bool IsBroken() const { return error_ != 0; }
+  // The `errno` of a write that failed, 0 for none; EPIPE when the reader went away.
+  int Error() const { return error_; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  int descriptor_;
+  int error_ = 0;
+  std::string buffer_;
+  Clock::time_point last_flush_ = Clock::now();
+};
+
+// One message of the command itself, "gatotu: MESSAGE" with a line feed, to standard error.
+void Complain(std::string_view message);
+
+}  // namespace gatotu::host

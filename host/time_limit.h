@@ -1,0 +1,53 @@
+// Ends an evaluation that takes too long or that the user interrupts, also when an inspector
+// hangs in the kernel, where no signal handler runs: a thread beside the evaluating one waits,
+// asks the evaluator to stop, and leaves with the process when nothing comes of it.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <optional>
+#include <string_view>
+#include <thread>
+
+namespace gatotu::host {
+
+// "30s", "500ms", "2m", "1h", "1.5s"; a bare number is seconds, 0 is no limit.
+std::optional<std::chrono::nanoseconds> ParseDuration(std::string_view text);
+
+class Watchdog {
+ public:
+  // `leave` is called on the watchdog's thread when the evaluation did not stop in time; it must
+  // end the process. There is one watchdog a process: it takes over SIGINT.
+  Watchdog(std::chrono::nanoseconds limit, std::function<void()> leave);
+  ~Watchdog();
+  Watchdog(Watchdog const&) = delete;
+  Watchdog& operator=(Watchdog const&) = delete;
+
+  // Around an evaluation.
+  void Begin();
+  void End();
+
+  // Whether the time limit of the evaluation begun last was reached.
+  bool IsExpired() const { return expired_; }
+  // Whether the user interrupted since the last call.
+  static bool TakeInterrupt();
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  void Watch();
+  // How long to wait until there may be something to do; negative for ever.
+  Clock::duration Step();
+
+  std::chrono::nanoseconds limit_;
+  std::function<void()> leave_;
+  std::atomic<Clock::rep> begun_{0};  // 0 while nothing is evaluated
+  std::atomic<bool> expired_{false};
+  std::atomic<bool> stopping_{false};
+  Clock::rep asked_for_ = 0;  // the evaluation that was asked to stop; the thread's own
+  Clock::time_point asked_at_;
+  std::thread thread_;
+};
+
+}  // namespace gatotu::host
