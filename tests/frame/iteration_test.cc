@@ -1,0 +1,168 @@
+// Iterations as an evaluator drives them.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <vector>
+
+#include "evaluator/plugin/exceptions.h"
+#include "frame/prop.h"
+#include "frame/registration.h"
+#include "tests/support/recording_evaluator.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+int constructed = 0;
+int destroyed = 0;
+int length = 0;      // of the next sequence
+int broken_at = -1;  // the element that fails
+
+// Counts down from its start: 10, 9, 8, ...
+class Countdown {
+ public:
+  Countdown() { ++constructed; }
+  Countdown(Countdown const&) = delete;
+  virtual ~Countdown() { ++destroyed; }
+
+  integer First() {
+    index_ = 0;
+    return Next();
+  }
+  virtual integer Next() {
+    if (index_ == length) throw NoSuchObject();
+    return Element();
+  }
+  integer Named(inspector_string const& name) { return Element() + 100 * name.start[0]; }
+
+  void Start() { started_ = 1000; }
+  bool AtEnd() { return index_ == length; }
+
+ protected:
+  integer Element() {
+    if (index_ == broken_at) throw std::runtime_error("broken");
+    return started_ + 10 - index_++;
+  }
+
+ private:
+  int index_ = 0;
+  int started_ = 0;
+};
+
+// Overrides a member that is reached through a pointer to the base's.
+class NegativeCountdown : public Countdown {
+ public:
+  integer Next() override { return -Countdown::Next(); }
+};
+
+struct Outcome {
+  std::vector<integer> elements;
+  bool broken = false;
+};
+
+// At most `limit` elements, then stops early. An end is NoSuchObject or false.
+template <class I = Countdown>
+Outcome Drive(void const* handle, int limit = 100) {
+  auto const registration = *RecordingEvaluator::Instance().Find(handle);
+  unsigned char const parameter_byte = 1;
+  inspector_string const parameter{&parameter_byte, 1};
+  RawStorage state(sizeof(I));
+  Outcome outcome;
+  IteratorBasics<I>::Construct(state.Address());
+  try {
+    InspectorGet step = registration.get;
+    integer element = 0;
+    while (limit-- > 0 && step(&element, &parameter, nullptr, state.Address(), handle)) {
+      outcome.elements.push_back(element);
+      step = registration.next;
+    }
+  } catch (NoSuchObject const&) {
+  } catch (std::runtime_error const&) {
+    outcome.broken = true;
+  }
+  IteratorBasics<I>::Destroy(state.Address());
+  return outcome;
+}
+
+class Iteration : public testing::Test {
+ protected:
+  void SetUp() override {
+    RecordingEvaluator::Instance().registered.clear();
+    constructed = destroyed = 0;
+    length = 3;
+    broken_at = -1;
+  }
+  void TearDown() override {
+    EXPECT_GT(constructed, 0);
+    EXPECT_EQ(constructed, destroyed);
+  }
+};
+
+TEST_F(Iteration, EndsOnceAtTheEndOnAnErrorAndOnAnEarlyStop) {
+  IteratedGlobalProperty<Countdown, integer> countdown("x", "xs", nullptr);
+  EXPECT_THAT(Drive(&countdown).elements, ElementsAre(10, 9, 8));
+  EXPECT_THAT(Drive(&countdown, 2).elements, ElementsAre(10, 9));
+  broken_at = 1;
+  Outcome const failed = Drive(&countdown);
+  EXPECT_THAT(failed.elements, ElementsAre(10));
+  EXPECT_TRUE(failed.broken);
+  length = 0;
+  EXPECT_THAT(Drive(&countdown).elements, IsEmpty());
+  EXPECT_EQ(constructed, 4);
+}
+
+TEST_F(Iteration, ANullStateIsIgnoredAndStateBeginsZeroed) {
+  IteratorBasics<Countdown>::Construct(nullptr);
+  EXPECT_EQ(constructed, 0);
+  struct Words {
+    long first, second;
+  };
+  RawStorage state(sizeof(Words));
+  IteratorBasics<Words>::Construct(state.Address());
+  EXPECT_EQ(static_cast<Words*>(state.Address())->first, 0);
+  EXPECT_EQ(static_cast<Words*>(state.Address())->second, 0);
+  constructed = destroyed = 1;
+}
+
+TEST_F(Iteration, MembersEndBySayingSoOrByTheirEndTest) {
+  Prop until_thrown("x", "xs", &Countdown::First, &Countdown::Next, nullptr);
+  EXPECT_THAT(Drive(&until_thrown).elements, ElementsAre(10, 9, 8));
+
+  Prop until_test("x", "xs", &Countdown::First, &Countdown::Next, nullptr, nullptr,
+                  &Countdown::AtEnd);
+  EXPECT_THAT(Drive(&until_test).elements, ElementsAre(10, 9, 8));
+  length = 0;
+  EXPECT_THAT(Drive(&until_test).elements, IsEmpty());
+}
+
+TEST_F(Iteration, TheStartActionComesFirst) {
+  Prop started("x", "xs", &Countdown::First, &Countdown::Next, nullptr, &Countdown::Start);
+  EXPECT_THAT(Drive(&started).elements, ElementsAre(1010, 1009, 1008));
+
+  Prop named("x", "xs", &Countdown::Named, &Countdown::Named, nullptr, &Countdown::Start,
+             &Countdown::AtEnd);
+  EXPECT_THAT(Drive(&named).elements, ElementsAre(1110, 1109, 1108));
+}
+
+TEST_F(Iteration, VirtualMembersAreDispatched) {
+  Prop countdown("x", "xs", &Countdown::First, &Countdown::Next, nullptr);
+  EXPECT_THAT(Drive<NegativeCountdown>(&countdown).elements, ElementsAre(-10, -9, -8));
+}
+
+TEST_F(Iteration, AnEndTestIsAskedEvenWithoutAResult) {
+  Prop countdown("x", "xs", &Countdown::First, &Countdown::Next, nullptr, nullptr,
+                 &Countdown::AtEnd);
+  auto const registration = *RecordingEvaluator::Instance().Find(&countdown);
+  Countdown state;
+  EXPECT_TRUE(registration.get(nullptr, nullptr, nullptr, &state, &countdown));
+  EXPECT_TRUE(registration.next(nullptr, nullptr, nullptr, &state, &countdown));
+  length = 0;
+  integer untouched = 42;
+  EXPECT_FALSE(registration.get(nullptr, nullptr, nullptr, &state, &countdown));
+  EXPECT_FALSE(registration.next(&untouched, nullptr, nullptr, &state, &countdown));
+  EXPECT_EQ(untouched, 42);
+}
+
+}  // namespace
