@@ -1,0 +1,23 @@
+# Completion of the command's options and, behind `vocabulary --type`, of the known types.
+_gatotu() {
+  local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
+  local IFS=$'\n'
+  case $previous in
+    --format) COMPREPLY=($(compgen -W $'text\njson\ncsv\ntsv' -- "$current")) ;;
+    --file | --plug-in) COMPREPLY=($(compgen -f -- "$current")) ;;
+    --machine) COMPREPLY=($(compgen -W live -- "$current") $(compgen -d -- "$current")) ;;
+    --type)
+      COMPREPLY=($(compgen -W "$(gatotu vocabulary --format tsv 2>/dev/null |
+        awk -F '\t' '$1 == "type" { print $2 }')" -- "$current"))
+      COMPREPLY=("${COMPREPLY[@]// /\\ }")
+      ;;
+    *)
+      case $current in
+        -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--format\n--help
+--machine\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--version' -- "$current")) ;;
+        *) [ "$COMP_CWORD" -eq 1 ] && COMPREPLY=($(compgen -W vocabulary -- "$current")) ;;
+      esac
+      ;;
+  esac
+}
+complete -F _gatotu gatotu
