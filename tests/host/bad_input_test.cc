@@ -1,0 +1,90 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <random>
+
+#include "tests/host/child_process.h"
+
+namespace gatotu::tests {
+namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
+
+std::string Repeat(std::string_view text, std::size_t times) {
+  std::string result;
+  for (std::size_t i = 0; i < times; ++i) result += text;
+  return result;
+}
+
+TEST(BadInput, EachHasItsOwnMessageAndEndsSoon) {
+  struct Case {
+    char const* name;
+    std::string line;
+    char const* message;
+  };
+  for (Case const& each : {
+           Case{"parentheses", Repeat("(", 100'000), "256"},
+           Case{"closed parentheses", Repeat("(", 5000) + "1" + Repeat(")", 5000), "256"},
+           Case{"negations", Repeat("not ", 50'000) + "true", "256"},
+           Case{"signs", Repeat("- ", 50'000) + "1", "256"},
+           Case{"long text", Repeat("1 + ", 500'000) + "1", "1 MiB"},
+           Case{"huge integer", "9223372036854775808", "9223372036854775807"},
+           Case{"unknown word", "zzqx of 1", "zzqx"},
+           Case{"unknown type", "1 as zzqx", "zzqx"},
+           Case{"open string", "\"abc", "string"},
+           Case{"control bytes", "\x1b[31m", "\\x1b"},
+       }) {
+    Run const run = Gatotu({}, each.line + "\n1\n");
+    EXPECT_EQ(run.status, 2) << each.name;
+    EXPECT_THAT(run.errors, StartsWith("error: ")) << each.name;
+    EXPECT_THAT(run.errors, HasSubstr(each.message)) << each.name;
+    EXPECT_EQ(run.errors.find('\x1b'), std::string::npos);
+    EXPECT_LT(run.errors.size(), 10'000U) << each.name;
+    EXPECT_EQ(run.output, "1\n") << each.name;
+    EXPECT_LT(run.took, std::chrono::seconds(10)) << each.name;
+  }
+}
+
+// Bytes of any kind, and words of the language in any order: refused or answered, no more.
+TEST(BadInput, NoLineOfAnyBytesDoesHarm) {
+  std::mt19937 random(20);  // NOLINT: the same bytes each time
+  std::vector<std::string> const words = {
+      "of",     "whose", "it",  "as",     "(",   ")",  "if", "then",     "else", "exists",
+      "1",      "\"a\"", "pid", "name",   "+",   "-",  ";",  "|",        ",",    "not",
+      "number", "item",  "is",  "string", "mod", "/*", "<=", "processes"};
+  std::string input;
+  for (int line = 0; line < 1000; ++line) {
+    for (std::size_t length = random() % 24; length > 0; --length) {
+      if (line % 2 == 0) {
+        input += static_cast<char>(random());
+      } else {
+        input += words[random() % words.size()] + " ";
+      }
+    }
+    input += '\n';
+  }
+  Run const run = Gatotu({"--time-limit", "60s"}, input + "7\n");
+  EXPECT_LE(run.status, 2);
+  EXPECT_EQ(Lines(run.output).back(), "7");
+}
+
+TEST(BadInput, InspectorsThatThrowLeaveTheEvaluatorUsable) {
+  struct Case {
+    char const* parameter;
+    char const* message;
+  };
+  for (Case const& each :
+       {Case{"0", "error: "}, Case{"1", "out of luck"}, Case{"2", "-43"}, Case{"3", "NamedNothing"},
+        Case{"4", "memory"}, Case{"5", "no such object"}}) {
+    Run const run = Gatotu(
+        {"--plug-in", ODD_PLUG_IN, std::string("throwing thing ") + each.parameter, "40 + 2"});
+    EXPECT_THAT(run.errors, HasSubstr(each.message));
+    EXPECT_THAT(run.errors, HasSubstr("throwing thing"));
+    EXPECT_EQ(run.output, "42\n");
+    EXPECT_EQ(run.status, 1) << each.parameter;
+  }
+}
+
+}  // namespace
+}  // namespace gatotu::tests

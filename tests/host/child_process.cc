@@ -1,0 +1,96 @@
+#include "tests/host/child_process.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <sstream>
+#include <thread>
+
+namespace gatotu::tests {
+namespace {
+
+using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+TemporaryFile MakeFile() { return {std::tmpfile(), &std::fclose}; }
+
+std::string Content(std::FILE* file) {
+  std::string content;
+  std::rewind(file);
+  std::array<char, 4096> buffer;
+  while (std::size_t const got = std::fread(buffer.data(), 1, buffer.size(), file)) {
+    content.append(buffer.data(), got);
+  }
+  return content;
+}
+
+std::vector<char*> Pointers(std::vector<std::string>& texts) {
+  std::vector<char*> pointers;
+  for (std::string& text : texts) pointers.push_back(text.data());
+  pointers.push_back(nullptr);
+  return pointers;
+}
+
+}  // namespace
+
+Run RunCommand(Launch const& launch) {
+  std::vector<std::string> arguments = {launch.program.empty() ? GATOTU_COMMAND : launch.program};
+  arguments.insert(arguments.end(), launch.arguments.begin(), launch.arguments.end());
+  std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "HOME=/nonexistent"};
+  environment.insert(environment.end(), launch.environment.begin(), launch.environment.end());
+  auto argv = Pointers(arguments);
+  auto envp = Pointers(environment);
+
+  TemporaryFile const input = MakeFile();
+  TemporaryFile const output = MakeFile();
+  TemporaryFile const errors = MakeFile();
+  std::fwrite(launch.input.data(), 1, launch.input.size(), input.get());
+  std::rewind(input.get());
+
+  auto const begin = std::chrono::steady_clock::now();
+  pid_t const child = ::fork();
+  if (child == 0) {
+    ::dup2(::fileno(input.get()), STDIN_FILENO);
+    ::dup2(::fileno(output.get()), STDOUT_FILENO);
+    ::dup2(::fileno(errors.get()), STDERR_FILENO);
+    ::execvpe(argv[0], argv.data(), envp.data());
+    ::_exit(127);
+  }
+  EXPECT_GT(child, 0);
+  if (launch.interrupt_after.count() > 0) {
+    std::this_thread::sleep_for(launch.interrupt_after);
+    ::kill(child, SIGINT);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+
+  Run run;
+  run.took = std::chrono::duration_cast<std::chrono::milliseconds>(
+      std::chrono::steady_clock::now() - begin);
+  run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  run.output = Content(output.get());
+  run.errors = Content(errors.get());
+  return run;
+}
+
+Run Gatotu(std::vector<std::string> arguments, std::string input) {
+  Launch launch;
+  launch.arguments = std::move(arguments);
+  launch.input = std::move(input);
+  return RunCommand(launch);
+}
+
+std::vector<std::string> Lines(std::string const& text) {
+  std::vector<std::string> lines;
+  std::istringstream stream(text);
+  for (std::string line; std::getline(stream, line);) lines.push_back(line);
+  return lines;
+}
+
+}  // namespace gatotu::tests

@@ -1,0 +1,31 @@
+// Runs the command as its users do.
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <vector>
+
+namespace gatotu::tests {
+
+struct Run {
+  std::string output;
+  std::string errors;
+  int status = -1;  // what it exited with, 128 + signal when killed
+  std::chrono::milliseconds took{0};
+};
+
+struct Launch {
+  std::vector<std::string> arguments;
+  std::string input;
+  std::vector<std::string> environment;  // NAME=VALUE, beside PATH and a HOME without settings
+  std::chrono::milliseconds interrupt_after{0};  // sends SIGINT; 0: never
+  std::string program;                           // empty: the command
+};
+
+Run RunCommand(Launch const& launch);
+Run Gatotu(std::vector<std::string> arguments, std::string input = {});
+
+// The lines without their line feeds.
+std::vector<std::string> Lines(std::string const& text);
+
+}  // namespace gatotu::tests

@@ -1,0 +1,71 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/host/child_process.h"
+
+namespace gatotu::tests {
+namespace {
+
+using std::chrono::milliseconds;
+using testing::HasSubstr;
+
+constexpr milliseconds kPatience{10'000};
+constexpr char kLongScan[] = "number of integers below 1000000000000000";
+
+Launch Odd(std::vector<std::string> arguments) {
+  Launch launch;
+  launch.arguments = {"--plug-in", ODD_PLUG_IN};
+  launch.arguments.insert(launch.arguments.end(), arguments.begin(), arguments.end());
+  return launch;
+}
+
+TEST(TimeLimit, EndsAnInspectorThatHangs) {
+  Run const run = RunCommand(Odd({"--time-limit", "200ms", "1", "sleeping thing", "2"}));
+  EXPECT_EQ(run.status, 3);
+  EXPECT_EQ(run.output, "1\n");
+  EXPECT_THAT(run.errors, HasSubstr("time limit"));
+  EXPECT_LT(run.took, kPatience);
+}
+
+TEST(TimeLimit, LeavesValidJsonBehind) {
+  Run const run =
+      RunCommand(Odd({"--time-limit", "200ms", "--format", "json", "1;2;sleeping thing"}));
+  EXPECT_EQ(run.status, 3);
+  auto const answer = nlohmann::json::parse(run.output);
+  EXPECT_EQ(answer["values"], nlohmann::json::parse("[1, 2]"));
+  EXPECT_EQ(answer["error"]["code"], "time-limit");
+}
+
+TEST(Interrupt, EndsAnEvaluationThatRunsOrHangs) {
+  for (std::string const& expression : {std::string("sleeping thing"), std::string(kLongScan)}) {
+    Launch launch = Odd({"--time-limit", "0", expression});
+    launch.interrupt_after = milliseconds(500);
+    Run const run = RunCommand(launch);
+    EXPECT_EQ(run.status, 3) << expression;
+    EXPECT_THAT(run.errors, HasSubstr("interrupted"));
+    EXPECT_LT(run.took, kPatience);
+  }
+}
+
+TEST(TimeLimit, EndsALongScan) {
+  Run const run = Gatotu({"--time-limit", "100ms", kLongScan});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run.errors, HasSubstr("time limit"));
+  EXPECT_LT(run.took, kPatience);
+}
+
+// `script` gives the command a terminal.
+TEST(Prompt, EndsTheExpressionOnly) {
+  Launch launch;
+  launch.program = "script";
+  launch.arguments = {"-qec", std::string(GATOTU_COMMAND) + " --time-limit 100ms", "/dev/null"};
+  launch.input = std::string(kLongScan) + "\n40 + 2\n\x04";
+  Run const run = RunCommand(launch);
+  EXPECT_THAT(run.output, HasSubstr("time limit"));
+  EXPECT_THAT(run.output, HasSubstr("42\r\n"));
+}
+
+}  // namespace
+}  // namespace gatotu::tests
