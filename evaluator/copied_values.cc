@@ -1,0 +1,48 @@
+#include "evaluator/copied_values.h"
+
+#include <cstring>
+
+namespace gatotu {
+namespace {
+
+constexpr std::size_t kAlignment = alignof(std::max_align_t);
+constexpr std::size_t kReserve = 1024 * 1024;
+
+}  // namespace
+
+void CopiedValues::Start(TypeEntry const& type) {
+  is_string_ = type.kind == ValueType::Kind::kString;
+  size_ = type.size;
+  entries_.clear();
+  bytes_.clear();
+}
+
+void CopiedValues::Add(void const* value) {
+  std::size_t offset = bytes_.size();
+  if (is_string_) {
+    auto const& string = *static_cast<inspector_string const*>(value);
+    auto const* start = reinterpret_cast<std::byte const*>(string.start);
+    if (string.length > 0) bytes_.insert(bytes_.end(), start, start + string.length);
+    entries_.push_back({offset, string.length});
+    return;
+  }
+  bytes_.resize(offset + (size_ + kAlignment - 1) / kAlignment * kAlignment);
+  std::memcpy(bytes_.data() + offset, value, size_);
+  entries_.push_back({offset, size_});
+}
+
+void const* CopiedValues::Get(std::size_t index, inspector_string& room) const {
+  Entry const& entry = entries_[index];
+  std::byte const* start = bytes_.data() + entry.offset;
+  if (!is_string_) return start;
+  room = {reinterpret_cast<unsigned char const*>(start), entry.size};
+  return &room;
+}
+
+void CopiedValues::Trim() {
+  if (entries_.capacity() * sizeof(Entry) + bytes_.capacity() <= kReserve) return;
+  entries_ = {};
+  bytes_ = {};
+}
+
+}  // namespace gatotu
