@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cassert>
+#include <concepts>
 #include <string>
 #include <utility>
 #include <variant>
@@ -21,7 +22,9 @@ struct Absence {
 template <typename T>
 class Fact {
  public:
-  Fact(T value) : state_(std::in_place_index<0>, std::move(value)) {}
+  template <typename Value>
+  requires std::convertible_to<Value, T> Fact(Value&& value)
+      : state_(std::in_place_index<0>, std::forward<Value>(value)) {}
   Fact(Absence absence) : state_(std::in_place_index<1>, std::move(absence)) {
     assert(this->absence().reason != Outcome::kAnswered);
   }

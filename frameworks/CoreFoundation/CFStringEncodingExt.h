@@ -1,18 +1,12 @@
-// Numbers of the encodings beyond the basic ones. Those of Unicode's own forms are in CFString.h.
+// Numbers of the encodings beyond the basic ones: those of the published list that can be converted
+// here.
 #pragma once
 
 #include <CoreFoundation/CFString.h>
 
 enum : CFStringEncoding {
-  kCFStringEncodingMacJapanese = 1,
-  kCFStringEncodingMacChineseTrad = 2,
-  kCFStringEncodingMacKorean = 3,
-  kCFStringEncodingMacArabic = 4,
-  kCFStringEncodingMacHebrew = 5,
   kCFStringEncodingMacGreek = 6,
   kCFStringEncodingMacCyrillic = 7,
-  kCFStringEncodingMacThai = 21,
-  kCFStringEncodingMacChineseSimp = 25,
   kCFStringEncodingMacCentralEurRoman = 29,
   kCFStringEncodingMacTurkish = 35,
 
@@ -31,7 +25,6 @@ enum : CFStringEncoding {
   kCFStringEncodingISOLatin7 = 0x020D,
   kCFStringEncodingISOLatin8 = 0x020E,
   kCFStringEncodingISOLatin9 = 0x020F,
-  kCFStringEncodingISOLatin10 = 0x0210,
 
   kCFStringEncodingDOSLatinUS = 0x0400,
   kCFStringEncodingDOSGreek = 0x0405,
@@ -63,15 +56,10 @@ enum : CFStringEncoding {
   kCFStringEncodingWindowsArabic = 0x0506,
   kCFStringEncodingWindowsBalticRim = 0x0507,
   kCFStringEncodingWindowsVietnamese = 0x0508,
-  kCFStringEncodingWindowsKoreanJohab = 0x0510,
 
-  kCFStringEncodingJIS_X0201_76 = 0x0620,
-  kCFStringEncodingJIS_X0208_83 = 0x0621,
-  kCFStringEncodingJIS_X0212_90 = 0x0623,
   kCFStringEncodingGB_2312_80 = 0x0630,
   kCFStringEncodingGBK_95 = 0x0631,
   kCFStringEncodingGB_18030_2000 = 0x0632,
-  kCFStringEncodingKSC_5601_87 = 0x0640,
 
   kCFStringEncodingISO_2022_JP = 0x0820,
   kCFStringEncodingISO_2022_JP_2 = 0x0821,

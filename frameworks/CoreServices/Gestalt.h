@@ -3,11 +3,11 @@
 
 #include <CoreServices/MacTypes.h>
 
-enum : OSErr { gestaltUnknownErr = -5550, gestaltUndefSelectorErr = -5551 };
+enum : OSErr { gestaltUndefSelectorErr = -5551 };
 
-// `noErr` and the response, or: `gestaltUndefSelectorErr` where the machine has no such fact,
-// `gestaltUnknownErr` where it has one that could not be read. `response` is then left alone. A
-// response is 32 bits without sign, whatever the type says.
+// `noErr` and the response, or `gestaltUndefSelectorErr` where the machine has no such fact or
+// could not read it; `response` is then left alone. A response is 32 bits without sign, whatever
+// the type says.
 CF_EXPORT OSErr Gestalt(OSType selector, SInt32* response);
 
 // The text that the response to a string selector ("mnam") stands for: its length in the first

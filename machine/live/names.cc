@@ -1,0 +1,72 @@
+#include <unistd.h>
+
+#include <climits>
+
+#include "machine/live/sources.h"
+#include "machine/live/text.h"
+
+namespace machine::live {
+namespace {
+
+// Takes the quotes off a value as a shell would, for files of assignments like /etc/machine-info.
+std::string Unquote(std::string_view text) {
+  std::string plain;
+  char quote = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char const character = text[i];
+    if (character == '\\' && quote != '\'' && i + 1 < text.size()) {
+      plain += text[++i];
+    } else if (quote == 0 && (character == '"' || character == '\'')) {
+      quote = character;
+    } else if (character == quote) {
+      quote = 0;
+    } else {
+      plain += character;
+    }
+  }
+  return plain;
+}
+
+// The first line that is neither empty nor a comment.
+std::string_view FirstEntry(std::string_view text) {
+  while (!text.empty()) {
+    std::string_view const line = Trim(TakeLine(text));
+    if (!line.empty() && line.front() != '#') return line;
+  }
+  return {};
+}
+
+}  // namespace
+
+Fact<std::string> Names::HostName() const {
+  if (root_.is_running()) {
+    char name[HOST_NAME_MAX + 1] = {};
+    if (::gethostname(name, HOST_NAME_MAX) != 0 || name[0] == '\0') {
+      return AnnounceAbsence(Outcome::kAbsent, "gethostname");
+    }
+    std::string text = name;
+    Announce("gethostname", Outcome::kAnswered, text.size());
+    return text;
+  }
+  Fact<std::string> const kernel = root_.ReadText("/proc/sys/kernel/hostname");
+  if (kernel) return kernel;
+  constexpr char const* kPath = "/etc/hostname";
+  Fact<std::string> const file = root_.ReadFile(kPath);
+  if (!file) return file.absence();
+  std::string_view const name = FirstEntry(*file);
+  if (name.empty()) return Absence{Outcome::kAbsent, kPath, "empty"};
+  return std::string(name);
+}
+
+Fact<std::string> Names::ComputerName() const {
+  if (Fact<std::string> const file = root_.ReadFile("/etc/machine-info")) {
+    if (auto const value = FindValue(*file, "PRETTY_HOSTNAME", '=')) {
+      if (std::string name = Unquote(*value); !name.empty()) return name;
+    }
+  }
+  Fact<std::string> host = HostName();
+  if (!host) return host;
+  return host->substr(0, host->find('.'));
+}
+
+}  // namespace machine::live
