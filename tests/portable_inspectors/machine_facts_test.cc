@@ -1,0 +1,52 @@
+// Times and environment of the machine at hand, against what GNU date says.
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "answers.h"
+
+namespace {
+
+std::string Output(std::string const& command) {
+  std::unique_ptr<FILE, int (*)(FILE*)> const pipe(popen(command.c_str(), "r"), pclose);
+  char line[200] = "";
+  std::string text = fgets(line, sizeof(line), pipe.get()) == nullptr ? "" : line;
+  if (text.ends_with('\n')) text.pop_back();
+  return text;
+}
+
+// Summer and winter, both sides of both changes, and before any daylight saving.
+TEST(LocalTime, AgreesWithGnuDate) {
+  for (char const* zone : {"Europe/Berlin", "America/St_Johns", "Asia/Kolkata", "UTC"}) {
+    ASSERT_EQ(setenv("TZ", zone, 1), 0);
+    for (std::int64_t seconds :
+         {0LL, 1'720'000'000LL, 1'730'000'000LL, 1'711'846'799LL, 1'711'846'800LL, 1'729'990'799LL,
+          1'729'990'800LL, -1'000'000'000LL, 4'102'444'800LL, 1'763'713'406LL}) {
+      std::string const date = "date -d @" + std::to_string(seconds) + " '+";
+      std::string const time = "(unix epoch + (" + std::to_string(seconds) + ") * second)";
+      std::string const text = Output(date + "%FT%T.000000%:z'");
+      EXPECT_EQ(Answer(time + " as string"), text) << zone;
+      EXPECT_EQ(Answer("\"" + text + "\" as time = " + time), "true") << zone << ' ' << text;
+      EXPECT_EQ(Answer("(year of it, month of it, day_of_month of it, day_of_week of it, weekday "
+                       "of it, hour of it, minute of it, second of it) of " +
+                       time),
+                Output("LC_ALL=C " + date + "%-Y, %-m, %-d, %u, %A, %-H, %-M, %-S'"))
+          << zone << ' ' << seconds;
+    }
+    EXPECT_EQ(Answer("name of time zone"), zone);
+  }
+}
+
+TEST(EnvironmentVariables, AreThoseOfTheProcess) {
+  ASSERT_EQ(setenv("GATOTU_TEST", "a=b", 1), 0);
+  EXPECT_EQ(Answer(R"(value of environment variable "GATOTU_TEST")"), "a=b");
+  EXPECT_EQ(Answer(R"(variable "GATOTU_TEST" of environment)"), "GATOTU_TEST=a=b");
+  EXPECT_EQ(Answer(R"(values of environment variables whose (name of it = "GATOTU_TEST"))"), "a=b");
+  EXPECT_EQ(Answer(R"(environment variable "GATOTU NONE")"), "no such object");
+}
+
+}  // namespace

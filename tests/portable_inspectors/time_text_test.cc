@@ -1,0 +1,79 @@
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <cstdio>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include "portable_inspectors/calendar_time.h"
+#include "portable_inspectors/errors.h"
+#include "portable_inspectors/time_interval_text.h"
+
+namespace {
+
+constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+
+TEST(TimeIntervalText, IsReadBack) {
+  struct {
+    std::int64_t microseconds;
+    char const* text;
+  } const rows[] = {
+      {0, "00:00:00.000000"},
+      {1, "00:00:00.000001"},
+      {-1, "-00:00:00.000001"},
+      {86'399'999'999, "23:59:59.999999"},
+      {86'400'000'000, "1 day, 00:00:00.000000"},
+      {-86'400'000'000, "-1 day, 00:00:00.000000"},
+      {3 * 86'400'000'000 + 14'706'000'000, "3 days, 04:05:06.000000"},
+      {kLargest, "106751991 days, 04:00:54.775807"},
+      {kSmallest, "-106751991 days, 04:00:54.775808"},
+  };
+  for (auto const& row : rows) {
+    EXPECT_EQ(TimeIntervalToText(time_interval(row.microseconds)), row.text);
+    EXPECT_EQ(TextToTimeInterval(row.text), time_interval(row.microseconds)) << row.text;
+  }
+}
+
+TEST(TimeIntervalText, ReadsShorterForms) {
+  EXPECT_EQ(TextToTimeInterval("3 days"), time_interval(3 * 86'400'000'000));
+  EXPECT_EQ(TextToTimeInterval("100:00:00"), time_interval(360'000'000'000));
+  EXPECT_EQ(TextToTimeInterval("-0:00:1.5"), time_interval(-1'500'000));
+  for (char const* text :
+       {"", "-", "3", "3 day, ", "3 days,04:05:06", "3 days, 24:00:00", "1:60:00", "1:00:60",
+        "1:000:00", "1:00:00.", "1:00:00.1234567", "1:00:00 ", "--1:00:00", "+1:00:00", "1:-1:00",
+        "106751992 days", "99999999999999999999 days", "106751991 days, 04:00:54.775808"}) {
+    EXPECT_EQ(TextToTimeInterval(text), std::nullopt) << text;
+  }
+}
+
+std::string Answer(std::string const& command) {
+  std::unique_ptr<FILE, int (*)(FILE*)> const pipe(popen(command.c_str(), "r"), pclose);
+  char line[200] = "";
+  return fgets(line, sizeof(line), pipe.get()) == nullptr ? "" : line;
+}
+
+TEST(CalendarTime, AgreesWithGnuDate) {
+  for (std::int64_t seconds :
+       {0LL, -1LL, 951'782'399LL, 951'782'400LL, 951'868'800LL, 4'107'542'399LL, 4'107'542'400LL,
+        -2'082'844'800LL, -62'135'596'801LL, 1'735'689'599LL, 253'402'300'800LL, 1'763'713'406LL}) {
+    CalendarTime const time = CalendarTimeAt(moment(seconds * 1'000'000 + 5), time_interval(0));
+    char text[100];
+    std::snprintf(text, sizeof(text), "%04lld-%02d-%02d %d %03d %lld\n",
+                  static_cast<long long>(time.year), time.month, time.day, time.day_of_week,
+                  time.day_of_year, static_cast<long long>(time.time_of_day));
+    std::int64_t const of_day = ((seconds % 86'400) + 86'400) % 86'400;
+    EXPECT_EQ(text, Answer("date -u -d @" + std::to_string(seconds) + " '+%Y-%m-%d %u %j " +
+                           std::to_string(of_day * 1'000'000 + 5) + "'"))
+        << seconds;
+  }
+}
+
+TEST(CalendarTime, ReachesBothEnds) {
+  EXPECT_EQ(CalendarTimeAt(moment(kLargest), time_interval()).year, 294'247);
+  EXPECT_EQ(CalendarTimeAt(moment(kSmallest), time_interval()).year, -290'308);
+  EXPECT_THROW(CalendarTimeAt(moment(kLargest), time_interval(1)), TimeOverflow);
+}
+
+}  // namespace
