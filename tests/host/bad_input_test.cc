@@ -35,7 +35,7 @@ TEST(BadInput, EachHasItsOwnMessageAndEndsSoon) {
            Case{"open string", "\"abc", "string"},
            Case{"control bytes", "\x1b[31m", "\\x1b"},
        }) {
-    Run const run = Gatotu({}, each.line + "\n1\n");
+    ProcessResult const run = Gatotu({}, each.line + "\n1\n");
     EXPECT_EQ(run.status, 2) << each.name;
     EXPECT_THAT(run.errors, StartsWith("error: ")) << each.name;
     EXPECT_THAT(run.errors, HasSubstr(each.message)) << each.name;
@@ -64,7 +64,7 @@ TEST(BadInput, NoLineOfAnyBytesDoesHarm) {
     }
     input += '\n';
   }
-  Run const run = Gatotu({"--time-limit", "60s"}, input + "7\n");
+  ProcessResult const run = Gatotu({"--time-limit", "60s"}, input + "7\n");
   EXPECT_LE(run.status, 2);
   EXPECT_EQ(Lines(run.output).back(), "7");
 }
@@ -77,7 +77,7 @@ TEST(BadInput, InspectorsThatThrowLeaveTheEvaluatorUsable) {
   for (Case const& each :
        {Case{"0", "error: "}, Case{"1", "out of luck"}, Case{"2", "-43"}, Case{"3", "NamedNothing"},
         Case{"4", "memory"}, Case{"5", "no such object"}}) {
-    Run const run = Gatotu(
+    ProcessResult const run = Gatotu(
         {"--plug-in", ODD_PLUG_IN, std::string("throwing thing ") + each.parameter, "40 + 2"});
     EXPECT_THAT(run.errors, HasSubstr(each.message));
     EXPECT_THAT(run.errors, HasSubstr("throwing thing"));

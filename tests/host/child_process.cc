@@ -39,7 +39,7 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 
 }  // namespace
 
-Run RunCommand(Launch const& launch) {
+ProcessResult RunCommand(Launch const& launch) {
   std::vector<std::string> arguments = {launch.program.empty() ? GATOTU_COMMAND : launch.program};
   arguments.insert(arguments.end(), launch.arguments.begin(), launch.arguments.end());
   std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "HOME=/nonexistent"};
@@ -70,7 +70,7 @@ Run RunCommand(Launch const& launch) {
   int status = 0;
   ::waitpid(child, &status, 0);
 
-  Run run;
+  ProcessResult run;
   run.took = std::chrono::duration_cast<std::chrono::milliseconds>(
       std::chrono::steady_clock::now() - begin);
   run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
@@ -79,7 +79,7 @@ Run RunCommand(Launch const& launch) {
   return run;
 }
 
-Run Gatotu(std::vector<std::string> arguments, std::string input) {
+ProcessResult Gatotu(std::vector<std::string> arguments, std::string input) {
   Launch launch;
   launch.arguments = std::move(arguments);
   launch.input = std::move(input);

@@ -7,7 +7,7 @@
 
 namespace gatotu::tests {
 
-struct Run {
+struct ProcessResult {
   std::string output;
   std::string errors;
   int status = -1;  // what it exited with, 128 + signal when killed
@@ -22,8 +22,8 @@ struct Launch {
   std::string program;                           // empty: the command
 };
 
-Run RunCommand(Launch const& launch);
-Run Gatotu(std::vector<std::string> arguments, std::string input = {});
+ProcessResult RunCommand(Launch const& launch);
+ProcessResult Gatotu(std::vector<std::string> arguments, std::string input = {});
 
 // The lines without their line feeds.
 std::vector<std::string> Lines(std::string const& text);

@@ -29,7 +29,7 @@ class Command : public testing::TestWithParam<Case> {};
 
 TEST_P(Command, Answers) {
   Case const& expected = GetParam();
-  Run const run = Gatotu(expected.arguments, expected.input);
+  ProcessResult const run = Gatotu(expected.arguments, expected.input);
   EXPECT_THAT(run.output, expected.output);
   EXPECT_THAT(run.errors, expected.errors);
   EXPECT_EQ(run.status, expected.status);
@@ -95,7 +95,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 nlohmann::json Json(std::vector<std::string> arguments) {
   arguments.insert(arguments.begin(), {"--format", "json"});
-  Run const run = Gatotu(arguments);
+  ProcessResult const run = Gatotu(arguments);
   EXPECT_EQ(run.errors, "");
   EXPECT_THAT(Lines(run.output), testing::SizeIs(1));
   return nlohmann::json::parse(run.output);
@@ -135,7 +135,7 @@ TEST(JsonAnswer, HasTheEvidence) {
 }
 
 TEST(Evidence, StandsBesideTheAnswer) {
-  Run const run = Gatotu({"--evidence", "name of process 1"});
+  ProcessResult const run = Gatotu({"--evidence", "name of process 1"});
   EXPECT_THAT(Lines(run.output), testing::SizeIs(1));
   EXPECT_THAT(run.errors, AllOf(StartsWith("evidence:\n"), HasSubstr("/proc/1/")));
 }
@@ -149,7 +149,7 @@ class SettingsFile : public testing::Test {
   }
   ~SettingsFile() override { std::filesystem::remove_all(folder_); }
 
-  Run With(std::string const& content, std::vector<std::string> arguments) {
+  ProcessResult With(std::string const& content, std::vector<std::string> arguments) {
     std::ofstream(folder_ / "gatotu/settings.ini") << content;
     Launch launch;
     launch.arguments = std::move(arguments);
@@ -161,7 +161,7 @@ class SettingsFile : public testing::Test {
 };
 
 TEST_F(SettingsFile, ABrokenOneIsOneMessageWithFileAndLine) {
-  Run const run = With("[Client]\nnonsense\n", {"1"});
+  ProcessResult const run = With("[Client]\nnonsense\n", {"1"});
   EXPECT_EQ(run.errors, "gatotu: " + folder_.string() +
                             "/gatotu/settings.ini:2: expected [Section] or name = value\n");
   EXPECT_EQ(run.output, "");
@@ -208,7 +208,7 @@ TEST(Output, ABrokenPipeEndsQuietly) {
   launch.program = "bash";
   launch.arguments = {
       "-c", std::string("set -o pipefail; ") + GATOTU_COMMAND + " --file <(yes 1) | head -n 1"};
-  Run const run = RunCommand(launch);
+  ProcessResult const run = RunCommand(launch);
   EXPECT_EQ(run.errors.find("roken pipe"), std::string::npos) << run.errors;
   EXPECT_THAT(Lines(run.output), testing::SizeIs(1));
 }
@@ -217,7 +217,7 @@ TEST(Output, AFullDiskIsReported) {
   Launch launch;
   launch.program = "sh";
   launch.arguments = {"-c", std::string(GATOTU_COMMAND) + " 1 >/dev/full"};
-  Run const run = RunCommand(launch);
+  ProcessResult const run = RunCommand(launch);
   EXPECT_EQ(run.errors, "gatotu: standard output: No space left on device\n");
   EXPECT_EQ(run.status, 1);
 }

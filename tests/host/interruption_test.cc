@@ -22,7 +22,7 @@ Launch Odd(std::vector<std::string> arguments) {
 }
 
 TEST(TimeLimit, EndsAnInspectorThatHangs) {
-  Run const run = RunCommand(Odd({"--time-limit", "200ms", "1", "sleeping thing", "2"}));
+  ProcessResult const run = RunCommand(Odd({"--time-limit", "200ms", "1", "sleeping thing", "2"}));
   EXPECT_EQ(run.status, 3);
   EXPECT_EQ(run.output, "1\n");
   EXPECT_THAT(run.errors, HasSubstr("time limit"));
@@ -30,7 +30,7 @@ TEST(TimeLimit, EndsAnInspectorThatHangs) {
 }
 
 TEST(TimeLimit, LeavesValidJsonBehind) {
-  Run const run =
+  ProcessResult const run =
       RunCommand(Odd({"--time-limit", "200ms", "--format", "json", "1;2;sleeping thing"}));
   EXPECT_EQ(run.status, 3);
   auto const answer = nlohmann::json::parse(run.output);
@@ -42,7 +42,7 @@ TEST(Interrupt, EndsAnEvaluationThatRunsOrHangs) {
   for (std::string const& expression : {std::string("sleeping thing"), std::string(kLongScan)}) {
     Launch launch = Odd({"--time-limit", "0", expression});
     launch.interrupt_after = milliseconds(500);
-    Run const run = RunCommand(launch);
+    ProcessResult const run = RunCommand(launch);
     EXPECT_EQ(run.status, 3) << expression;
     EXPECT_THAT(run.errors, HasSubstr("interrupted"));
     EXPECT_LT(run.took, kPatience);
@@ -50,7 +50,7 @@ TEST(Interrupt, EndsAnEvaluationThatRunsOrHangs) {
 }
 
 TEST(TimeLimit, EndsALongScan) {
-  Run const run = Gatotu({"--time-limit", "100ms", kLongScan});
+  ProcessResult const run = Gatotu({"--time-limit", "100ms", kLongScan});
   EXPECT_EQ(run.status, 3);
   EXPECT_THAT(run.errors, HasSubstr("time limit"));
   EXPECT_LT(run.took, kPatience);
@@ -62,7 +62,7 @@ TEST(Prompt, EndsTheExpressionOnly) {
   launch.program = "script";
   launch.arguments = {"-qec", std::string(GATOTU_COMMAND) + " --time-limit 100ms", "/dev/null"};
   launch.input = std::string(kLongScan) + "\n40 + 2\n\x04";
-  Run const run = RunCommand(launch);
+  ProcessResult const run = RunCommand(launch);
   EXPECT_THAT(run.output, HasSubstr("time limit"));
   EXPECT_THAT(run.output, HasSubstr("42\r\n"));
 }

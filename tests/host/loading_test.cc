@@ -54,7 +54,7 @@ TEST(Module, HasNoUniqueSymbols) {
   Launch launch;
   launch.program = "sh";
   launch.arguments = {"-c", std::string("readelf --dyn-syms --wide ") + GATOTU_MODULE};
-  Run const run = RunCommand(launch);
+  ProcessResult const run = RunCommand(launch);
   EXPECT_THAT(run.output, testing::HasSubstr("Register_Type"));
   EXPECT_THAT(run.output, testing::Not(testing::HasSubstr(" UNIQUE ")));
 }

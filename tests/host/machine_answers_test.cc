@@ -13,7 +13,7 @@ namespace gatotu::tests {
 namespace {
 
 std::string Answer(std::string const& expression) {
-  Run const run = Gatotu({expression});
+  ProcessResult const run = Gatotu({expression});
   EXPECT_EQ(run.status, 0) << expression << '\n' << run.errors;
   EXPECT_EQ(run.errors, "") << expression;
   return run.output;
@@ -23,7 +23,7 @@ std::string Shell(std::string const& command) {
   Launch launch;
   launch.program = "sh";
   launch.arguments = {"-c", command};
-  Run const run = RunCommand(launch);
+  ProcessResult const run = RunCommand(launch);
   EXPECT_EQ(run.status, 0) << command << '\n' << run.errors;
   return run.output;
 }
