@@ -4,29 +4,13 @@
 #include <limits>
 #include <string>
 
+#include "evaluator/aggregate_words.h"
 #include "evaluator/comparison_words.h"
 #include "evaluator/lexer.h"
 #include "evaluator/token_stream.h"
 
 namespace gatotu {
 namespace {
-
-struct AggregateName {
-  Aggregate aggregate;
-  char const* name;
-  std::initializer_list<std::string_view> words;
-};
-
-AggregateName const kAggregates[] = {
-    {Aggregate::kNumber, "number", {"number"}},
-    {Aggregate::kUniqueValues, "unique values", {"unique", "values"}},
-    {Aggregate::kSum, "sum", {"sum"}},
-    {Aggregate::kMinimum, "minimum", {"minimum"}},
-    {Aggregate::kMaximum, "maximum", {"maximum"}},
-    {Aggregate::kConcatenation, "concatenation", {"concatenation"}},
-    {Aggregate::kFirst, "first", {"first"}},
-    {Aggregate::kLast, "last", {"last"}},
-};
 
 // Recursive descent, one function a rule, loosest binding first. A rule that fails has reported
 // why and answers null; the callers pass that on.
@@ -350,9 +334,8 @@ class Parser {
   SyntaxNode* ParsePhraseOrPrimary(bool& is_phrase) {
     if (tokens_.Peek().kind != TokenKind::kWord) return ParsePrimary();
     std::size_t phrase = CountPhraseWords();
-    AggregateName const* aggregate = MatchAggregate();
-    if (aggregate != nullptr && aggregate->words.size() >= phrase)
-      return ParseAggregate(*aggregate);
+    auto aggregate = MatchAggregate(tokens_);
+    if (aggregate && aggregate->tokens >= phrase) return ParseAggregate(*aggregate);
     if (tokens_.IsWord("item") && phrase <= 1 && tokens_.Peek(1).kind == TokenKind::kInteger) {
       return ParseItem();
     }
@@ -360,21 +343,10 @@ class Parser {
     return ParsePhrase(phrase);
   }
 
-  AggregateName const* MatchAggregate() const {
-    for (AggregateName const& row : kAggregates) {
-      if (!tokens_.AreWords(row.words)) continue;
-      std::size_t next = row.words.size();
-      bool has_separator = row.aggregate == Aggregate::kConcatenation &&
-                           tokens_.Peek(next).kind == TokenKind::kString;
-      if (tokens_.IsReserved(ReservedWord::kOf, next + (has_separator ? 1 : 0))) return &row;
-    }
-    return nullptr;
-  }
-
-  SyntaxNode* ParseAggregate(AggregateName const& row) {
-    SyntaxNode* node = tree_.Add(SyntaxKind::kAggregate, tokens_.SpanAhead(row.words.size()));
-    node->aggregate = row.aggregate;
-    tokens_.Skip(row.words.size());
+  SyntaxNode* ParseAggregate(AggregateWords words) {
+    SyntaxNode* node = tree_.Add(SyntaxKind::kAggregate, tokens_.SpanAhead(words.tokens));
+    node->aggregate = words.aggregate;
+    tokens_.Skip(words.tokens);
     if (tokens_.Peek().kind == TokenKind::kString) {
       node->has_separator = true;
       node->text = tokens_.Take().text;
@@ -494,13 +466,6 @@ class Parser {
 };
 
 }  // namespace
-
-char const* NameOf(Aggregate aggregate) {
-  for (AggregateName const& row : kAggregates) {
-    if (row.aggregate == aggregate) return row.name;
-  }
-  return "";
-}
 
 SyntaxTree ParseExpression(std::string_view text, VocabularyIndex const& vocabulary,
                            Diagnostics& diagnostics) {

@@ -81,7 +81,9 @@ class OperatorPlan : public Plan {
         slot_(layout.Reserve(entry.result->size)) {}
 
   Flow Produce(Run& run, Sink sink) const override;
-  std::string Label() const override { return "operator " + sign_; }
+  std::string Label() const override {
+    return "operator " + sign_ + (swaps_ ? " (sides changed)" : "");
+  }
   void VisitChildren(ChildVisitor visit) const override;
 
  private:

@@ -87,7 +87,4 @@ class SyntaxTree {
   std::deque<SyntaxNode> nodes_;
 };
 
-// The name of an aggregate as it is written.
-char const* NameOf(Aggregate aggregate);
-
 }  // namespace gatotu
