@@ -32,10 +32,13 @@ class Fact {
   bool has_value() const { return state_.index() == 0; }
   explicit operator bool() const { return has_value(); }
 
-  // Only with a value.
-  T const& value() const { return *std::get_if<0>(&state_); }
-  T& value() { return *std::get_if<0>(&state_); }
-  T const& operator*() const { return value(); }
+  // Only with a value. A fact that is about to end gives its value away, so that it may be walked
+  // over in place.
+  T const& value() const& { return *std::get_if<0>(&state_); }
+  T& value() & { return *std::get_if<0>(&state_); }
+  T value() && { return std::move(*std::get_if<0>(&state_)); }
+  T const& operator*() const& { return value(); }
+  T operator*() && { return std::move(*this).value(); }
   T const* operator->() const { return &value(); }
 
   // Only without a value.

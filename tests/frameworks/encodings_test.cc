@@ -1,0 +1,217 @@
+#include <CoreServices/TextEncodingConverter.h>
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+#include "frameworks/CoreFoundation/encodings/names.h"
+#include "tests/frameworks/cf_text.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+struct Row {
+  CFStringEncoding encoding;
+  std::string utf8;
+  std::string bytes;
+};
+
+TEST(Encodings, ConvertBothWays) {
+  Row const rows[] = {
+      {kCFStringEncodingMacRoman, "Zoë ƒ∞€ﬂ", "Zo\x91 \xc4\xb0\xdb\xdf"},
+      {kCFStringEncodingWindowsLatin1, "Zoë €“”\u0081", "Zo\xeb \x80\x93\x94\x81"},
+      {kCFStringEncodingISOLatin1, "Zoë\u0080", "Zo\xeb\x80"},
+      {kCFStringEncodingISOLatin9, "€", "\xa4"},
+      {kCFStringEncodingISOLatinCyrillic, "Мир", "\xbc\xd8\xe0"},
+      {kCFStringEncodingKOI8_R, "Мир", "\xed\xc9\xd2"},
+      {kCFStringEncodingDOSLatinUS, "é│", "\x82\xb3"},
+      {kCFStringEncodingMacCyrillic, "Мир", "\x8c\xe8\xf0"},
+      {kCFStringEncodingShiftJIS, "日本ｱ", "\x93\xfa\x96\x7b\xb1"},
+      {kCFStringEncodingDOSJapanese, "日本①", "\x93\xfa\x96\x7b\x87\x40"},
+      {kCFStringEncodingEUC_JP, "日本", "\xc6\xfc\xcb\xdc"},
+      {kCFStringEncodingISO_2022_JP, "a日b", "a\x1b$BF|\x1b(Bb"},
+      {kCFStringEncodingEUC_KR, "한국", "\xc7\xd1\xb1\xb9"},
+      {kCFStringEncodingDOSKorean, "뷁", "\x94\xee"},
+      {kCFStringEncodingBig5, "中文", "\xa4\xa4\xa4\xe5"},
+      {kCFStringEncodingEUC_CN, "中文", "\xd6\xd0\xce\xc4"},
+      {kCFStringEncodingGB_18030_2000, "中𠀀", "\xd6\xd0\x95\x32\x82\x36"},
+      {kCFStringEncodingUTF8, "aé€😀", "aé€😀"},
+      {kCFStringEncodingUTF16BE, "a😀", "\0a\xd8\x3d\xde\x00"s},
+      {kCFStringEncodingUTF16LE, "a😀", "a\0\x3d\xd8\x00\xde"s},
+      {kCFStringEncodingUTF32BE, "a😀", "\0\0\0a\0\x01\xf6\0"s},
+      {kCFStringEncodingUTF7, "é", "+AOk-"},
+  };
+  for (Row const& row : rows) {
+    SCOPED_TRACE(row.encoding);
+    OwnedString const text = Make(row.utf8, kCFStringEncodingUTF8);
+    EXPECT_EQ(BytesOf(text.get(), row.encoding), row.bytes);
+    OwnedString const back = Make(row.bytes, row.encoding);
+    ASSERT_NE(back, nullptr);
+    EXPECT_EQ(BytesOf(back.get(), kCFStringEncodingUTF8), row.utf8);
+  }
+}
+
+TEST(Encodings, OfOneByteKeepEveryByte) {
+  std::string all;
+  for (int byte = 0; byte < 256; ++byte) all += static_cast<char>(byte);
+  for (CFStringEncoding encoding :
+       {kCFStringEncodingMacRoman, kCFStringEncodingWindowsLatin1, kCFStringEncodingISOLatin1}) {
+    EXPECT_EQ(BytesOf(Make(all, encoding).get(), encoding), all) << encoding;
+  }
+}
+
+TEST(Encodings, ReplaceOrStopAtWhatTheyLack) {
+  struct Loss {
+    CFStringEncoding encoding;
+    std::string replaced, stopped;
+  };
+  for (Loss const& row :
+       {Loss{kCFStringEncodingMacRoman, "a?\x8e?", "a"}, Loss{kCFStringEncodingASCII, "a???", "a"},
+        Loss{kCFStringEncodingWindowsLatin1, "a?\xe9?", "a"},
+        Loss{kCFStringEncodingISOLatin2, "a?\xe9?", "a"},
+        Loss{kCFStringEncodingShiftJIS, "a???", "a"},
+        Loss{kCFStringEncodingISO_2022_JP, "a???", "a"}}) {
+    SCOPED_TRACE(row.encoding);
+    OwnedString const text = Make("a😀é\u200d", kCFStringEncodingUTF8);
+    EXPECT_EQ(BytesOf(text.get(), row.encoding, '?'), row.replaced);
+    EXPECT_EQ(BytesOf(text.get(), row.encoding, 0), row.stopped);
+    CFIndex const units = CFStringGetBytes(text.get(), CFRangeMake(0, 5), row.encoding, 0, false,
+                                           nullptr, 0, nullptr);
+    EXPECT_EQ(units, 1);
+  }
+  UniChar const unpaired[] = {'a', 0xD800};
+  OwnedString const text(CFStringCreateWithCharacters(nullptr, unpaired, 2));
+  EXPECT_EQ(BytesOf(text.get(), kCFStringEncodingUTF8), "a?");
+  EXPECT_EQ(BytesOf(text.get(), kCFStringEncodingGB_18030_2000), "a?");
+  EXPECT_EQ(BytesOf(text.get(), kCFStringEncodingEUC_JP, 0), "a");
+}
+
+TEST(Encodings, FillABufferWithWholeCharactersOnly) {
+  struct Fit {
+    CFStringEncoding encoding;
+    CFIndex capacity, units, bytes;
+  };
+  OwnedString const text = Make("a日本😀", kCFStringEncodingUTF8);
+  for (Fit const& row :
+       {Fit{kCFStringEncodingUTF8, 6, 2, 4}, Fit{kCFStringEncodingUTF8, 11, 5, 11},
+        Fit{kCFStringEncodingUTF8, 10, 3, 7}, Fit{kCFStringEncodingUTF16, 7, 3, 6},
+        Fit{kCFStringEncodingEUC_JP, 4, 2, 3}, Fit{kCFStringEncodingEUC_JP, 0, 0, 0},
+        Fit{kCFStringEncodingEUC_JP, 6, 5, 6}, Fit{kCFStringEncodingGB_18030_2000, 8, 3, 5}}) {
+    UInt8 buffer[16];
+    CFIndex used = -1;
+    CFIndex const units = CFStringGetBytes(text.get(), CFRangeMake(0, 5), row.encoding, '?', false,
+                                           buffer, row.capacity, &used);
+    EXPECT_EQ(units, row.units) << row.encoding << " in " << row.capacity;
+    EXPECT_EQ(used, row.bytes) << row.encoding << " in " << row.capacity;
+  }
+}
+
+TEST(Encodings, MarkTheByteOrderOutside) {
+  OwnedString const text = Make("a", kCFStringEncodingASCII);
+  OwnedString const empty = Make("", kCFStringEncodingASCII);
+  EXPECT_EQ(BytesOf(text.get(), kCFStringEncodingUTF16, '?', true), "\xff\xfe\x61\0"s);
+  EXPECT_EQ(BytesOf(empty.get(), kCFStringEncodingUTF16, '?', true), "\xff\xfe");
+  EXPECT_EQ(BytesOf(empty.get(), kCFStringEncodingUTF32, '?', true), "\xff\xfe\0\0"s);
+  EXPECT_EQ(BytesOf(text.get(), kCFStringEncodingUTF16BE, '?', true), "\0a"s);
+  EXPECT_EQ(BytesOf(text.get(), kCFStringEncodingUTF8, '?', true), "a");
+
+  struct Outside {
+    CFStringEncoding encoding;
+    std::string bytes;
+  };
+  for (Outside const& row :
+       {Outside{kCFStringEncodingUTF16, "\xfe\xff\0a"s},
+        Outside{kCFStringEncodingUTF16, "\xff\xfe\x61\0"s}, Outside{kCFStringEncodingUTF16, "\0a"s},
+        Outside{kCFStringEncodingUTF32, "\0\0\xfe\xff\0\0\0a"s},
+        Outside{kCFStringEncodingUTF8, "\xef\xbb\xbf\x61"}}) {
+    EXPECT_TRUE(CFEqual(Make(row.bytes, row.encoding, true).get(), text.get())) << row.bytes;
+  }
+  EXPECT_EQ(CFStringGetLength(Make("\xef\xbb\xbf\x61", kCFStringEncodingUTF8).get()), 2);
+}
+
+TEST(Encodings, RefuseBytesThatAreNoText) {
+  std::pair<CFStringEncoding, std::string> const rows[] = {
+      {kCFStringEncodingUTF8, "\xc0\x80"},
+      {kCFStringEncodingUTF8, "\xed\xa0\x80"},
+      {kCFStringEncodingUTF8, "\xf4\x90\x80\x80"},
+      {kCFStringEncodingUTF8, "a\xe2\x82"},
+      {kCFStringEncodingUTF8, "\x80"},
+      {kCFStringEncodingASCII, "\x80"},
+      {kCFStringEncodingUTF16, "abc"},
+      {kCFStringEncodingUTF32BE, "\0\x11\0\0"s},
+      {kCFStringEncodingEUC_JP, "\xff"},
+      {kCFStringEncodingShiftJIS, "\x93"},
+      {kCFStringEncodingInvalidId, "a"},
+      {0x1234, "a"},
+  };
+  for (auto const& [encoding, bytes] : rows) EXPECT_EQ(Make(bytes, encoding), nullptr) << encoding;
+  EXPECT_EQ(BytesOf(CFSTR("a"), 0x1234), "");
+}
+
+OSStatus Find(std::string const& name, TextEncoding& encoding) {
+  Str255 text;
+  text[0] = static_cast<unsigned char>(name.size());
+  name.copy(reinterpret_cast<char*>(text + 1), 255);
+  return TECGetTextEncodingFromInternetName(text, &encoding);
+}
+
+TEST(EncodingNames, AreFoundByEveryAliasInAnyCase) {
+  std::pair<char const*, TextEncoding> const rows[] = {
+      {"UTF-8", 0x08000100},      {"utf8", 0x08000100},       {"iso-8859-1", 0x0201},
+      {"latin1", 0x0201},         {"IBM819", 0x0201},         {"WINDOWS-1252", 0x0500},
+      {"us-ascii", 0x0600},       {"ASCII", 0x0600},          {"csASCII", 0x0600},
+      {"Macintosh", 0},           {"csMacintosh", 0},         {"UTF-16", 0x0100},
+      {"utf-16be", 0x10000100},   {"UTF-32", 0x0C000100},     {"latin2", 0x0202},
+      {"ISO-8859-15", 0x020F},    {"shift_jis", 0x0A01},      {"x-sjis", 0x0A01},
+      {"MS_Kanji", 0x0A01},       {"Windows-31J", 0x0420},    {"cp932", 0x0420},
+      {"EUC-JP", 0x0920},         {"gb2312", 0x0930},         {"gbk", 0x0631},
+      {"GB18030", 0x0632},        {"big5", 0x0A03},           {"csBig5", 0x0A03},
+      {"cp950", 0x0423},          {"Big5-HKSCS", 0x0A06},     {"euc-kr", 0x0940},
+      {"ks_c_5601-1987", 0x0422}, {"koi8-r", 0x0A02},         {"iso-2022-jp", 0x0820},
+      {"cp437", 0x0400},          {"x-mac-cyrillic", 0x0007}, {"TIS-620", 0x041D},
+  };
+  for (auto const& [name, number] : rows) {
+    TextEncoding encoding = 0xdead;
+    EXPECT_EQ(Find(name, encoding), noErr) << name;
+    EXPECT_EQ(encoding, number) << name;
+  }
+  for (std::string const& name : {""s, "klingon"s, "utf-9"s, "UTF-8\0x"s, std::string(255, 'a')}) {
+    TextEncoding encoding = 0xdead;
+    EXPECT_EQ(Find(name, encoding), -8739) << name;
+    EXPECT_EQ(encoding, 0xdeadu);
+  }
+}
+
+TEST(EncodingNames, LeadBackToTheirNumberAndAConverter) {
+  CFStringEncoding before = 0;
+  for (auto const& row : encodings::kNamedEncodings) {
+    EXPECT_TRUE(before < row.number || row.number == 0) << row.name;
+    before = row.number;
+    CFStringRef const name = CFStringConvertEncodingToIANACharSetName(row.number);
+    EXPECT_EQ(CFStringConvertIANACharSetNameToEncoding(name), row.number) << row.name;
+    EXPECT_FALSE(BytesOf(CFSTR("a"), row.number).empty()) << row.name;
+  }
+  EXPECT_EQ(CFStringConvertEncodingToIANACharSetName(0x1234), nullptr);
+  EXPECT_EQ(CFStringConvertIANACharSetNameToEncoding(CFSTR("klingon")), kCFStringEncodingInvalidId);
+}
+
+bool MapsIcu() {
+  std::ifstream maps("/proc/self/maps");
+  for (std::string line; std::getline(maps, line);) {
+    if (line.find("libicu") != std::string::npos) return true;
+  }
+  return false;
+}
+
+TEST(EncodingNames, OfTheCommonestLeaveIcuUnloaded) {
+  if (MapsIcu()) GTEST_SKIP() << "an earlier test of this process loaded it";
+  TextEncoding encoding = 0;
+  EXPECT_EQ(Find("UTF-8", encoding), noErr);
+  BytesOf(Make("Zo\x91", kCFStringEncodingMacRoman).get(), kCFStringEncodingWindowsLatin1);
+  EXPECT_FALSE(MapsIcu());
+  EXPECT_EQ(Find("Shift_JIS", encoding), noErr);
+  EXPECT_TRUE(MapsIcu());
+}
+
+}  // namespace

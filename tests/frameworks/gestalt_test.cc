@@ -1,0 +1,105 @@
+#include <CoreServices/CoreServices.h>
+#include <gtest/gtest.h>
+
+#include "tests/frameworks/cf_text.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+constexpr SInt64 kUndefined = -1;
+
+class GestaltTest : public testing::Test {
+ protected:
+  static SInt64 Ask(std::string const& selector) {
+    OSType code = 0;
+    for (char character : selector) code = code << 8 | static_cast<unsigned char>(character);
+    SInt32 response = 77;
+    OSErr const error = Gestalt(code, &response);
+    if (error == noErr) return static_cast<UInt32>(response);
+    EXPECT_EQ(error, gestaltUndefSelectorErr);
+    EXPECT_EQ(response, 77);
+    return kUndefined;
+  }
+
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  MachineInUse use_{machine_};
+};
+
+TEST_F(GestaltTest, KnowsNothingOfAMachineWithoutFacts) {
+  for (char const* selector :
+       {"ramm", "lram", "vm  ", "sysa", "cput", "cpuf", "mclk", "mnam", "usb ", "usbv", "sysv",
+        "mach", "qd  ", "romv", "kbd ", "sltc", "nreg"}) {
+    EXPECT_EQ(Ask(selector), kUndefined) << selector;
+  }
+  EXPECT_EQ(CSCopyMachineName(), nullptr);
+  EXPECT_EQ(MPProcessors(), 0u);
+}
+
+TEST_F(GestaltTest, FollowsFromTheMachine) {
+  machine_->physical_bytes = (std::uint64_t{2048} << 20) - 1;
+  machine_->swap_bytes = 0;
+  machine_->architecture = machine::Architecture::kX86;
+  machine_->megahertz = 2800;
+  machine_->usb_release = 0x0310;
+  machine_->online_processors = 3;
+  EXPECT_EQ(Ask("ramm"), 2048);
+  EXPECT_EQ(Ask("lram"), 0x7fffffff);
+  EXPECT_EQ(Ask("vm  "), 0);
+  EXPECT_EQ(Ask("sysa"), 10);
+  EXPECT_EQ(Ask("cput"), 0x69787878);
+  EXPECT_EQ(Ask("cpuf"), 0x69787878);
+  EXPECT_EQ(Ask("mclk"), 2800);
+  EXPECT_EQ(Ask("usb "), 3);
+  EXPECT_EQ(Ask("usbv"), 0x03108000);
+  EXPECT_EQ(MPProcessors(), 3u);
+  machine_->swap_bytes = 0x80000000;
+  EXPECT_EQ(Ask("lram"), 0xffffffff);
+  EXPECT_EQ(Ask("vm  "), 1);
+  machine_->swap_bytes = 0x80000001;
+  EXPECT_EQ(Ask("lram"), kUndefined);
+  machine_->gestalt["ramm"] = 5u;
+  EXPECT_EQ(Ask("ramm"), 5);
+}
+
+TEST_F(GestaltTest, NamesPowerPCsByTheirVersionRegister) {
+  machine_->architecture = machine::Architecture::kPowerPC;
+  EXPECT_EQ(Ask("cput"), kUndefined);
+  std::pair<std::uint32_t, SInt64> const rows[] = {
+      {0x00010001, 0x101}, {0x00082201, 0x108}, {0x000C0209, 0x10C},     {0x80030101, 0x112},
+      {0x70000203, 0x120}, {0x003C0300, 0x13C}, {0x004E1202, kUndefined}};
+  for (auto const& [version, code] : rows) {
+    machine_->power_pc_version = version;
+    EXPECT_EQ(Ask("cput"), code) << version;
+    EXPECT_EQ(Ask("cpuf"), code) << version;
+  }
+  EXPECT_EQ(Ask("sysa"), 2);
+  machine_->architecture = machine::Architecture::kOther;
+  EXPECT_EQ(Ask("sysa"), kUndefined);
+  EXPECT_EQ(Ask("cput"), kUndefined);
+}
+
+TEST_F(GestaltTest, GivesTextsByTheirResponse) {
+  auto const text = [&](std::string const& name) {
+    machine_->product_name = name;
+    auto const response = static_cast<SInt32>(Ask("mnam"));
+    return GestaltResponseString(response);
+  };
+  unsigned char const* const first = text("PowerEdge");
+  EXPECT_EQ(std::string(reinterpret_cast<char const*>(first)), "\tPowerEdge");
+  unsigned char const* const longest = text(std::string(300, 'x'));
+  EXPECT_EQ(longest[0], 255);
+  EXPECT_EQ(longest[255], 'x');
+  EXPECT_EQ(text("PowerEdge"), first);
+  for (SInt32 response : {0, 1, -1, 2048, 0x7fffffff}) {
+    EXPECT_EQ(GestaltResponseString(response), nullptr) << response;
+  }
+}
+
+TEST_F(GestaltTest, MachineNameIsTextWhateverItsBytes) {
+  machine_->computer_name = "Zoë’s";
+  EXPECT_EQ(BytesOf(OwnedString(CSCopyMachineName()).get(), kCFStringEncodingUTF8), "Zoë’s");
+  machine_->computer_name = "Zo\xeb";
+  EXPECT_EQ(BytesOf(OwnedString(CSCopyMachineName()).get(), kCFStringEncodingUTF8), "Zoë");
+}
+
+}  // namespace

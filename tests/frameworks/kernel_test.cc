@@ -1,0 +1,112 @@
+#include <BSD/BSD.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+class KernelTest : public testing::Test {
+ protected:
+  int Ask(std::vector<int> const& name, void* buffer, std::size_t* size) {
+    errno = 0;
+    return BSD::sysctl(name.data(), static_cast<unsigned>(name.size()), buffer, size, nullptr, 0);
+  }
+
+  std::vector<int> const all_ = {BSD::CTL_KERN, BSD::KERN_PROC, BSD::KERN_PROC_ALL};
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  MachineInUse use_{machine_};
+};
+
+TEST_F(KernelTest, ListsTheProcessTable) {
+  machine_->AddProcess(1, "init");
+  machine_->AddProcess(7, "exactly 16 bytes");
+  std::size_t size = 0;
+  ASSERT_EQ(Ask(all_, nullptr, &size), 0);
+  EXPECT_GT(size, 2 * sizeof(BSD::kinfo_proc));
+  EXPECT_EQ(machine_->calls().all_processes, 0);
+  std::vector<BSD::kinfo_proc> table(size / sizeof(BSD::kinfo_proc));
+  ASSERT_EQ(Ask(all_, table.data(), &size), 0);
+  ASSERT_EQ(size, 2 * sizeof(BSD::kinfo_proc));
+  EXPECT_EQ(table[0].kp_proc.p_pid, 1);
+  EXPECT_STREQ(table[1].kp_proc.p_comm, "exactly 16 bytes");
+}
+
+TEST_F(KernelTest, RefusesATableThatOutgrewItsBuffer) {
+  machine_->AddProcess(1, "init");
+  machine_->after_count = [this] {
+    for (int pid = 100; pid < 200; ++pid) machine_->AddProcess(pid, "late");
+    machine_->after_count = nullptr;
+  };
+  for (int error : {ENOMEM, 0}) {
+    std::size_t size = 0;
+    ASSERT_EQ(Ask(all_, nullptr, &size), 0);
+    std::vector<BSD::kinfo_proc> table(size / sizeof(BSD::kinfo_proc));
+    EXPECT_EQ(Ask(all_, table.data(), &size), error == 0 ? 0 : -1);
+    EXPECT_EQ(errno, error);
+    EXPECT_EQ(table[0].kp_proc.p_pid, error == 0 ? 1 : 0);
+  }
+}
+
+TEST_F(KernelTest, FindsOneProcess) {
+  machine_->AddProcess(7, "seven");
+  BSD::kinfo_proc record;
+  std::size_t size = sizeof record;
+  EXPECT_EQ(Ask({1, 14, 1, 7}, &record, &size), 0);
+  EXPECT_STREQ(record.kp_proc.p_comm, "seven");
+  EXPECT_EQ(Ask({1, 14, 1, 8}, &record, &size), -1);
+  EXPECT_EQ(errno, ESRCH);
+  size = sizeof record - 1;
+  EXPECT_EQ(Ask({1, 14, 1, 7}, &record, &size), -1);
+  EXPECT_EQ(errno, ENOMEM);
+}
+
+TEST_F(KernelTest, SaysWhyItDoesNotAnswer) {
+  BSD::timeval time;
+  std::size_t size = sizeof time;
+  std::pair<machine::Outcome, int> const rows[] = {{machine::Outcome::kAbsent, ENOENT},
+                                                   {machine::Outcome::kPermissionRefused, EACCES},
+                                                   {machine::Outcome::kMalformed, EIO},
+                                                   {machine::Outcome::kNotSupported, ENOTSUP},
+                                                   {machine::Outcome::kTimedOut, ETIMEDOUT}};
+  for (auto const& [reason, error] : rows) {
+    machine_->reason = reason;
+    EXPECT_EQ(Ask({1, 21}, &time, &size), -1);
+    EXPECT_EQ(errno, error);
+    EXPECT_EQ(Ask(all_, nullptr, &size), -1);
+    EXPECT_EQ(errno, error);
+  }
+  machine_->boot_seconds = 5'000'000'000;
+  EXPECT_EQ(Ask({1, 21}, &time, &size), 0);
+  EXPECT_EQ(time.tv_sec, 5'000'000'000);
+  for (std::vector<int> const& name :
+       {std::vector<int>{}, {1}, {2, 21}, {1, 14}, {1, 14, 9, 1}, {1, 14, 1}, {1, 21, 0}}) {
+    EXPECT_EQ(Ask(name, &time, &size), -1);
+    EXPECT_EQ(errno, ENOENT);
+  }
+  int const name[] = {1, 21};
+  EXPECT_EQ(BSD::sysctl(name, 2, nullptr, nullptr, &time, size), -1);
+  EXPECT_EQ(errno, EPERM);
+}
+
+TEST_F(KernelTest, HostNameFitsOrFails) {
+  char name[6] = "";
+  EXPECT_EQ(BSD::gethostname(name, sizeof name), -1);
+  machine_->host_name = "hosts";
+  EXPECT_EQ(BSD::gethostname(name, sizeof name), 0);
+  EXPECT_STREQ(name, "hosts");
+  EXPECT_EQ(BSD::gethostname(name, 5), -1);
+  EXPECT_EQ(errno, ENAMETOOLONG);
+}
+
+TEST_F(KernelTest, EnvironmentIsTheMachines) {
+  machine_->environment = {{"HOME", "/home/ann"}, {"EMPTY", ""}};
+  EXPECT_EQ(BSD::GetEnvironmentVariable("HOME"), "/home/ann");
+  EXPECT_EQ(BSD::GetEnvironmentVariable("EMPTY"), "");
+  EXPECT_EQ(BSD::GetEnvironmentVariable("PATH"), std::nullopt);
+  EXPECT_THAT(BSD::ListEnvironmentVariables(), testing::ElementsAre("EMPTY", "HOME"));
+}
+
+}  // namespace

@@ -1,0 +1,226 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdio>
+#include <thread>
+
+#include "machine/file_descriptor.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+using machine::Outcome;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::Pair;
+
+std::string OutputOf(char const* command) {
+  std::unique_ptr<FILE, int (*)(FILE*)> pipe(::popen(command, "r"), ::pclose);
+  std::string text;
+  for (int byte; (byte = std::fgetc(pipe.get())) != EOF;) text += static_cast<char>(byte);
+  return text.substr(0, text.find('\n'));
+}
+
+TEST(Memory, AsksTheFirmwareThenTheBlocksThenTheKernel) {
+  RecordedTree tree;
+  auto const machine = tree.Machine();
+  auto const bytes = [&] { return machine->Memory().PhysicalBytes(); };
+  EXPECT_EQ(bytes().outcome(), Outcome::kAbsent);
+  tree.Write("/proc/meminfo", "MemFree: 1 kB\nMemTotal:     2000001 kB\nSwapTotal: 8 kB\n");
+  EXPECT_EQ(bytes().value(), 2000001u * 1024);
+  EXPECT_EQ(machine->Memory().SwapBytes().value(), 8192u);
+  tree.Write("/sys/devices/system/memory/block_size_bytes", "8000000\n");
+  for (char const* name : {"memory0", "memory17", "memory_other"}) {
+    tree.Write(std::string("/sys/devices/system/memory/") + name + "/state", "online\n");
+  }
+  EXPECT_EQ(bytes().value(), 2u << 27);
+
+  auto const device = [](int size, unsigned extended) {
+    std::string fields(34, '\0');
+    fields[0] = 17, fields[1] = 34;
+    fields[12] = static_cast<char>(size), fields[13] = static_cast<char>(size >> 8);
+    for (int i = 0; i < 4; ++i) fields[28 + i] = static_cast<char>(extended >> (8 * i));
+    return fields + std::string("A\0B\0\0", 5);
+  };
+  std::string const other("\0\4\0\0\0\0", 6);
+  tree.Write("/sys/firmware/dmi/tables/DMI", other + device(4096, 0) + device(0, 0) +
+                                                 device(0x7fff, 65536) + device(0x8400, 0) +
+                                                 device(0xffff, 0));
+  EXPECT_EQ(bytes().value(), (4096ull + 65536 + 1) << 20);
+  tree.Write("/sys/firmware/dmi/tables/DMI", std::string("\x11\xff\0\0", 4));
+  EXPECT_EQ(bytes().value(), 2u << 27);
+}
+
+TEST(Memory, RefusesWhatIsMalformed) {
+  RecordedTree tree;
+  for (char const* text :
+       {"MemTotal: x kB\n", "MemTotal: 12\n", "MemTotal: 99999999999999999999 kB",
+        "MemTotal: 18446744073709551615 kB\n"}) {
+    tree.Write("/proc/meminfo", text);
+    auto const fact = tree.Machine()->Memory().PhysicalBytes();
+    EXPECT_EQ(fact.outcome(), Outcome::kMalformed) << text;
+    EXPECT_EQ(fact.absence().where, "MemTotal");
+  }
+}
+
+struct ProcessorCase {
+  char const* name;
+  char const* info;
+  machine::Architecture kind;
+  std::uint32_t count;
+  std::uint32_t megahertz;  // 0: none
+  std::uint32_t version;    // 0: none
+};
+
+TEST(Processors, AreReadFromTheirList) {
+  using enum machine::Architecture;
+  ProcessorCase const cases[] = {
+      {"x86",
+       "processor\t: 0\ncpu family\t: 6\ncpu MHz\t\t: 800.2\n\nprocessor\t: 1\ncpu MHz\t\t: "
+       "2799.998\n",
+       kX86, 2, 2800, 0},
+      {"G4",
+       "processor\t: 0\ncpu\t\t: 7447A, altivec supported\nclock\t\t: 1499.999994MHz\nrevision\t: "
+       "1.1 (pvr 8003 0101)\n",
+       kPowerPC, 1, 1500, 0x80030101},
+      {"ARM", "processor\t: 0\nCPU implementer\t: 0x41\nCPU revision\t: 3\n", kOther, 1, 0, 0},
+  };
+  for (auto const& row : cases) {
+    SCOPED_TRACE(row.name);
+    RecordedTree tree;
+    tree.Write("/proc/cpuinfo", row.info);
+    auto const machine = tree.Machine();
+    auto const& processors = machine->Processors();
+    EXPECT_EQ(processors.Kind().value(), row.kind);
+    EXPECT_EQ(processors.OnlineCount().value(), row.count);
+    auto const megahertz = processors.HighestMegahertz();
+    EXPECT_EQ(megahertz ? *megahertz : 0, row.megahertz);
+    auto const version = processors.PowerPCVersion();
+    EXPECT_EQ(version ? *version : 0, row.version);
+  }
+}
+
+TEST(Processors, AreCountedAndTimedBySysFirst) {
+  RecordedTree tree;
+  tree.Write("/proc/cpuinfo", "processor: 0\ncpu MHz : 800\n");
+  tree.Write("/sys/devices/system/cpu/online", "0-3,6,8-9\n");
+  tree.Write("/sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq", "3400000\n");
+  tree.Write("/sys/devices/system/cpu/cpu1/cpufreq/cpuinfo_max_freq", "3600400\n");
+  tree.Write("/sys/devices/system/cpu/cpuidle/cpufreq/cpuinfo_max_freq", "9900000\n");
+  auto const machine = tree.Machine();
+  EXPECT_EQ(machine->Processors().OnlineCount().value(), 7u);
+  EXPECT_EQ(machine->Processors().HighestMegahertz().value(), 3600u);
+  tree.Write("/sys/devices/system/cpu/online", "3-1\n");
+  EXPECT_EQ(machine->Processors().OnlineCount().value(), 1u);
+}
+
+TEST(Names, FollowTheirFiles) {
+  RecordedTree tree;
+  auto const machine = tree.Machine();
+  EXPECT_FALSE(machine->Names().ComputerName());
+  tree.Write("/etc/hostname", "# comment\n\nbox.example.org\n");
+  EXPECT_EQ(machine->Names().HostName().value(), "box.example.org");
+  EXPECT_EQ(machine->Names().ComputerName().value(), "box");
+  tree.Write("/etc/machine-info", "CHASSIS=server\nPRETTY_HOSTNAME=\"Ann's \\\"Box\\\"\"\n");
+  EXPECT_EQ(machine->Names().ComputerName().value(), "Ann's \"Box\"");
+  tree.Write("/etc/machine-info", "PRETTY_HOSTNAME=''\n");
+  tree.Write("/proc/sys/kernel/hostname", "kernel\n");
+  EXPECT_EQ(machine->Names().ComputerName().value(), "kernel");
+}
+
+TEST(Hardware, NamesTheProductAndTheFirstRootHub) {
+  RecordedTree tree;
+  auto const machine = tree.Machine();
+  EXPECT_EQ(machine->Hardware().HasUsb().outcome(), Outcome::kAbsent);
+  tree.Write("/sys/class/dmi/id/product_name", " PowerEdge R740 \n");
+  tree.Write("/sys/bus/usb/devices/usb10/bcdDevice", "0601\n");
+  tree.Write("/sys/bus/usb/devices/usb2/bcdDevice", "0510\n");
+  tree.Write("/sys/bus/usb/devices/1-1/bcdDevice", "0100\n");
+  EXPECT_EQ(machine->Hardware().ProductName().value(), "PowerEdge R740");
+  EXPECT_EQ(machine->Hardware().UsbRelease().value(), 0x0510u);
+}
+
+TEST(Processes, AreListedByNumberWithWhateverName) {
+  RecordedTree tree;
+  tree.Write("/proc/1/comm", "init\n");
+  tree.Write("/proc/20/comm", "name of more than sixteen bytes\n");
+  tree.Write("/proc/3/comm", "a\nb\xff\n\n");
+  tree.Write("/proc/4/status", "a process that ended\n");
+  tree.Write("/proc/self/comm", "no number\n");
+  tree.Write("/proc/21/comm", "thread\n");
+  tree.Write("/proc/21/status", "Name:\tthread\nTgid:\t20\n");
+  auto const machine = tree.Machine();
+  auto const all = machine->Processes().AllProcesses();
+  std::vector<std::pair<int, std::string>> found;
+  for (auto const& process : *all) found.emplace_back(process.pid, process.name);
+  EXPECT_THAT(found, ElementsAre(Pair(1, "init"), Pair(3, "a\nb\xff\n"),
+                                 Pair(20, "name of more tha"), Pair(21, "thread")));
+  EXPECT_GE(machine->Processes().CountProcesses().value(), 5u);
+  EXPECT_STREQ(machine->Processes().ProcessWithPid(20)->name, "name of more tha");
+  for (int pid : {0, -1, 4, 21, 99}) {
+    EXPECT_EQ(machine->Processes().ProcessWithPid(pid).outcome(), Outcome::kAbsent) << pid;
+  }
+}
+
+TEST(Root, LetsNothingOutAndOpensOnlyRegularFiles) {
+  RecordedTree tree;
+  auto const machine = tree.Machine();
+  auto const name = [&] { return machine->Hardware().ProductName(); };
+  tree.Write("/real", "inside\n");
+  tree.Link("/sys/class/dmi/id/product_name", "/real");
+  EXPECT_EQ(name().value(), "inside");
+  for (char const* target :
+       {"/etc/passwd", "../../../../../../../../etc/passwd", "/proc/self/exe"}) {
+    std::filesystem::remove(tree.At("/sys/class/dmi/id/product_name"));
+    tree.Link("/sys/class/dmi/id/product_name", target);
+    EXPECT_FALSE(name()) << target;
+  }
+  std::filesystem::remove(tree.At("/sys/class/dmi/id/product_name"));
+  ASSERT_EQ(::mkfifo(tree.At("/sys/class/dmi/id/product_name").c_str(), 0600), 0);
+  EXPECT_EQ(name().outcome(), Outcome::kMalformed);
+  std::filesystem::resize_file(tree.At("/real"), 17 << 20);
+  std::filesystem::rename(tree.At("/real"), tree.At("/sys/class/dmi/id/product_name"));
+  EXPECT_EQ(name().outcome(), Outcome::kMalformed);
+  EXPECT_FALSE(machine::MakeLiveMachine("/no/such/folder")->Memory().SwapBytes());
+}
+
+TEST(Observer, HearsEverySourceOnItsOwnThread) {
+  RecordedTree tree;
+  tree.Write("/etc/hostname", "box\n");
+  auto const machine = tree.Machine();
+  AnnouncementLog log;
+  std::thread([&] { machine->Names().HostName(); }).join();
+  EXPECT_TRUE(log.entries.empty());
+  machine->Names().HostName();
+  EXPECT_THAT(log.entries, ElementsAre(Pair("/proc/sys/kernel/hostname", Outcome::kAbsent),
+                                       Pair("/etc/hostname", Outcome::kAnswered)));
+  EXPECT_EQ(log.bytes, 4u);
+  machine->Clock().MicrosecondsSince1970();
+  EXPECT_THAT(log.entries, Contains(Pair("clock", Outcome::kNotSupported)));
+}
+
+TEST(LiveMachine, AgreesWithOtherPrograms) {
+  machine::Machine const& live = machine::CurrentMachine();
+  EXPECT_EQ(live.Names().HostName().value(), OutputOf("uname -n"));
+  EXPECT_EQ(std::to_string(live.Clock().BootSecondsSince1970().value()),
+            OutputOf("sed -n 's/^btime //p' /proc/stat"));
+  EXPECT_EQ(std::to_string(live.Processors().OnlineCount().value()),
+            OutputOf("getconf _NPROCESSORS_ONLN"));
+  EXPECT_EQ(std::to_string(live.Memory().SwapBytes().value() / 1024),
+            OutputOf("awk '/^SwapTotal/ {print $2}' /proc/meminfo"));
+  auto const self = live.Processes().ProcessWithPid(::getpid());
+  EXPECT_EQ(self->name, OutputOf(("cat /proc/" + std::to_string(::getpid()) + "/comm").c_str()));
+  EXPECT_EQ(live.Environment().Variable("PATH").value(), OutputOf("printf %s \"$PATH\""));
+  EXPECT_EQ(live.Environment().Variable("NO=SUCH").outcome(), Outcome::kAbsent);
+  EXPECT_NEAR(static_cast<double>(*live.Clock().MicrosecondsSince1970()) / 1e6,
+              std::stod(OutputOf("date +%s.%N")), 5);
+  std::vector<std::string> pids;
+  for (auto const& process : *live.Processes().AllProcesses())
+    pids.push_back(std::to_string(process.pid));
+  EXPECT_THAT(pids, Contains(std::to_string(::getpid())));
+  EXPECT_THAT(pids, Contains("1"));
+}
+
+}  // namespace

@@ -1,0 +1,70 @@
+#include "tests/support/scripted_machine.h"
+
+#include <cstring>
+
+void ScriptedMachine::AddProcess(std::int32_t pid, std::string const& name) {
+  machine::Process process = {.pid = pid};
+  std::memcpy(process.name, name.data(), std::min(name.size(), sizeof process.name - 1));
+  processes.push_back(process);
+}
+
+void ScriptedMachine::SetZone(std::string const& name, std::string const& rule) {
+  zone = machine::TimeZone{name, machine::ZoneRules::FromPosixText(rule)};
+}
+
+machine::Fact<std::int64_t> ScriptedMachine::MicrosecondsSince1970() const {
+  ++calls_.clock;
+  return Of(microseconds);
+}
+
+machine::Fact<machine::TimeZone> ScriptedMachine::CurrentZone() const {
+  ++calls_.zone;
+  return Of(zone);
+}
+
+machine::Fact<std::string> ScriptedMachine::Variable(std::string const& name) const {
+  auto const found = environment.find(name);
+  if (found == environment.end()) return Missing();
+  return found->second;
+}
+
+machine::Fact<std::vector<std::string>> ScriptedMachine::VariableNames() const {
+  std::vector<std::string> names;
+  for (auto const& [name, value] : environment) names.push_back(name);
+  return names;
+}
+
+machine::Fact<bool> ScriptedMachine::HasUsb() const {
+  if (!usb_release) return Missing();
+  return true;
+}
+
+machine::Fact<std::size_t> ScriptedMachine::CountProcesses() const {
+  ++calls_.count_processes;
+  std::size_t const count = processes.size();
+  if (after_count) after_count();
+  if (count == 0) return Missing();
+  return count;
+}
+
+machine::Fact<std::vector<machine::Process>> ScriptedMachine::AllProcesses() const {
+  ++calls_.all_processes;
+  return processes;
+}
+
+machine::Fact<machine::Process> ScriptedMachine::ProcessWithPid(std::int32_t pid) const {
+  ++calls_.one_process;
+  for (machine::Process const& process : processes) {
+    if (process.pid == pid) return process;
+  }
+  return Missing();
+}
+
+machine::Fact<machine::GestaltResponse> ScriptedMachine::Response(std::uint32_t selector) const {
+  ++calls_.gestalt;
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(selector >> shift);
+  auto const found = gestalt.find(text);
+  if (found != gestalt.end()) return found->second;
+  return derived_.Response(selector);
+}

@@ -1,0 +1,127 @@
+// A machine that a test scripts: set what it knows, and all else is absent. It counts what it is
+// asked and announces nothing.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "machine/gestalt.h"
+#include "machine/machine.h"
+
+class ScriptedMachine final : public machine::Machine,
+                              private machine::ClockSource,
+                              private machine::TimeZoneSource,
+                              private machine::EnvironmentSource,
+                              private machine::NameSource,
+                              private machine::MemorySource,
+                              private machine::ProcessorSource,
+                              private machine::HardwareSource,
+                              private machine::ProcessSource,
+                              private machine::GestaltSource {
+ public:
+  std::optional<std::int64_t> microseconds, boot_seconds;
+  std::optional<machine::TimeZone> zone;
+  std::map<std::string, std::string> environment;
+  std::optional<std::string> host_name, computer_name, product_name;
+  std::optional<std::uint64_t> physical_bytes, swap_bytes;
+  std::optional<std::uint32_t> online_processors, power_pc_version, megahertz, usb_release;
+  std::optional<machine::Architecture> architecture;
+  std::vector<machine::Process> processes;
+  // By selector; one that is not here follows from the other facts.
+  std::map<std::string, machine::GestaltResponse> gestalt;
+
+  // Why everything that is not set is missing.
+  machine::Outcome reason = machine::Outcome::kAbsent;
+  // Runs after each count of the processes, so that they can change before the list is read.
+  std::function<void()> after_count;
+
+  struct Calls {
+    int count_processes = 0, all_processes = 0, one_process = 0, gestalt = 0, clock = 0, zone = 0;
+  };
+  Calls const& calls() const { return calls_; }
+
+  void AddProcess(std::int32_t pid, std::string const& name);
+  // A zone by a rule such as "CET-1CEST,M3.5.0,M10.5.0/3".
+  void SetZone(std::string const& name, std::string const& rule);
+
+  machine::ClockSource const& Clock() const override { return *this; }
+  machine::TimeZoneSource const& Zone() const override { return *this; }
+  machine::EnvironmentSource const& Environment() const override { return *this; }
+  machine::NameSource const& Names() const override { return *this; }
+  machine::MemorySource const& Memory() const override { return *this; }
+  machine::ProcessorSource const& Processors() const override { return *this; }
+  machine::HardwareSource const& Hardware() const override { return *this; }
+  machine::ProcessSource const& Processes() const override { return *this; }
+  machine::GestaltSource const& Gestalt() const override { return *this; }
+
+ private:
+  template <typename T>
+  using Fact = machine::Fact<T>;
+
+  template <typename T>
+  Fact<T> Of(std::optional<T> const& value) const {
+    if (value) return *value;
+    return Missing();
+  }
+  machine::Absence Missing() const { return {reason, "script", {}}; }
+
+  Fact<std::int64_t> MicrosecondsSince1970() const override;
+  Fact<std::int64_t> BootSecondsSince1970() const override { return Of(boot_seconds); }
+  Fact<machine::TimeZone> CurrentZone() const override;
+  Fact<std::string> Variable(std::string const& name) const override;
+  Fact<std::vector<std::string>> VariableNames() const override;
+  Fact<std::string> HostName() const override { return Of(host_name); }
+  Fact<std::string> ComputerName() const override { return Of(computer_name); }
+  Fact<std::uint64_t> PhysicalBytes() const override { return Of(physical_bytes); }
+  Fact<std::uint64_t> SwapBytes() const override { return Of(swap_bytes); }
+  Fact<std::uint32_t> OnlineCount() const override { return Of(online_processors); }
+  Fact<machine::Architecture> Kind() const override { return Of(architecture); }
+  Fact<std::uint32_t> PowerPCVersion() const override { return Of(power_pc_version); }
+  Fact<std::uint32_t> HighestMegahertz() const override { return Of(megahertz); }
+  Fact<std::string> ProductName() const override { return Of(product_name); }
+  Fact<std::uint32_t> UsbRelease() const override { return Of(usb_release); }
+  Fact<bool> HasUsb() const override;
+  Fact<std::size_t> CountProcesses() const override;
+  Fact<std::vector<machine::Process>> AllProcesses() const override;
+  Fact<machine::Process> ProcessWithPid(std::int32_t pid) const override;
+  Fact<machine::GestaltResponse> Response(std::uint32_t selector) const override;
+
+  mutable Calls calls_;
+  machine::DerivedGestalt derived_{*this};
+};
+
+// Makes a machine the one in use for as long as this lives.
+class MachineInUse {
+ public:
+  explicit MachineInUse(std::shared_ptr<machine::Machine const> machine)
+      : before_(machine::SetCurrentMachine(std::move(machine))) {}
+  ~MachineInUse() { machine::SetCurrentMachine(std::move(before_)); }
+  MachineInUse(MachineInUse const&) = delete;
+  MachineInUse& operator=(MachineInUse const&) = delete;
+
+ private:
+  std::shared_ptr<machine::Machine const> before_;
+};
+
+// Keeps what is announced on this thread for as long as this lives.
+class AnnouncementLog final : public machine::SourceObserver {
+ public:
+  AnnouncementLog() : before_(machine::SetSourceObserver(this)) {}
+  ~AnnouncementLog() override { machine::SetSourceObserver(before_); }
+
+  void Consulted(machine::Announcement const& announcement) override {
+    entries.emplace_back(std::string(announcement.source), announcement.outcome);
+    bytes += announcement.bytes;
+  }
+
+  std::vector<std::pair<std::string, machine::Outcome>> entries;
+  std::uint64_t bytes = 0;
+
+ private:
+  machine::SourceObserver* before_;
+};
