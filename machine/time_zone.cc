@@ -101,6 +101,12 @@ class CompiledZoneReader {
       auto const offset = static_cast<std::int32_t>(fields.Number(4));
       return ZoneRules::Kind{offset, fields.Number(1) != 0};
     };
+    // The farthest offsets that the format allows.
+    constexpr std::int32_t kFarthestWest = -25 * 3600 + 1, kFarthestEast = 26 * 3600 - 1;
+    for (std::uint64_t i = 0; i < counts.kinds; ++i) {
+      std::int32_t const offset = kind_at(i).from_utc;
+      if (offset < kFarthestWest || offset > kFarthestEast) return false;
+    }
     rules.before_ = kind_at(0);
     rules.changes_.reserve(counts.times);
     for (std::uint64_t i = 0; i < counts.times; ++i) {

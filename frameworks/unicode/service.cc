@@ -97,10 +97,12 @@ class IcuService final : public Service {
     }
     char const* const canonical = *name == '\0' ? nullptr : CanonicalName(name);
     if (canonical == nullptr) return kCFStringEncodingInvalidId;
-    for (NamedEncoding const& row : kNamedEncodings) {
-      if (SharesConverter(row.number)) continue;
-      char const* const own = CanonicalName(row.name);
-      if (own != nullptr && std::strcmp(own, canonical) == 0) return row.number;
+    std::lock_guard lock(guard_);
+    for (std::size_t i = 0; i < std::size(kNamedEncodings); ++i) {
+      if (SharesConverter(kNamedEncodings[i].number)) continue;
+      char const*& own = rows_[i].canonical_name;
+      if (own == nullptr) own = CanonicalName(kNamedEncodings[i].name);
+      if (own != nullptr && std::strcmp(own, canonical) == 0) return kNamedEncodings[i].number;
     }
     return kCFStringEncodingInvalidId;
   }
@@ -108,8 +110,9 @@ class IcuService final : public Service {
   bool Encode(CFStringEncoding encoding, UniChar const* text, std::size_t length, UInt8 loss_byte,
               UInt8* buffer, std::size_t capacity, Conversion& conversion) override {
     std::lock_guard lock(guard_);
-    UConverter* const converter = Find(encoding);
-    if (converter == nullptr || !SetCallback(converter, loss_byte)) return false;
+    Row* const row = Find(encoding);
+    if (row == nullptr || !SetCallback(*row, loss_byte)) return false;
+    UConverter* const converter = row->converter.get();
     conversion = EncodeAll(converter, text, length);
     if (buffer == nullptr) return true;
     if (conversion.bytes > capacity) conversion = EncodeFitting(converter, text, length, capacity);
@@ -120,8 +123,9 @@ class IcuService final : public Service {
   bool Decode(CFStringEncoding encoding, UInt8 const* bytes, std::size_t length,
               std::vector<UniChar>& text) override {
     std::lock_guard lock(guard_);
-    UConverter* const converter = Find(encoding);
-    if (converter == nullptr) return false;
+    Row* const row = Find(encoding);
+    if (row == nullptr) return false;
+    UConverter* const converter = row->converter.get();
     UErrorCode status = U_ZERO_ERROR;
     ucnv_reset(converter);
     auto const* source = reinterpret_cast<char const*>(bytes);
@@ -142,27 +146,40 @@ class IcuService final : public Service {
   }
 
  private:
-  // Opened once: opening costs five times a short conversion. Null for an unknown number.
-  UConverter* Find(CFStringEncoding encoding) {
-    NamedEncoding const* const row = encodings::FindNamedEncoding(encoding);
-    if (row == nullptr) return nullptr;
-    Converter& converter = converters_[row - std::begin(kNamedEncodings)];
-    if (converter == nullptr) {
+  // What is kept of an encoding, each part from its first use on.
+  struct Row {
+    char const* canonical_name = nullptr;
+    Converter converter;
+    int loss_byte = -1;  // for which the converter is set up
+  };
+
+  // With its converter open: opening one costs five times a short conversion. Null for an unknown
+  // number.
+  Row* Find(CFStringEncoding encoding) {
+    NamedEncoding const* const named = encodings::FindNamedEncoding(encoding);
+    if (named == nullptr) return nullptr;
+    Row& row = rows_[named - std::begin(kNamedEncodings)];
+    if (row.converter == nullptr) {
       UErrorCode status = U_ZERO_ERROR;
-      converter.reset(ucnv_open(row->name, &status));
+      row.converter.reset(ucnv_open(named->name, &status));
       if (U_FAILURE(status)) return nullptr;
-      ucnv_setToUCallBack(converter.get(), StopDecoding, nullptr, nullptr, nullptr, &status);
+      ucnv_setToUCallBack(row.converter.get(), StopDecoding, nullptr, nullptr, nullptr, &status);
     }
-    return converter.get();
+    return &row;
   }
 
-  static bool SetCallback(UConverter* converter, UInt8 loss_byte) {
+  static bool SetCallback(Row& row, UInt8 loss_byte) {
+    if (row.loss_byte == loss_byte) return true;
+    row.loss_byte = -1;
+    UConverter* const converter = row.converter.get();
     UErrorCode status = U_ZERO_ERROR;
     ucnv_reset(converter);
     if (loss_byte != 0 && !SetLossByte(converter, loss_byte)) return false;
     ucnv_setFromUCallBack(converter, loss_byte == 0 ? StopEncoding : ReplaceCharacter, nullptr,
                           nullptr, nullptr, &status);
-    return U_SUCCESS(status);
+    if (U_FAILURE(status)) return false;
+    row.loss_byte = loss_byte;
+    return true;
   }
 
   // Converts into `bytes_`; ends before the first character that the callback refuses.
@@ -202,11 +219,13 @@ class IcuService final : public Service {
       (EncodeAll(converter, text, middle).bytes <= capacity ? fits : too_long) = middle;
     }
     if (fits > 0 && CharacterLength(text + fits - 1, length - fits + 1) == 2) --fits;
-    return EncodeAll(converter, text, fits);
+    // Some encodings open even an empty text with an announcement of theirs.
+    Conversion const conversion = EncodeAll(converter, text, fits);
+    return conversion.bytes <= capacity ? conversion : Conversion{};
   }
 
   std::mutex guard_;  // of all below: ICU's converters serve one thread at a time
-  Converter converters_[std::size(kNamedEncodings)];
+  Row rows_[std::size(kNamedEncodings)];
   std::vector<UInt8> bytes_;
 };
 

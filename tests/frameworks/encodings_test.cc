@@ -97,7 +97,8 @@ TEST(Encodings, FillABufferWithWholeCharactersOnly) {
        {Fit{kCFStringEncodingUTF8, 6, 2, 4}, Fit{kCFStringEncodingUTF8, 11, 5, 11},
         Fit{kCFStringEncodingUTF8, 10, 3, 7}, Fit{kCFStringEncodingUTF16, 7, 3, 6},
         Fit{kCFStringEncodingEUC_JP, 4, 2, 3}, Fit{kCFStringEncodingEUC_JP, 0, 0, 0},
-        Fit{kCFStringEncodingEUC_JP, 6, 5, 6}, Fit{kCFStringEncodingGB_18030_2000, 8, 3, 5}}) {
+        Fit{kCFStringEncodingEUC_JP, 6, 5, 6}, Fit{kCFStringEncodingISO_2022_KR, 1, 0, 0},
+        Fit{kCFStringEncodingGB_18030_2000, 8, 3, 5}}) {
     UInt8 buffer[16];
     CFIndex used = -1;
     CFIndex const units = CFStringGetBytes(text.get(), CFRangeMake(0, 5), row.encoding, '?', false,

@@ -45,7 +45,6 @@ TEST(ZoneRules, ReadCompiledFilesLikeTheLibrary) {
     auto const rules = ZoneRules::FromCompiledFile(bytes);
     ASSERT_NE(rules, nullptr) << name;
     ExpectLikeTheLibrary(name, *rules, -2840140800);
-    // Cut short at any place it is refused, or at least safe to ask.
     for (std::size_t size = 0; size < bytes.size(); size += 7) {
       auto const cut = ZoneRules::FromCompiledFile(std::string_view(bytes).substr(0, size));
       EXPECT_EQ(cut, nullptr) << name << " cut to " << size;
@@ -54,9 +53,9 @@ TEST(ZoneRules, ReadCompiledFilesLikeTheLibrary) {
 }
 
 TEST(ZoneRules, ReadRulesLikeTheLibrary) {
-  for (std::string const text : {"CET-1CEST,M3.5.0,M10.5.0/3", "AEST-10AEDT,M10.1.0,M4.1.0/3",
-                                 "<-03>3", "<+1030>-10:30<+11>-11,M10.1.0,M4.1.0",
-                                 "ABC5DEF,J60/2,J300/2", "ABC5DEF,59,299/-1", "XST5XDT"}) {
+  for (std::string const text :
+       {"CET-1CEST,M3.5.0,M10.5.0/3", "AEST-10AEDT,M10.1.0,M4.1.0/3", "<-03>3",
+        "<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", "ABC5DEF,J60/2,J300/2", "ABC5DEF,59,299/-1"}) {
     auto const rules = ZoneRules::FromPosixText(text);
     ASSERT_NE(rules, nullptr) << text;
     ExpectLikeTheLibrary(text, *rules, 86400);  // by rules it knows no earlier years
@@ -75,7 +74,7 @@ TEST(ZoneRules, TellWhatDaylightSavingAdds) {
   };
   for (Row const& row : {Row{"CET-1CEST,M3.5.0,M10.5.0/3", 0, 3600},
                          Row{"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", 1800, 0},
-                         Row{"IST-1GMT0,M10.5.0,M3.5.0/1", -3600, 0}}) {
+                         Row{"IST-1GMT0,M10.5.0,M3.5.0/1", -3600, 0}, Row{"EST5EDT", 0, 3600}}) {
     auto const rules = ZoneRules::FromPosixText(row.rule);
     EXPECT_EQ(rules->At(kJanuary2024).daylight, row.january) << row.rule;
     EXPECT_EQ(rules->At(kJuly2024).daylight, row.july) << row.rule;
