@@ -101,7 +101,7 @@ class Iteration : public testing::Test {
 };
 
 TEST_F(Iteration, EndsOnceAtTheEndOnAnErrorAndOnAnEarlyStop) {
-  IteratedGlobalProperty<Countdown, integer> countdown("x", "xs", nullptr);
+  static IteratedGlobalProperty<Countdown, integer> countdown("x", "xs", nullptr);
   EXPECT_THAT(Drive(&countdown).elements, ElementsAre(10, 9, 8));
   EXPECT_THAT(Drive(&countdown, 2).elements, ElementsAre(10, 9));
   broken_at = 1;

@@ -1,0 +1,175 @@
+// What crosses to the evaluator: strings in the report encoding, versions, codes.
+#include <CoreFoundation/CoreFoundation.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <string>
+#include <utility>
+
+#include "frame/combine.h"
+#include "frame/inspector_strings.h"
+#include "frame/inspector_version.h"
+#include "frame/report_encoding.h"
+#include "portable/core_foundation/auto_cf.h"
+#include "tests/support/recording_evaluator.h"
+
+namespace {
+
+using namespace std::string_literals;
+
+class MapStore : public SettingStore<CFPreferenceSettingIterator> {
+ public:
+  CFPreferenceSettingIterator FindItem(ConstData section, ConstData name) override {
+    auto const found = items.find({MakeString(section), MakeString(name)});
+    return found == items.end() ? End() : CFPreferenceSettingIterator(found->second);
+  }
+
+  std::map<std::pair<std::string, std::string>, std::string> items;
+};
+
+// Both kinds of context in one object, as a host has them.
+class Host : public InspectorContext, public InspectorSettingsContext {
+ public:
+  explicit Host(StoreFunction store = Store) : InspectorSettingsContext(store) {}
+  void SetEncoding(std::string const& name) {
+    store_.items[{"Client", "_KPXClient_DeploymentEncoding_IANAName"}] = name;
+  }
+
+ private:
+  static SettingStore<CFPreferenceSettingIterator>& Store(InspectorSettingsContext& context) {
+    return dynamic_cast<Host&>(context).store_;
+  }
+  MapStore store_;
+};
+
+class Conversions : public testing::Test {
+ protected:
+  void SetUp() override { evaluator_.allocations.clear(); }
+  void TearDown() override { evaluator_.context = nullptr; }
+
+  // The text as the evaluator gets it with this report encoding.
+  std::string Report(std::string const& utf8, std::string const& encoding) {
+    Host host;
+    host.SetEncoding(encoding);
+    evaluator_.context = &host;
+    AutoCFString text;
+    text.Seize(
+        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<UInt8 const*>(utf8.data()),
+                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
+    return Text(AsInspectorString(text.Get()));
+  }
+
+  static std::string Text(inspector_string const& string) {
+    return {reinterpret_cast<char const*>(string.start), string.length};
+  }
+
+  RecordingEvaluator& evaluator_ = RecordingEvaluator::Instance();
+};
+
+TEST_F(Conversions, TextIsReportedInTheSetEncoding) {
+  struct {
+    char const* encoding;
+    std::string utf8, reported;
+  } const cases[] = {
+      {"UTF-8", "caf\u00E9 \u4E2D", "caf\u00E9 \u4E2D"},
+      {"iso-8859-1", "caf\u00E9 \u4E2D\u20AC", "caf\xE9 ??"},
+      {"macintosh", "caf\u00E9", "caf\x8E"},
+      {"US-ASCII", "caf\u00E9", "caf?"},
+      {"no such encoding", "\u20AC\u4E2D", "\x80?"},
+      {"UTF-8", "", ""},
+      {"US-ASCII", "a\0b"s, "a\0b"s},
+  };
+  for (auto const& row : cases) {
+    evaluator_.allocations.clear();
+    EXPECT_EQ(Report(row.utf8, row.encoding), row.reported) << row.encoding;
+    EXPECT_THAT(evaluator_.allocations, testing::ElementsAre(row.reported.size())) << row.encoding;
+  }
+}
+
+TEST_F(Conversions, AByteOrderMarkStandsInFrontOfUTF16EvenWhenEmpty) {
+  std::string const a = Report("A", "UTF-16");
+  EXPECT_THAT(a, testing::AnyOf("\xFE\xFF\0A"s, "\xFF\xFE\x41\0"s));
+  EXPECT_EQ(Report("", "UTF-16"), a.substr(0, 2));
+}
+
+TEST_F(Conversions, TheReportEncodingFallsBackToWindowsLatin1) {
+  constexpr TextEncoding kWindowsLatin1 = 0x0500;
+  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "no context";
+  InspectorContext without_settings;
+  evaluator_.context = &without_settings;
+  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "no settings";
+  Host host;
+  evaluator_.context = &host;
+  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "not set";
+
+  struct {
+    std::string name;
+    TextEncoding encoding;
+  } const cases[] = {
+      {"UTF-8", kCFStringEncodingUTF8},
+      {"utf-8", kCFStringEncodingUTF8},
+      {"", kWindowsLatin1},
+      {"bogus", kWindowsLatin1},
+      {"windows-1252", kWindowsLatin1},
+      {"macintosh", kCFStringEncodingMacRoman},
+      {std::string(255, 'x'), kWindowsLatin1},
+      {std::string(256, 'x'), kWindowsLatin1},
+      // Cut to a length byte it would be "UTF-8".
+      {"UTF-8" + std::string(256, 'x'), kWindowsLatin1},
+  };
+  for (auto const& row : cases) {
+    host.SetEncoding(row.name);
+    EXPECT_EQ(GetReportEncodingFromInspector(), row.encoding) << row.name;
+    EXPECT_EQ(GetReportEncodingNameFromInspector(), row.name);
+  }
+}
+
+TEST_F(Conversions, ASettingsContextWithoutAStoreIsAnError) {
+  Host host(nullptr);
+  evaluator_.context = &host;
+  EXPECT_THROW(AsInspectorString(CFSTR("text")), InspectorSettingsContextError);
+}
+
+TEST_F(Conversions, BytesAreWrappedOrCopied) {
+  std::string const text = "bytes";
+  ConstData const range(reinterpret_cast<unsigned char const*>(text.data()), text.size());
+  EXPECT_EQ(AsInspectorString(range).start, range.begin);
+  EXPECT_EQ(AsInspectorString(range).length, 5u);
+  EXPECT_TRUE(evaluator_.allocations.empty());
+
+  inspector_string const copy = CopyToInspectorString(range);
+  EXPECT_NE(copy.start, range.begin);
+  EXPECT_EQ(Text(copy), "bytes");
+  EXPECT_EQ(Text(CopyToInspectorString(range + ConstData() + range)), "bytesbytes");
+  EXPECT_EQ(CopyToInspectorString(ConstData()).length, 0u);
+  EXPECT_THAT(evaluator_.allocations, testing::ElementsAre(5, 10, 0));
+}
+
+TEST_F(Conversions, PackedVersionsAreReadFieldByField) {
+  struct {
+    std::uint32_t packed;
+    int major, minor, bug_fix, stage, revision;
+  } const cases[] = {
+      {0x10208000, 10, 2, 0, 0x80, 0},
+      {0x12000000, 12, 0, 0, 0, 0},
+      {0x02305012, 2, 3, 0, 0x50, 0x12},
+      {0xFFFFFFFF, 165, 15, 15, 0xFF, 0xFF},
+  };
+  for (auto const& row : cases) {
+    inspector_version const version = MacintoshPlatform::inspector_version(row.packed);
+    EXPECT_EQ(version.major, row.major);
+    EXPECT_EQ(version.minor, row.minor);
+    EXPECT_EQ(version.bug_fix, row.bug_fix);
+    EXPECT_EQ(version.stage, row.stage);
+    EXPECT_EQ(version.non_release_revision, row.revision);
+    EXPECT_EQ(ConstData(version.text).Length(), 0u);
+  }
+}
+
+TEST_F(Conversions, CodesHaveTheirFirstCharacterOnTop) {
+  EXPECT_EQ(Combine(0x41, 0x50, 0x50, 0x4C), 0x4150504Cu);
+  EXPECT_EQ(Combine(0xFF, 0, 0, 1), 0xFF000001u);
+}
+
+}  // namespace

@@ -1,0 +1,73 @@
+#include "inspectors/system/country.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <string>
+#include <string_view>
+
+#include "evaluator/plugin/exceptions.h"
+#include "inspectors/system/country_codes.h"
+#include "tests/support/recording_evaluator.h"
+
+namespace {
+
+country Named(std::string_view name) {
+  return country_of(reinterpret_cast<unsigned char const*>(name.data()), name.size());
+}
+
+TEST(Country, NamesAreFoundByTheirExactBytes) {
+  struct {
+    char const* name;
+    std::uint32_t code;
+  } const cases[] = {
+      {"verUS", 0},
+      {"verFrance", 1},
+      {"verBritain", 2},
+      {"verGermany", 3},
+      {"verJapan", 14},
+      {"verAfrikaans", 102},
+      {"verNepal", 106},
+      {"vervariantPortugal", 30},
+      {"vervariantNorway", 31},
+      {"vervariantDenmark", 32},
+      {"verGreecePoly", 40},
+  };
+  for (auto const& row : cases) EXPECT_EQ(Named(row.name).region_code, row.code) << row.name;
+
+  using namespace std::string_view_literals;
+  for (std::string_view const name : {""sv, "ver"sv, "verus"sv, "VERUS"sv, " verUS"sv, "verUS "sv,
+                                      "verUS\0"sv, "verUSA"sv, "zebra"sv, "aaa"sv, "\xFF"sv}) {
+    EXPECT_THROW(Named(name), NoSuchObject) << name;
+  }
+}
+
+TEST(Country, TheTableIsSortedAndEveryRowIsFound) {
+  std::set<std::uint32_t> codes;
+  for (std::size_t i = 0; i < kCountryCodeCount; ++i) {
+    std::string_view const name = kCountryCodes[i].name;
+    if (i > 0) {
+      EXPECT_LT(std::string_view(kCountryCodes[i - 1].name), name);
+    }
+    EXPECT_EQ(Named(name).region_code, kCountryCodes[i].value);
+    codes.insert(kCountryCodes[i].value);
+  }
+  EXPECT_EQ(codes.size(), 98u);
+  EXPECT_EQ(*codes.rbegin(), 106u);
+  EXPECT_EQ(kCountryCodes[kCountryCodeCount].name, nullptr);
+}
+
+TEST(Country, EqualityComparesCodes) {
+  RecordedRegistration const* const equal =
+      RecordingEvaluator::Instance().Find("Binary_Operator", "6", "country");
+  ASSERT_NE(equal, nullptr);
+  auto const equals = [&](country left, country right) {
+    boolean result = false;
+    equal->apply(&result, &left, &right, equal->context);
+    return result;
+  };
+  EXPECT_TRUE(equals(Named("verFrance"), Named("verFrance")));
+  EXPECT_FALSE(equals(Named("verFrance"), Named("verFrSwiss")));
+}
+
+}  // namespace

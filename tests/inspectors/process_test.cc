@@ -1,0 +1,129 @@
+#include "inspectors/system/process.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cerrno>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/support/recording_evaluator.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+class Processes : public testing::Test {
+ protected:
+  static std::vector<integer> Pids(process_iterator& iterator) {
+    std::vector<integer> pids;
+    try {
+      for (process found = iterator.First();; found = iterator.Next()) {
+        pids.push_back(pid_of_process(found));
+      }
+    } catch (NoSuchObject const&) {
+    }
+    return pids;
+  }
+
+  static std::string NameOf(process const& found) {
+    inspector_string const name = name_of_process(found);
+    return {reinterpret_cast<char const*>(name.start), name.length};
+  }
+
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  MachineInUse use_{machine_};
+};
+
+TEST_F(Processes, EachOfASnapshotComesOnceInTheKernelsOrder) {
+  machine_->AddProcess(1, "init");
+  machine_->AddProcess(70, "b");
+  machine_->AddProcess(8, "a");
+  process_iterator iterator;
+  process const first = iterator.First();
+  machine_->processes.clear();
+  EXPECT_EQ(pid_of_process(iterator.Next()), 70);
+  EXPECT_EQ(pid_of_process(iterator.Next()), 8);
+  EXPECT_THROW(iterator.Next(), NoSuchObject);
+  EXPECT_THROW(iterator.Next(), NoSuchObject);
+  iterator.FreeProcList();
+  EXPECT_EQ(NameOf(first), "init");
+
+  machine_->AddProcess(5, "new");
+  EXPECT_THAT(Pids(iterator), testing::ElementsAre(5));
+}
+
+TEST_F(Processes, AnEmptyOrRefusedSnapshotIsNotTheSame) {
+  process_iterator iterator;
+  EXPECT_THROW(iterator.First(), GetBSDProcessListFailed);
+  machine_->AddProcess(1, "gone");
+  machine_->after_count = [this] { machine_->processes.clear(); };
+  EXPECT_THROW(iterator.First(), NoSuchObject);
+}
+
+TEST_F(Processes, ATableThatOutgrowsItsBufferIsReadAgain) {
+  machine_->AddProcess(1, "init");
+  int counts = 0;
+  machine_->after_count = [&] {
+    if (++counts > 3) return;
+    for (int i = 0; i < 200; ++i) machine_->AddProcess(1000 * counts + i, "new");
+  };
+  process_iterator iterator;
+  EXPECT_EQ(Pids(iterator).size(), 601u);
+  EXPECT_EQ(machine_->calls().all_processes, 4);
+}
+
+TEST_F(Processes, OneByItsNumber) {
+  machine_->AddProcess(42, "abcdefghijklmnopqrs");
+  process const found = numbered_process_of_world(42);
+  EXPECT_EQ(pid_of_process(found), 42);
+  EXPECT_EQ(NameOf(found), "abcdefghijklmnop");
+  EXPECT_EQ(machine_->calls().all_processes, 0);
+  for (unsigned long long const number : {43ull, 0ull, 0xFFFFFFFFull}) {
+    EXPECT_THROW(numbered_process_of_world(number), NoSuchObject) << number;
+  }
+  int const asked = machine_->calls().one_process;
+  for (unsigned long long const number : {(1ull << 32) + 42, 1ull << 32, ~0ull}) {
+    EXPECT_THROW(numbered_process_of_world(number), NoSuchObject) << number;
+  }
+  EXPECT_EQ(machine_->calls().one_process, asked);
+}
+
+TEST_F(Processes, ThreeNamesOfTheSameNumber) {
+  process found;
+  found.record.kp_proc.p_pid = 7;
+  for (char const* phrase : {"pid", "id", "process id"}) {
+    auto const* const property = RecordingEvaluator::Instance().Find("Property", phrase, "process");
+    ASSERT_NE(property, nullptr) << phrase;
+    EXPECT_EQ(property->Get<integer>(nullptr, &found), 7);
+  }
+}
+
+TEST_F(Processes, TheBootTimeIsZeroWhereNobodyTellsIt) {
+  EXPECT_EQ(BootSecondsSince1970(), 0);
+  machine_->boot_seconds = 1'700'000'000;
+  EXPECT_EQ(BootSecondsSince1970(), 1'700'000'000);
+}
+
+TEST_F(Processes, TheListSaysWhyItFailed) {
+  kinfo_proc* list = nullptr;
+  std::size_t count = 1;
+  machine_->reason = machine::Outcome::kPermissionRefused;
+  EXPECT_EQ(GetBSDProcessList(&list, &count), EACCES);
+  EXPECT_EQ(list, nullptr);
+}
+
+using ProcessesDeathTest = Processes;
+
+TEST_F(ProcessesDeathTest, BrokenPreconditionsEndTheProcess) {
+  kinfo_proc record;
+  kinfo_proc* none = nullptr;
+  kinfo_proc* some = &record;
+  std::size_t count = 0;
+  constexpr char kMessage[] = "BSDProcessList:[0-9]+: failed assertion `";
+  EXPECT_DEATH(GetBSDProcessList(nullptr, &count), kMessage + std::string("procList != NULL'\n"));
+  EXPECT_DEATH(GetBSDProcessList(&some, &count), kMessage + std::string("\\*procList == NULL'\n"));
+  EXPECT_DEATH(GetBSDProcessList(&none, nullptr), kMessage + std::string("procCount != NULL'\n"));
+}
+
+}  // namespace
