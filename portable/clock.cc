@@ -5,6 +5,8 @@
 #include <cmath>
 #include <memory>
 
+#include "evaluator/plugin/exceptions.h"
+
 namespace {
 
 constexpr double kMicroseconds = 1e6;
@@ -22,6 +24,7 @@ CFAbsoluteTime AbsoluteTimeOf(Instant time) {
 
 Instant CurrentInstant() {
   double seconds = CFAbsoluteTimeGetCurrent() + kCFAbsoluteTimeIntervalSince1970;
+  if (std::isnan(seconds)) throw NoSuchObject();
   return {std::llround(seconds * kMicroseconds)};
 }
 

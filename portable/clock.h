@@ -8,6 +8,7 @@
 #include "evaluator/plugin/export.h"
 #include "evaluator/plugin/values.h"
 
+// Throws `NoSuchObject` where the machine tells no time.
 GATOTU_API Instant CurrentInstant();
 
 // How many seconds local time is ahead of universal time then, daylight saving included. Nothing
