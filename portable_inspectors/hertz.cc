@@ -29,13 +29,8 @@ integer Ratio(hertz const& left, hertz const& right) {
 }
 boolean Less(hertz const& left, hertz const& right) { return left.count < right.count; }
 
-inspector_string HertzAsString(hertz const& frequency) {
-  char text[32];
-  auto const digits = std::to_chars(text, text + sizeof(text), frequency.count);
-  std::string_view const unit = " hertz";
-  unit.copy(digits.ptr, unit.size());
-  return CopyText({text, static_cast<std::size_t>(digits.ptr - text) + unit.size()});
-}
+// The number alone, as the evaluator shows a frequency.
+inspector_string HertzAsString(hertz const& frequency) { return WriteNumber(frequency.count); }
 integer HertzAsInteger(hertz const& frequency) { return frequency.count; }
 hertz IntegerAsHertz(integer const& count) { return {count}; }
 

@@ -10,12 +10,8 @@ namespace {
 
 using Text = inspector_string;
 
-ConstData DataOf(unsigned char const* start, unsigned long length) {
-  return ConstData(start, start + length);
-}
-
 inspector_version version_named(unsigned char const* start, unsigned long length) {
-  return MacintoshPlatform::TextToVersion(DataOf(start, length));
+  return MacintoshPlatform::TextToVersion(ConstData(start, length));
 }
 inspector_version StringAsVersion(Text const& string) {
   return version_named(string.start, string.length);

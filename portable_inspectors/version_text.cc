@@ -64,9 +64,15 @@ std::uint16_t Clamp(std::int64_t number) {
   return static_cast<std::uint16_t>(std::min(number, kLargest));
 }
 
+template <unsigned long N>
+constexpr unsigned long CapacityOf(ConstDataOfCapacity<N> const*) {
+  return N;
+}
+constexpr unsigned long kLongestText = CapacityOf(static_cast<inspector_version::Text*>(nullptr));
+
 std::string_view TextOf(inspector_version const& version) {
   ConstData const text = version.text;
-  return View(text.begin, static_cast<unsigned long>(text.end - text.begin));
+  return View(text.begin, text.Length());
 }
 
 // The text of a version, its own or the one its numbers make.
@@ -104,9 +110,9 @@ class VersionText {
 
 inspector_version TextToVersion(ConstData data) {
   ConstData const trimmed = TrimAsciiWhitespace(data);
-  auto const size = static_cast<unsigned long>(trimmed.end - trimmed.begin);
+  unsigned long const size = trimmed.Length();
   std::string_view const text = View(trimmed.begin, size);
-  if (size > inspector_version::Text::kCapacity || !IsVersionText(text)) throw NoSuchObject();
+  if (size > kLongestText || !IsVersionText(text)) throw NoSuchObject();
   VersionParts const parts = PartsOfVersionText(text);
   return inspector_version(Clamp(parts.numbers[0]), Clamp(parts.numbers[1]),
                            Clamp(parts.numbers[2]), CodeOfStage(parts.stage),

@@ -6,6 +6,16 @@
 
 #include "evaluator/evaluator.h"
 
+inline std::string Shown(gatotu::Value const& value) {
+  if (value.Type().kind != gatotu::ValueType::Kind::kTuple) return std::string(value.Text());
+  std::string text;
+  for (gatotu::Value const& member : value.Members()) {
+    if (!text.empty()) text += ", ";
+    text += Shown(member);
+  }
+  return text;
+}
+
 // The values, a line each but for the last; "refused CODE" where the text does not compile,
 // "no such object", or "failed: MESSAGE".
 inline std::string Answer(std::string_view expression) {
@@ -17,7 +27,7 @@ inline std::string Answer(std::string_view expression) {
       gatotu::Evaluate(*compilation.expression, [&](gatotu::Value const& value) {
         if (!first) text += '\n';
         first = false;
-        text += value.Text();
+        text += Shown(value);
         return true;
       });
   if (evaluation.IsAnswered()) return text;
