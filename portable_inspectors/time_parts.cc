@@ -97,6 +97,7 @@ PartProperties<integer, YearOf> year("year", "years", "universal year", "univers
 PartProperties<integer, MonthOf> month("month", "months", "universal month", "universal months");
 PartProperties<Text, MonthName> month_name("month name", "month names", "universal month name",
                                            "universal month names");
+PartProperties<integer, DayOf> day("day", "days", "universal day", "universal days");
 PartProperties<integer, DayOf> day_of_month("day_of_month", "days_of_month",
                                             "universal day_of_month", "universal days_of_month");
 PartProperties<integer, DayOfWeek> day_of_week("day_of_week", "days_of_week",

@@ -31,7 +31,7 @@ TEST(LocalTime, AgreesWithGnuDate) {
       std::string const text = Output(date + "%FT%T.000000%:z'");
       EXPECT_EQ(Answer(time + " as string"), text) << zone;
       EXPECT_EQ(Answer("\"" + text + "\" as time = " + time), "true") << zone << ' ' << text;
-      EXPECT_EQ(Answer("(year of it, month of it, day_of_month of it, day_of_week of it, weekday "
+      EXPECT_EQ(Answer("(year of it, month of it, day of it, day_of_week of it, weekday "
                        "of it, hour of it, minute of it, second of it) of " +
                        time),
                 Output("LC_ALL=C " + date + "%-Y, %-m, %-d, %u, %A, %-H, %-M, %-S'"))
