@@ -24,7 +24,6 @@ namespace {
 
 constexpr std::size_t kAlignment = alignof(std::max_align_t);
 constexpr std::size_t kFirstBlock = 16 * 1024;
-constexpr std::size_t kReserve = 1024 * 1024;
 
 }  // namespace
 
@@ -47,6 +46,7 @@ void Arena::AddBlock(std::size_t at_least) {
   size = std::max(std::min(size, kReserve), at_least);
   blocks_.reserve(blocks_.size() + 1);
   blocks_.push_back({std::unique_ptr<std::byte[]>(new std::byte[size]), size});
+  total_ += size;
   ASAN_POISON_MEMORY_REGION(blocks_.back().bytes.get(), size);
 }
 
@@ -61,8 +61,7 @@ void Arena::TakeBack(Mark mark) {
   here_ = mark;
 }
 
-void Arena::Reset() {
-  Rewind({});
+void Arena::Shrink() {
   std::size_t kept = 0;
   std::size_t total = 0;
   while (kept < blocks_.size() && total + blocks_[kept].size <= kReserve) {
@@ -72,6 +71,7 @@ void Arena::Reset() {
     ASAN_UNPOISON_MEMORY_REGION(blocks_[i].bytes.get(), blocks_[i].size);
   }
   blocks_.resize(kept);
+  total_ = total;
 }
 
 }  // namespace gatotu

@@ -24,7 +24,10 @@ class Arena {
     if (mark.block != here_.block || mark.used != here_.used) TakeBack(mark);
   }
   // Takes back everything, and gives back to the system what exceeds a modest reserve.
-  void Reset();
+  void Reset() {
+    Rewind({});
+    if (total_ > kReserve) Shrink();
+  }
 
  private:
   struct Block {
@@ -32,10 +35,14 @@ class Arena {
     std::size_t size = 0;
   };
 
+  static constexpr std::size_t kReserve = 1024 * 1024;
+
   void TakeBack(Mark mark);
+  void Shrink();
   void AddBlock(std::size_t at_least);
 
   std::vector<Block> blocks_;
+  std::size_t total_ = 0;  // bytes of all blocks
   Mark here_;
 };
 

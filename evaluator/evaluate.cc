@@ -25,9 +25,11 @@ struct Storage {
   std::uint64_t kept_generation = 0;
 };
 
+constinit Storage* the_storage = nullptr;
+
 Storage& TheStorage() {
-  static auto& storage = *new Storage;
-  return storage;
+  if (the_storage == nullptr) the_storage = new Storage;
+  return *the_storage;
 }
 
 // Memory for whoever calls inspectors without an evaluation.
@@ -41,35 +43,40 @@ OutsideMemory& TheOutsideMemory() {
   return memory;
 }
 
+template <class Container>
+void GrowTo(Container& container, std::size_t size) {
+  if (container.size() < size) container.resize(size);
+}
+
 // One level of evaluation: its workspace, sized for the expression.
 class Level {
  public:
   explicit Level(Expression::Program const& program)
-      : workspace_(Enter()), is_outermost_(TheStorage().depth == 1) {
-    workspace_.frame.resize(std::max(workspace_.frame.size(), program.layout.Size()));
-    workspace_.copies.resize(std::max(workspace_.copies.size(), program.layout.Copies()));
-    workspace_.values.resize(std::max(workspace_.values.size(), program.shower->CountValues()));
+      : storage_(TheStorage()), workspace_(Enter(storage_)), copies_(program.layout.Copies()) {
+    GrowTo(workspace_.frame, program.layout.Size());
+    GrowTo(workspace_.copies, copies_);
+    GrowTo(workspace_.values, program.shower->CountValues());
   }
   ~Level() {
     workspace_.arena.Reset();
-    for (CopiedValues& copies : workspace_.copies) copies.Trim();
-    --TheStorage().depth;
+    for (std::size_t i = 0; i < copies_; ++i) workspace_.copies[i].Trim();
+    --storage_.depth;
   }
   Level(Level const&) = delete;
   Level& operator=(Level const&) = delete;
 
-  Workspace& Storage() { return workspace_; }
-  bool IsOutermost() const { return is_outermost_; }
+  Workspace& Room() { return workspace_; }
+  bool IsOutermost() const { return storage_.depth == 1; }
 
  private:
-  static Workspace& Enter() {
-    auto& storage = TheStorage();
+  static Workspace& Enter(Storage& storage) {
     if (storage.workspaces.size() == storage.depth) storage.workspaces.emplace_back();
     return storage.workspaces[storage.depth++];
   }
 
+  Storage& storage_;
   Workspace& workspace_;
-  bool is_outermost_;
+  std::size_t copies_;
 };
 
 void ClearCaches() {
@@ -144,7 +151,7 @@ Evaluation Evaluate(Expression const& expression, ValueCallback callback,
     Run::stop_request.store(false, std::memory_order_relaxed);
     if (!options.keep_caches) ClearCaches();
   }
-  Run run(level.Storage(), options);
+  Run run(level.Room(), options);
   return MakeEvaluation(program, run, PushValues(program, run, callback));
 }
 
