@@ -20,8 +20,9 @@ install(TARGETS ${gatotu_libraries} gatotu_options EXPORT GatotuTargets
 install(EXPORT GatotuTargets NAMESPACE gatotu:: DESTINATION ${gatotu_package_dir})
 
 install(TARGETS gatotu RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
-# Beside the libraries: the command looks for it there.
-install(TARGETS Gatotu LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+# Loaded while the command runs, and looked for beside the libraries.
+install(TARGETS Gatotu FrameworksUnicode PortableInspectorsRegex
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
 install(FILES evaluator/evaluator.h evaluator/diagnostic.h evaluator/evidence.h
   evaluator/function_ref.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/evaluator)

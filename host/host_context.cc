@@ -6,7 +6,7 @@ namespace gatotu::host {
 namespace {
 
 std::string_view View(ConstData data) {
-  return {reinterpret_cast<char const*>(data.Start()), data.Length()};
+  return {reinterpret_cast<char const*>(data.begin), data.Length()};
 }
 
 }  // namespace
