@@ -1,23 +1,15 @@
 // Times and environment of the machine at hand, against what GNU date says.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstdint>
-#include <cstdio>
 #include <cstdlib>
-#include <memory>
 #include <string>
 
 #include "answers.h"
+#include "program_output.h"
 
 namespace {
-
-std::string Output(std::string const& command) {
-  std::unique_ptr<FILE, int (*)(FILE*)> const pipe(popen(command.c_str(), "r"), pclose);
-  char line[200] = "";
-  std::string text = fgets(line, sizeof(line), pipe.get()) == nullptr ? "" : line;
-  if (text.ends_with('\n')) text.pop_back();
-  return text;
-}
 
 // Summer and winter, both sides of both changes, and before any daylight saving.
 TEST(LocalTime, AgreesWithGnuDate) {
@@ -28,17 +20,24 @@ TEST(LocalTime, AgreesWithGnuDate) {
           1'729'990'800LL, -1'000'000'000LL, 4'102'444'800LL, 1'763'713'406LL}) {
       std::string const date = "date -d @" + std::to_string(seconds) + " '+";
       std::string const time = "(unix epoch + (" + std::to_string(seconds) + ") * second)";
-      std::string const text = Output(date + "%FT%T.000000%:z'");
+      std::string const text = FirstLineOf(date + "%FT%T.000000%:z'");
       EXPECT_EQ(Answer(time + " as string"), text) << zone;
       EXPECT_EQ(Answer("\"" + text + "\" as time = " + time), "true") << zone << ' ' << text;
       EXPECT_EQ(Answer("(year of it, month of it, day of it, day_of_week of it, weekday "
                        "of it, hour of it, minute of it, second of it) of " +
                        time),
-                Output("LC_ALL=C " + date + "%-Y, %-m, %-d, %u, %A, %-H, %-M, %-S'"))
+                FirstLineOf("LC_ALL=C " + date + "%-Y, %-m, %-d, %u, %A, %-H, %-M, %-S'"))
           << zone << ' ' << seconds;
     }
     EXPECT_EQ(Answer("name of time zone"), zone);
   }
+}
+
+// Regular expressions and encodings are loaded when first needed.
+TEST(StartUp, LoadsNothingExpensive) {
+  EXPECT_EQ(
+      FirstLineOf("ldd /proc/" + std::to_string(getpid()) + "/exe | grep -cE 'libre2|libicu'"),
+      "0");
 }
 
 TEST(EnvironmentVariables, AreThoseOfTheProcess) {

@@ -3,12 +3,12 @@
 #include <cstdint>
 #include <cstdio>
 #include <limits>
-#include <memory>
 #include <string>
 
 #include "portable_inspectors/calendar_time.h"
 #include "portable_inspectors/errors.h"
 #include "portable_inspectors/time_interval_text.h"
+#include "program_output.h"
 
 namespace {
 
@@ -48,24 +48,18 @@ TEST(TimeIntervalText, ReadsShorterForms) {
   }
 }
 
-std::string Answer(std::string const& command) {
-  std::unique_ptr<FILE, int (*)(FILE*)> const pipe(popen(command.c_str(), "r"), pclose);
-  char line[200] = "";
-  return fgets(line, sizeof(line), pipe.get()) == nullptr ? "" : line;
-}
-
 TEST(CalendarTime, AgreesWithGnuDate) {
   for (std::int64_t seconds :
        {0LL, -1LL, 951'782'399LL, 951'782'400LL, 951'868'800LL, 4'107'542'399LL, 4'107'542'400LL,
         -2'082'844'800LL, -62'135'596'801LL, 1'735'689'599LL, 253'402'300'800LL, 1'763'713'406LL}) {
     CalendarTime const time = CalendarTimeAt(moment(seconds * 1'000'000 + 5), time_interval(0));
     char text[100];
-    std::snprintf(text, sizeof(text), "%04lld-%02d-%02d %d %03d %lld\n",
+    std::snprintf(text, sizeof(text), "%04lld-%02d-%02d %d %03d %lld",
                   static_cast<long long>(time.year), time.month, time.day, time.day_of_week,
                   time.day_of_year, static_cast<long long>(time.time_of_day));
     std::int64_t const of_day = ((seconds % 86'400) + 86'400) % 86'400;
-    EXPECT_EQ(text, Answer("date -u -d @" + std::to_string(seconds) + " '+%Y-%m-%d %u %j " +
-                           std::to_string(of_day * 1'000'000 + 5) + "'"))
+    EXPECT_EQ(text, FirstLineOf("date -u -d @" + std::to_string(seconds) + " '+%Y-%m-%d %u %j " +
+                                std::to_string(of_day * 1'000'000 + 5) + "'"))
         << seconds;
   }
 }
