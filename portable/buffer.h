@@ -27,8 +27,11 @@ class Buffer : public Data {
   }
 };
 
-// Copies as much as fits and advances both.
+// Copies as much as fits and advances both; of a plain range there is only the output to advance.
 GATOTU_API Buffer& operator<<(Buffer& destination, ConstBuffer& source);
+GATOTU_API Buffer& operator<<(Buffer& destination, ConstData source);
+// Without this the cursor would be written to as a plain range, and stay where it is.
+GATOTU_API Buffer& operator<<(Buffer& destination, ConstData source);
 
 // An area to write into and how far it has been written. The area outlives it.
 class BufferMaster {

@@ -1,7 +1,6 @@
 #include "portable/make_numeral.h"
 
 #include "portable/ascii.h"
-#include "portable/buffer.h"
 #include "portable/rope.h"
 
 namespace {
@@ -45,9 +44,7 @@ ConstDataOfCapacity<11> MakeAsciiSignedDecimalNumeral(std::int32_t value,
   bool const is_negative = value < 0;
   ConstDataOfCapacity<10> const digits =
       MakeAsciiDecimalNumeral(is_negative ? 0 - bits : bits, min_digits);
-  BufferOfSize<11> text;
-  text.Cursor() << ConstData(is_negative ? "-" : "") << ConstData(digits);
-  return ConstDataOfCapacity<11>(text.Used());
+  return ConstDataOfCapacity<11>(ConstData(is_negative ? "-" : "") + digits);
 }
 
 ConstDataOfCapacity<21> MakeAsciiSignedDecimalNumeral64(long long value, unsigned long min_digits) {

@@ -105,14 +105,12 @@ void StackBase::FreePiece(Piece* piece) { ::operator delete(piece); }
 FiniteStackBase::FiniteStackBase(void* area, unsigned long size, unsigned long element_size)
     : start_(static_cast<unsigned char*>(area)),
       element_size_(element_size),
-      top_(size == 0 ? start_ : std::max(start_, AlignDown(start_ + size))) {
+      top_(start_ + size / element_size * element_size) {
   assert(element_size > 0);
 }
 
 void* FiniteStackBase::Allocate(unsigned long size) {
-  if (size > element_size_ || static_cast<unsigned long>(top_ - start_) < element_size_) {
-    throw StackFull();
-  }
+  if (size > element_size_ || top_ == start_) throw StackFull();
   top_ -= element_size_;
   ++count_;
   return top_;

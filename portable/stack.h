@@ -54,7 +54,7 @@ class GATOTU_API StackBase {
   Piece* const initial_;  // the caller's; null if too small for a header
 };
 
-// The same in one area of the caller's.
+// The same in one area of the caller's: as many elements as it has room for, aligned as it is.
 class GATOTU_API FiniteStackBase {
  public:
   FiniteStackBase(void* area, unsigned long size, unsigned long element_size);
