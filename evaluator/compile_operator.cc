@@ -15,9 +15,15 @@ OperatorEntry const* Compiler::FindOperator(int code, TypeEntry const& left, Typ
 
 void Compiler::ReportOperands(SyntaxNode const& node, std::string_view sign, Typed const& left,
                               Typed const& right) {
+  // `process -1` is a difference, which the eye does not see.
+  std::vector<std::string> notes;
+  if (sign == "-" && node.children[1]->kind == SyntaxKind::kInteger) {
+    notes.push_back("a negative parameter stands in parentheses");
+  }
   diagnostics_.Report("operator-mismatch", node.span,
                       "\"" + std::string(sign) + "\" does not take " +
-                          left.type->NameWithArticle() + " and " + right.type->NameWithArticle());
+                          left.type->NameWithArticle() + " and " + right.type->NameWithArticle(),
+                      {}, std::move(notes));
 }
 
 Compiler::Typed Compiler::CompileOperator(SyntaxNode const& node, int code, bool swaps) {

@@ -12,9 +12,12 @@ constexpr std::uint32_t Code(char const (&text)[5]) {
   return code;
 }
 
+// A selector that this machine gives no answer to though its sources answered: said to the
+// observer, who would otherwise see sources without a fault and no answer.
 Absence Undefined(std::uint32_t selector, std::string where = {}) {
   std::string source = "Gestalt ";
   for (int shift = 24; shift >= 0; shift -= 8) source += static_cast<char>(selector >> shift);
+  Announce(where.empty() ? source : source + " (" + where + ")", Outcome::kNotSupported);
   return {Outcome::kNotSupported, std::move(source), std::move(where)};
 }
 
@@ -54,7 +57,7 @@ Fact<GestaltResponse> SystemArchitecture(Machine const& machine) {
     case Architecture::kOther:
       break;
   }
-  return Undefined(Code("sysa"), "processor");
+  return Undefined(Code("sysa"), "no code for this processor");
 }
 
 // The upper half of the processor version register (its values are in the processors' user manuals)
@@ -74,14 +77,14 @@ Fact<GestaltResponse> ProcessorCode(Machine const& machine, std::uint32_t select
   Fact<Architecture> const kind = machine.Processors().Kind();
   if (!kind) return kind.absence();
   if (*kind == Architecture::kX86) return Code("ixxx");
-  if (*kind != Architecture::kPowerPC) return Undefined(selector, "processor");
+  if (*kind != Architecture::kPowerPC) return Undefined(selector, "no code for this processor");
   Fact<std::uint32_t> const version = machine.Processors().PowerPCVersion();
   if (!version) return version.absence();
   auto const* row = std::lower_bound(
       std::begin(kPowerPCCodes), std::end(kPowerPCCodes), *version >> 16,
       [](PowerPCCode const& left, std::uint32_t right) { return left.version < right; });
   if (row == std::end(kPowerPCCodes) || row->version != *version >> 16) {
-    return Undefined(selector, "processor version");
+    return Undefined(selector, "no code for this processor version");
   }
   return row->code;
 }
@@ -138,9 +141,7 @@ Fact<GestaltResponse> DerivedGestalt::Response(std::uint32_t selector) const {
   for (Row const& row : kRows) {
     if (row.selector == selector) return row.respond(machine_);
   }
-  Absence absence = Undefined(selector);
-  Announce(absence.source, absence.reason);
-  return absence;
+  return Undefined(selector);
 }
 
 }  // namespace machine
