@@ -15,9 +15,9 @@ void Require(bool condition, char const* text, unsigned line) {
   std::abort();
 }
 
-// Any result but -1 is success, whatever `errno` says.
 int ReadProcessTable(kinfo_proc* list, std::size_t* bytes) {
-  return BSD::sysctl(kAllProcesses, 3, list, bytes, nullptr, 0) == -1 ? errno : 0;
+  int const result = BSD::sysctl(kAllProcesses, 3, list, bytes, nullptr, 0);
+  return result == -1 ? errno : result;
 }
 
 // One that needs more room than there was at the count is read again.

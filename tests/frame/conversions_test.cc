@@ -6,6 +6,7 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "frame/combine.h"
 #include "frame/inspector_strings.h"
@@ -149,27 +150,22 @@ TEST_F(Conversions, BytesAreWrappedOrCopied) {
 TEST_F(Conversions, PackedVersionsAreReadFieldByField) {
   struct {
     std::uint32_t packed;
-    int major, minor, bug_fix, stage, revision;
+    std::vector<int> fields;
   } const cases[] = {
-      {0x10208000, 10, 2, 0, 0x80, 0},
-      {0x12000000, 12, 0, 0, 0, 0},
-      {0x02305012, 2, 3, 0, 0x50, 0x12},
-      {0xFFFFFFFF, 165, 15, 15, 0xFF, 0xFF},
+      {0x10208000, {10, 2, 0, 0x80, 0}},
+      {0x12000000, {12, 0, 0, 0, 0}},
+      {0x02305012, {2, 3, 0, 0x50, 0x12}},
+      {0xFFFFFFFF, {165, 15, 15, 0xFF, 0xFF}},
   };
-  for (auto const& row : cases) {
-    inspector_version const version = MacintoshPlatform::inspector_version(row.packed);
-    EXPECT_EQ(version.major, row.major);
-    EXPECT_EQ(version.minor, row.minor);
-    EXPECT_EQ(version.bug_fix, row.bug_fix);
-    EXPECT_EQ(version.stage, row.stage);
-    EXPECT_EQ(version.non_release_revision, row.revision);
-    EXPECT_EQ(ConstData(version.text).Length(), 0u);
+  for (auto const& [packed, fields] : cases) {
+    inspector_version const version = MacintoshPlatform::inspector_version(packed);
+    EXPECT_THAT(fields, testing::ElementsAre(version.major, version.minor, version.bug_fix,
+                                             version.stage, version.non_release_revision));
+    EXPECT_TRUE(ConstData(version.text).IsEmpty());
   }
 }
 
-TEST_F(Conversions, CodesHaveTheirFirstCharacterOnTop) {
-  EXPECT_EQ(Combine(0x41, 0x50, 0x50, 0x4C), 0x4150504Cu);
-  EXPECT_EQ(Combine(0xFF, 0, 0, 1), 0xFF000001u);
-}
+static_assert(Combine(0x41, 0x50, 0x50, 0x4C) == 0x4150504C);
+static_assert(Combine(0xFF, 0, 0, 1) == 0xFF000001);
 
 }  // namespace

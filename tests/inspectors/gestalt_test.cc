@@ -1,10 +1,12 @@
 // Computer, memory, processors and Gestalt, asked through what they register.
 #include "inspectors/system/gestalt.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "evaluator/plugin/exceptions.h"
 #include "inspectors/system/computer.h"
@@ -82,18 +84,14 @@ TEST_F(SystemInspectors, FlagsOfGestalt) {
 
 TEST_F(SystemInspectors, VersionsOfGestalt) {
   machine_->gestalt = {{"qd  ", 0x0230u}, {"romv", 0xFFFF077Du}, {"nreg", 0x12345678u}};
-  auto const expect = [](char const* phrase, int major, int minor, int bug_fix, int stage,
-                         int revision) {
+  auto const fields = [](char const* phrase) {
     inspector_version const version = Ask<inspector_version>(phrase);
-    EXPECT_EQ(version.major, major) << phrase;
-    EXPECT_EQ(version.minor, minor) << phrase;
-    EXPECT_EQ(version.bug_fix, bug_fix) << phrase;
-    EXPECT_EQ(version.stage, stage) << phrase;
-    EXPECT_EQ(version.non_release_revision, revision) << phrase;
+    return std::vector<int>{version.major, version.minor, version.bug_fix, version.stage,
+                            version.non_release_revision};
   };
-  expect("quickdraw version", 2, 3, 0, 0, 0);
-  expect("rom version", 7, 7, 13, 0, 0);
-  expect("name registry version", 12, 3, 4, 0x56, 0x78);
+  EXPECT_THAT(fields("quickdraw version"), testing::ElementsAre(2, 3, 0, 0, 0));
+  EXPECT_THAT(fields("rom version"), testing::ElementsAre(7, 7, 13, 0, 0));
+  EXPECT_THAT(fields("name registry version"), testing::ElementsAre(12, 3, 4, 0x56, 0x78));
 }
 
 TEST_F(SystemInspectors, GestaltItselfExtendsTheSign) {

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cerrno>
 #include <memory>
 #include <string>
 #include <vector>
@@ -103,14 +102,6 @@ TEST_F(Processes, TheBootTimeIsZeroWhereNobodyTellsIt) {
   EXPECT_EQ(BootSecondsSince1970(), 0);
   machine_->boot_seconds = 1'700'000'000;
   EXPECT_EQ(BootSecondsSince1970(), 1'700'000'000);
-}
-
-TEST_F(Processes, TheListSaysWhyItFailed) {
-  kinfo_proc* list = nullptr;
-  std::size_t count = 1;
-  machine_->reason = machine::Outcome::kPermissionRefused;
-  EXPECT_EQ(GetBSDProcessList(&list, &count), EACCES);
-  EXPECT_EQ(list, nullptr);
 }
 
 using ProcessesDeathTest = Processes;

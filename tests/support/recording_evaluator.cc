@@ -7,9 +7,20 @@ namespace {
 
 std::string Text(char const* text) { return text == nullptr ? "(null)" : text; }
 
-bool Record(RecordedRegistration registration) {
-  RecordingEvaluator::Instance().registered.push_back(std::move(registration));
-  return true;
+RecordedRegistration& Record(char const* call, void* handle, unsigned long reserved,
+                             void const* context) {
+  auto& registered = RecordingEvaluator::Instance().registered;
+  registered.push_back({.call = call, .handle = handle, .reserved = reserved, .context = context});
+  return registered.back();
+}
+
+// The names of a property, cast or operator.
+void SetNames(RecordedRegistration& registration, std::string const& name,
+              std::string const& parameter, std::string const& object, std::string const& result) {
+  registration.name = name;
+  registration.parameter = parameter;
+  registration.object = object;
+  registration.result = result;
 }
 
 bool RecordWithdrawal(char const* call, void* handle) {
@@ -20,7 +31,7 @@ bool RecordWithdrawal(char const* call, void* handle) {
 }  // namespace
 
 RecordingEvaluator& RecordingEvaluator::Instance() {
-  static auto* const instance = new RecordingEvaluator;
+  static auto* const instance = std::make_unique<RecordingEvaluator>().release();
   return *instance;
 }
 
@@ -69,31 +80,24 @@ RawStorage::RawStorage(unsigned long size)
 bool Register_Type(void* handle, unsigned long reserved, char const* type_name,
                    unsigned long value_size, InspectorDestroy destroy, char const* base_type_name,
                    int fingerprinting) {
-  return Record({.call = "Type",
-                 .handle = handle,
-                 .reserved = reserved,
-                 .name = type_name,
-                 .object = Text(base_type_name),
-                 .size = value_size,
-                 .fingerprinting = fingerprinting,
-                 .destroy = destroy});
+  RecordedRegistration& type = Record("Type", handle, reserved, nullptr);
+  SetNames(type, type_name, "", Text(base_type_name), "");
+  type.size = value_size;
+  type.destroy = destroy;
+  type.fingerprinting = fingerprinting;
+  return true;
 }
 
 bool Register_Property(void* handle, unsigned long reserved, char const* singular,
                        char const* plural, char const* parameter_type,
                        char const* direct_object_type, char const* result_type, InspectorGet get,
                        void const* context, FingerprintFunction fingerprint) {
-  return Record({.call = "Property",
-                 .handle = handle,
-                 .reserved = reserved,
-                 .name = singular,
-                 .plural = Text(plural),
-                 .parameter = parameter_type,
-                 .object = direct_object_type,
-                 .result = result_type,
-                 .get = get,
-                 .context = context,
-                 .fingerprint = fingerprint});
+  RecordedRegistration& property = Record("Property", handle, reserved, context);
+  SetNames(property, singular, parameter_type, direct_object_type, result_type);
+  property.plural = Text(plural);
+  property.get = get;
+  property.fingerprint = fingerprint;
+  return true;
 }
 
 bool Register_Iterated_Property(void* handle, unsigned long reserved, char const* singular,
@@ -102,60 +106,43 @@ bool Register_Iterated_Property(void* handle, unsigned long reserved, char const
                                 unsigned long state_size, InspectorConstruct construct,
                                 InspectorDestroy destroy, InspectorGet first, InspectorGet next,
                                 void const* context, FingerprintFunction fingerprint) {
-  return Record({.call = "Iterated_Property",
-                 .handle = handle,
-                 .reserved = reserved,
-                 .name = singular,
-                 .plural = Text(plural),
-                 .parameter = parameter_type,
-                 .object = direct_object_type,
-                 .result = result_type,
-                 .size = state_size,
-                 .construct = construct,
-                 .destroy = destroy,
-                 .get = first,
-                 .next = next,
-                 .context = context,
-                 .fingerprint = fingerprint});
+  RecordedRegistration& property = Record("Iterated_Property", handle, reserved, context);
+  SetNames(property, singular, parameter_type, direct_object_type, result_type);
+  property.plural = Text(plural);
+  property.size = state_size;
+  property.construct = construct;
+  property.destroy = destroy;
+  property.get = first;
+  property.next = next;
+  property.fingerprint = fingerprint;
+  return true;
 }
 
 bool Register_Cast(void* handle, unsigned long reserved, char const* cast_name,
                    char const* source_type, char const* result_type, InspectorCast cast,
                    void const* context, FingerprintFunction fingerprint) {
-  return Record({.call = "Cast",
-                 .handle = handle,
-                 .reserved = reserved,
-                 .name = cast_name,
-                 .object = source_type,
-                 .result = result_type,
-                 .cast = cast,
-                 .context = context,
-                 .fingerprint = fingerprint});
+  RecordedRegistration& registration = Record("Cast", handle, reserved, context);
+  SetNames(registration, cast_name, "", source_type, result_type);
+  registration.cast = cast;
+  registration.fingerprint = fingerprint;
+  return true;
 }
 
 bool Register_Binary_Operator(void* handle, unsigned long reserved, int operator_code,
                               char const* left_type, char const* right_type,
                               char const* result_type, InspectorOperator apply, void const* context,
                               FingerprintFunction fingerprint) {
-  return Record({.call = "Binary_Operator",
-                 .handle = handle,
-                 .reserved = reserved,
-                 .name = std::to_string(operator_code),
-                 .parameter = right_type,
-                 .object = left_type,
-                 .result = result_type,
-                 .apply = apply,
-                 .context = context,
-                 .fingerprint = fingerprint});
+  RecordedRegistration& registration = Record("Binary_Operator", handle, reserved, context);
+  SetNames(registration, std::to_string(operator_code), right_type, left_type, result_type);
+  registration.apply = apply;
+  registration.fingerprint = fingerprint;
+  return true;
 }
 
 bool Register_Cache(void* handle, unsigned long reserved, InspectorCacheClear clear,
                     void* context) {
-  return Record({.call = "Cache",
-                 .handle = handle,
-                 .reserved = reserved,
-                 .clear = clear,
-                 .context = context});
+  Record("Cache", handle, reserved, context).clear = clear;
+  return true;
 }
 
 bool Unregister_Type(void* handle) { return RecordWithdrawal("Type", handle); }
