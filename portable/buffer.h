@@ -27,9 +27,8 @@ class Buffer : public Data {
   }
 };
 
-// Copies as much as fits and advances both; of a plain range there is only the output to advance.
+// Copies as much as fits and advances both.
 GATOTU_API Buffer& operator<<(Buffer& destination, ConstBuffer& source);
-GATOTU_API Buffer& operator<<(Buffer& destination, ConstData source);
 // Without this the cursor would be written to as a plain range, and stay where it is.
 GATOTU_API Buffer& operator<<(Buffer& destination, ConstData source);
 

@@ -15,11 +15,6 @@ Buffer& operator<<(Buffer& destination, ConstData source) {
   return destination << cursor;
 }
 
-Buffer& operator<<(Buffer& destination, ConstData source) {
-  ConstBuffer cursor(source);
-  return destination << cursor;
-}
-
 unsigned long TotalLength(ConstDataRopeReference rope) {
   unsigned long total = 0;
   for (ConstData piece : rope) total += piece.Length();

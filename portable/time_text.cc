@@ -11,6 +11,12 @@ namespace {
 constexpr std::int64_t kMicroseconds = 1'000'000;
 constexpr std::int64_t kDay = 86'400 * kMicroseconds;
 
+constexpr std::int64_t StartOfYear(int year) {
+  return std::chrono::sys_days(std::chrono::year(year) / 1 / 1).time_since_epoch().count() * kDay;
+}
+constexpr std::int64_t kFirstMoment = StartOfYear(1);
+constexpr std::int64_t kPastLastMoment = StartOfYear(10000);
+
 // Reads the fields of a text from left to right. Once something did not fit, nothing does.
 class FieldReader {
  public:
@@ -102,14 +108,16 @@ std::int64_t ReadOffset(FieldReader& reader) {
 std::optional<TimeText> TimeToText(Instant time, std::int32_t offset_seconds) {
   using namespace std::chrono;
   std::int32_t minutes = offset_seconds / 60;
+  if (std::abs(minutes) >= 24 * 60) return std::nullopt;
   std::int64_t local = 0;
   if (__builtin_add_overflow(time.microseconds, minutes * 60 * kMicroseconds, &local)) {
     return std::nullopt;
   }
+  // Before there is a date: its year has 16 bits, and those of further times would wrap around.
+  if (local < kFirstMoment || local >= kPastLastMoment) return std::nullopt;
   sys_time<microseconds> point{microseconds(local)};
   auto day = floor<days>(point);
   year_month_day date(day);
-  if (date.year() < year(1) || date.year() > year(9999)) return std::nullopt;
   std::int64_t rest = (point - day).count();
   int offset = std::abs(minutes);
   char text[64];

@@ -12,7 +12,8 @@ using TimeText = ConstDataOfCapacity<32>;
 
 // Always with six digits of fraction and the offset, in seconds east of Greenwich; an offset that
 // is no whole number of minutes, as zones had before there was a standard time, is cut to one.
-// Nothing outside of the years 0001 to 9999 of that offset, which have no such text.
+// Nothing outside of the years 0001 to 9999 of that offset, or for an offset of a day and more:
+// these have no such text.
 GATOTU_API std::optional<TimeText> TimeToText(Instant time, std::int32_t offset_seconds);
 
 // Takes a fraction of any length, or none (what is finer than a microsecond is cut off), "Z" or an

@@ -1,0 +1,241 @@
+#include "portable/const_data.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "portable/buffer.h"
+#include "portable/const_data_of_capacity.h"
+#include "portable/data_filter.h"
+#include "portable/rope.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+std::vector<std::string> Strings(std::vector<ConstData> const& pieces) {
+  std::vector<std::string> strings;
+  for (ConstData piece : pieces) strings.push_back(MakeString(piece));
+  return strings;
+}
+
+// An area whose bytes are '.' until something is written.
+struct Area {
+  unsigned char bytes[6] = {'.', '.', '.', '.', '.', '.'};
+
+  Data Room(unsigned long length) { return Data(bytes, length); }
+  std::string Text() const { return MakeString(ConstData(bytes, sizeof bytes)); }
+};
+
+TEST(ConstData, FindsTheLeftmostOccurrence) {
+  struct {
+    char const* text;
+    char const* pattern;
+    long position;
+  } const rows[] = {{"abcabc", "bc", 1}, {"abc", "abc", 0}, {"aab", "ab", 1},
+                    {"abc", "c", 2},     {"abc", "", -1},   {"", "", -1},
+                    {"", "a", -1},       {"ab", "abc", -1}, {"abc", "x", -1}};
+  for (auto const& row : rows) {
+    SCOPED_TRACE(std::string(row.text) + " / " + row.pattern);
+    EXPECT_EQ(ConstData(row.text).PositionOf(ConstData(row.pattern)), row.position);
+    EXPECT_EQ(ConstData(row.text).Contains(ConstData(row.pattern)), row.position != -1);
+  }
+  EXPECT_EQ(ConstData("a\xFFz").PositionOf(static_cast<unsigned char>(0xFF)), 1);
+  EXPECT_FALSE(ConstData().Contains(static_cast<unsigned char>('a')));
+}
+
+TEST(ConstData, PositionsDoNotOverlap) {
+  auto const positions = [](char const* text, char const* pattern) {
+    return ConstData(text).PositionsOf(ConstData(pattern));
+  };
+  EXPECT_THAT(positions("aaaa", "aa"), ElementsAre(0, 2));
+  EXPECT_THAT(positions("aaa", "aa"), ElementsAre(0));
+  EXPECT_THAT(positions("xaaxaa", "aa"), ElementsAre(1, 4));
+  EXPECT_THAT(positions("aa", ""), IsEmpty());
+  EXPECT_THAT(positions("a", "aa"), IsEmpty());
+}
+
+TEST(ConstData, ComparesEnds) {
+  ConstData const text("abc");
+  for (char const* start : {"", "a", "abc"}) EXPECT_TRUE(text.StartsWith(start)) << start;
+  for (char const* start : {"b", "abcd"}) EXPECT_FALSE(text.StartsWith(start)) << start;
+  for (char const* end : {"", "c", "abc"}) EXPECT_TRUE(text.EndsWith(end)) << end;
+  for (char const* end : {"b", "xabc"}) EXPECT_FALSE(text.EndsWith(end)) << end;
+  EXPECT_TRUE(ConstData().StartsWith(ConstData()));
+}
+
+TEST(ConstData, Orders) {
+  struct {
+    char const* left;
+    char const* right;
+    int order;
+    int reversed;
+  } const rows[] = {{"ab", "abc", -1, -1}, {"bc", "abc", 1, -1}, {"", "", 0, 0},  {"", "a", -1, -1},
+                    {"ba", "ab", 1, -1},   {"\xFF", "a", 1, 1},  {"a", "a", 0, 0}};
+  for (auto const& row : rows) {
+    SCOPED_TRACE(std::string(row.left) + " / " + row.right);
+    ConstData const left(row.left);
+    ConstData const right(row.right);
+    EXPECT_EQ(Compare(left, right), row.order);
+    EXPECT_EQ(Compare(right, left), -row.order);
+    EXPECT_EQ(Compare(ConstCString(row.left), right), row.order);
+    EXPECT_EQ(Compare(ConstCString(row.left), ConstCString(row.right)), row.order);
+    EXPECT_EQ(CompareReversed(left, right), row.reversed);
+    EXPECT_EQ(CompareReversed(right, left), -row.reversed);
+    EXPECT_EQ(left < right, row.order < 0);
+    EXPECT_EQ(left == right, row.order == 0);
+  }
+}
+
+TEST(Split, TellsPiecesApart) {
+  struct {
+    char const* text;
+    char const* separator;
+    bool trim;
+    std::vector<std::string> full;
+    std::vector<std::string> all;
+  } const rows[] = {
+      {"a,,b", ",", false, {"a", "b"}, {"a", "", "b"}},
+      {" a , b ", ",", true, {"a", "b"}, {"a", "b"}},
+      {" a , b ", ",", false, {" a ", " b "}, {" a ", " b "}},
+      {"a,b,", ",", false, {"a", "b"}, {"a", "b", ""}},
+      {",", ",", false, {}, {"", ""}},
+      {"a, ,b", ",", true, {"a", "b"}, {"a", "", "b"}},
+      {"a::b:::c", "::", false, {"a", "b", ":c"}, {"a", "b", ":c"}},
+      {"", ",", false, {""}, {""}},
+      {"", "", true, {""}, {""}},
+      {"abc", "", false, {"abc"}, {"abc"}},
+      {" a ", ",", true, {"a"}, {"a"}},
+      {"  ", "long", true, {""}, {""}},
+  };
+  for (auto const& row : rows) {
+    SCOPED_TRACE(row.text);
+    ConstData const text(row.text);
+    EXPECT_EQ(Strings(text.Split(row.separator, row.trim, false)), row.full);
+    EXPECT_EQ(Strings(text.Split(row.separator, row.trim, true)), row.all);
+  }
+}
+
+TEST(TrimAsciiWhitespace, StopsAtWhatIsNotWhite) {
+  auto const trimmed = [](ConstData data) { return MakeString(TrimAsciiWhitespace(data)); };
+  EXPECT_EQ(trimmed("\t\n\r a b \r\n"), "a b");
+  EXPECT_EQ(trimmed("\v a \f"), "\v a \f");
+  EXPECT_EQ(trimmed(" \xA0 a \x80 "), "\xA0 a \x80");
+  EXPECT_EQ(trimmed(" \t"), "");
+  EXPECT_EQ(trimmed(ConstData()), "");
+}
+
+TEST(Data, CopiesWhatFits) {
+  Area area;
+  EXPECT_EQ(MakeString(ConstData("abcdef") >> area.Room(4)), "ef");
+  EXPECT_EQ(area.Text(), "abcd..");
+  EXPECT_EQ((area.Room(6) << ConstData("xy")).begin, area.bytes + 2);
+  EXPECT_EQ(area.Text(), "xycd..");
+  EXPECT_TRUE((area.Room(1) << ConstData("long")).IsEmpty());
+  EXPECT_TRUE((Data() << ConstData("a")).IsEmpty());
+
+  Area overlapping;
+  overlapping.Room(6) << ConstData("abcdef");
+  Data(overlapping.bytes + 1, 5ul) << ConstData(overlapping.bytes, 5ul);
+  EXPECT_EQ(overlapping.Text(), "aabcde");
+}
+
+TEST(Data, RefusesAnIndexPastTheEnd) {
+  Area area;
+  EXPECT_EQ(area.Room(2)[1], '.');
+  EXPECT_THROW(area.Room(2)[2], DataOverflow);
+  EXPECT_THROW(Data()[0], DataOverflow);
+}
+
+TEST(Buffer, AdvancesBothCursors) {
+  BufferOfSize<5> output;
+  ConstBuffer input(ConstData("abcdefg"));
+  EXPECT_EQ(input.Get(), 'a');
+  output.Cursor().Put('>');
+  output.Cursor() << input;
+  EXPECT_EQ(MakeString(output.Used()), ">bcde");
+  EXPECT_EQ(MakeString(input), "fg");
+  EXPECT_THROW(output.Cursor().Put('x'), DataOverflow);
+  output.Reset();
+  EXPECT_TRUE(output.Used().IsEmpty());
+  output.Cursor() << input;
+  EXPECT_EQ(MakeString(output.Used()), "fg");
+  EXPECT_TRUE(input.IsEmpty());
+}
+
+TEST(Rope, JoinsItsPiecesInOrder) {
+  auto const rope = ConstData("ab") + ConstData() + ConstData("cde");
+  EXPECT_EQ(rope.end() - rope.begin(), 3);
+  EXPECT_EQ(TotalLength(rope), 5u);
+  EXPECT_EQ(MakeString(rope), "abcde");
+  EXPECT_EQ(MakeString(ConstDataRope<1>(ConstData("x"))), "x");
+
+  Area area;
+  EXPECT_EQ((area.Room(6) << rope).begin, area.bytes + 5);
+  EXPECT_EQ(area.Text(), "abcde.");
+  BufferOfSize<4> small;
+  small.Cursor() << rope;
+  EXPECT_EQ(MakeString(small.Used()), "abcd");
+}
+
+TEST(ConstDataOfCapacity, HoldsUpToItsCapacity) {
+  static_assert(std::is_trivially_copyable_v<ConstDataOfCapacity<48>>);
+  ConstDataOfCapacity<5> const full(ConstData("abcde"));
+  EXPECT_EQ(MakeString(full), "abcde");
+  EXPECT_STREQ(full.Text(), "abcde");
+  EXPECT_EQ(ConstData(ConstDataOfCapacity<5>()).Length(), 0u);
+  EXPECT_THROW(ConstDataOfCapacity<5>(ConstData("abcdef")), ConstDataCapacityExceeded);
+
+  std::string const eleven(11, 'x');
+  EXPECT_THROW(ConstDataOfCapacity<21>(ConstData(eleven) + ConstData(eleven)),
+               ConstDataCapacityExceeded);
+  EXPECT_EQ(ConstDataOfCapacity<21>(ConstData("-") + ConstData(eleven)).Length(), 12u);
+}
+
+// Holds the last byte back until it is flushed.
+class DelayingFilter : public DataFilter {
+ public:
+  using DataFilter::operator();
+  void operator()(ConstBuffer& input, Buffer& output) override {
+    ++calls;
+    while (!input.IsEmpty() && !output.IsEmpty()) {
+      if (held_ != 0) output.Put(held_);
+      held_ = input.Get();
+    }
+  }
+  void Flush(Buffer& output) override {
+    output.Put(held_);
+    held_ = 0;
+  }
+  bool Flushed() const override { return held_ == 0; }
+
+  int calls = 0;
+
+ private:
+  unsigned char held_ = 0;
+};
+
+TEST(DataFilter, PassesPlainRangesToTheTransformation) {
+  DelayingFilter filter;
+  Area area;
+  Buffer output(area.Room(6));
+  ConstBuffer input(ConstData("cd"));
+  filter(ConstData("ab"), output);
+  EXPECT_EQ(output.begin, area.bytes + 1);
+  filter(input, Data(output.begin, output.end));
+  EXPECT_TRUE(input.IsEmpty());
+  EXPECT_FALSE(filter.Flushed());
+  EXPECT_EQ(area.Text(), "abc...");
+  EXPECT_EQ(filter.calls, 2);
+
+  filter(ConstData(), output);
+  filter(ConstData("x"), Data());
+  filter(input, area.Room(6));
+  EXPECT_EQ(filter.calls, 2);
+}
+
+}  // namespace
