@@ -90,8 +90,14 @@ Stringy& Stringy::operator+=(char addition) {
 
 int Stringy::Compare(char const* other) const {
   bool const other_is_empty = IsEmptyText(other);
-  if (IsEmpty() || other_is_empty) return (other_is_empty ? 1 : 0) - (IsEmpty() ? 1 : 0);
+  if (IsEmpty() || other_is_empty) return other_is_empty - IsEmpty();
   return std::strcmp(text, other);
+}
+
+int Stringy::Compare(Stringy const& other) const {
+  // By the size: a text that begins with a NUL is not empty.
+  if (IsEmpty() || other.IsEmpty()) return other.IsEmpty() - IsEmpty();
+  return std::strcmp(text, other.text);
 }
 
 int Stringy::CompareNoCase(char const* other) const { return CompareIgnoreCase(text, other); }

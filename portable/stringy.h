@@ -50,7 +50,7 @@ class GATOTU_API Stringy {
 
   // Up to the first NUL; empty strings come first and are equal.
   int Compare(char const* other) const;
-  int Compare(Stringy const& other) const { return Compare(other.text); }
+  int Compare(Stringy const& other) const;
   // In upper case; the null string comes before the empty one.
   int CompareNoCase(char const* other) const;
   int CompareNoCase(Stringy const& other) const { return CompareNoCase(other.text); }

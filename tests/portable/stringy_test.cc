@@ -106,6 +106,7 @@ TEST(Stringy, Appends) {
 TEST(Stringy, Compares) {
   EXPECT_EQ(Stringy().Compare(Stringy("")), 0);
   EXPECT_EQ(Stringy().Compare("a"), -1);
+  EXPECT_EQ(Stringy("").Compare(Stringy("\0a", 2ul)), -1);
   EXPECT_EQ(Stringy("a").Compare(Stringy()), 1);
   EXPECT_LT(Stringy("B"), Stringy("a"));
   EXPECT_GT(Stringy("\xFF"), "a");
