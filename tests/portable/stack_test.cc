@@ -88,4 +88,14 @@ TEST(FiniteStack, GivesBackWhatItTook) {
   EXPECT_THROW(FiniteStackBase(nullptr, 0, 16).Allocate(16), StackFull);
 }
 
+TEST(FiniteStack, HoldsWhatItsAreaHasRoomFor) {
+  alignas(std::max_align_t) unsigned char area[80];
+  for (unsigned long element_size : {1, 4, 8, 24}) {
+    FiniteStackBase stack(area + 8, 72, element_size);
+    for (unsigned long i = 0; i < 72 / element_size; ++i) stack.Allocate(element_size);
+    EXPECT_EQ(stack.Top(), area + 8);
+    EXPECT_THROW(stack.Allocate(element_size), StackFull);
+  }
+}
+
 }  // namespace
