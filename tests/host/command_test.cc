@@ -25,6 +25,8 @@ struct Case {
   int status;
 };
 
+std::ostream& operator<<(std::ostream& out, Case const& each) { return out << each.name; }
+
 class Command : public testing::TestWithParam<Case> {};
 
 TEST_P(Command, Answers) {

@@ -1,6 +1,9 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/child_process.h"
@@ -58,6 +61,9 @@ TEST(TimeLimit, EndsALongScan) {
 
 // `script` gives the command a terminal.
 TEST(Prompt, EndsTheExpressionOnly) {
+  int const terminal = ::posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0) GTEST_SKIP() << "no terminals on this machine";
+  ::close(terminal);
   Launch launch;
   launch.program = "script";
   launch.arguments = {"-qec", std::string(GATOTU_COMMAND) + " --time-limit 100ms", "/dev/null"};
