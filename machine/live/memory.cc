@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <optional>
 
 #include "machine/live/sources.h"
 #include "machine/live/text.h"
@@ -16,18 +17,20 @@ std::uint64_t Little(std::string_view bytes, std::size_t at, std::size_t size) {
 }
 
 // A memory device of the DMI tables (type 17): the size is at byte 12, in megabytes or, with the
-// top bit, kilobytes; large ones are at byte 28. An empty socket and an unknown size give 0.
-std::uint64_t BytesOfDevice(std::string_view device) {
-  if (device.size() < 14) return 0;
+// top bit, kilobytes; large ones are at byte 28. 0 is an empty socket, nothing an unknown size.
+std::optional<std::uint64_t> BytesOfDevice(std::string_view device) {
+  if (device.size() < 14) return {};
   std::uint64_t const size = Little(device, 12, 2);
-  if (size == 0xffff) return 0;
+  if (size == 0xffff) return {};
   if (size == 0x7fff) {
-    return device.size() < 32 ? 0 : (Little(device, 28, 4) & 0x7fffffff) * kMegabyte;
+    if (device.size() < 32) return {};
+    return (Little(device, 28, 4) & 0x7fffffff) * kMegabyte;
   }
   return (size & 0x7fff) * ((size & 0x8000) != 0 ? kKilobyte : kMegabyte);
 }
 
-// Walks the structures: type, length, handle, fields; then texts, ended by two NULs.
+// Walks the structures: type, length, handle, fields; then texts, ended by two NULs. 0 where the
+// size of one device is unknown: the others alone would pass for all of the memory.
 std::uint64_t BytesOfDevices(std::string_view table) {
   constexpr unsigned char kMemoryDevice = 17, kEndOfTable = 127;
   std::uint64_t sum = 0;
@@ -35,7 +38,11 @@ std::uint64_t BytesOfDevices(std::string_view table) {
     auto const type = static_cast<unsigned char>(table[0]);
     auto const length = static_cast<unsigned char>(table[1]);
     if (length < 4 || length > table.size() || type == kEndOfTable) break;
-    if (type == kMemoryDevice) sum += BytesOfDevice(table.substr(0, length));
+    if (type == kMemoryDevice) {
+      std::optional<std::uint64_t> const bytes = BytesOfDevice(table.substr(0, length));
+      if (!bytes) return 0;
+      sum += *bytes;
+    }
     std::size_t const end = table.find(std::string_view("\0\0", 2), length);
     if (end == std::string_view::npos) break;
     table.remove_prefix(end + 2);

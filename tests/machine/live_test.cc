@@ -45,10 +45,13 @@ TEST(Memory, AsksTheFirmwareThenTheBlocksThenTheKernel) {
     return fields + std::string("A\0B\0\0", 5);
   };
   std::string const other("\0\4\0\0\0\0", 6);
-  tree.Write("/sys/firmware/dmi/tables/DMI", other + device(4096, 0) + device(0, 0) +
-                                                 device(0x7fff, 65536) + device(0x8400, 0) +
-                                                 device(0xffff, 0));
+  std::string const devices =
+      other + device(4096, 0) + device(0, 0) + device(0x7fff, 65536) + device(0x8400, 0);
+  tree.Write("/sys/firmware/dmi/tables/DMI", devices);
   EXPECT_EQ(bytes().value(), (4096ull + 65536 + 1) << 20);
+  constexpr int kUnknownSize = 0xffff;
+  tree.Write("/sys/firmware/dmi/tables/DMI", devices + device(kUnknownSize, 0));
+  EXPECT_EQ(bytes().value(), 2u << 27);
   tree.Write("/sys/firmware/dmi/tables/DMI", std::string("\x11\xff\0\0", 4));
   EXPECT_EQ(bytes().value(), 2u << 27);
 }
