@@ -30,7 +30,7 @@ integer Ratio(hertz const& left, hertz const& right) {
 boolean Less(hertz const& left, hertz const& right) { return left.count < right.count; }
 
 // The number alone, as the evaluator shows a frequency.
-inspector_string HertzAsString(hertz const& frequency) { return WriteNumber(frequency.count); }
+inspector_string HertzAsString(hertz const& frequency) { return WriteDecimal(frequency.count); }
 integer HertzAsInteger(hertz const& frequency) { return frequency.count; }
 hertz IntegerAsHertz(integer const& count) { return {count}; }
 

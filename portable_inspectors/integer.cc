@@ -27,10 +27,10 @@ integer Modulo(integer const& left, integer const& right) { return CheckedRemain
 boolean Less(integer const& left, integer const& right) { return left < right; }
 
 integer IntegerAsInteger(integer const& number) { return number; }
-inspector_string IntegerAsString(integer const& number) { return WriteNumber(number); }
+inspector_string IntegerAsString(integer const& number) { return WriteDecimal(number); }
 // The two's complement of a negative number.
 inspector_string IntegerAsHexadecimal(integer const& number) {
-  return WriteNumber(static_cast<std::uint64_t>(number), 16);
+  return WriteHexadecimal(static_cast<std::uint64_t>(number));
 }
 
 inspector_string BooleanAsString(boolean const& value) {

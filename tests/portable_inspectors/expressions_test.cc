@@ -87,7 +87,9 @@ INSTANTIATE_TEST_SUITE_P(
         {R"("ffffffffffffffff" as hexadecimal)", "-1"},
         {R"("10000000000000000" as hexadecimal)", "no such object"},
         {R"("0x" as hexadecimal)", "no such object"},
-        {R"(255 as hexadecimal)", "ff"},
+        {R"((0 as string) & "," & (-9223372036854775808 as string))", "0,-9223372036854775808"},
+        {R"((0 as hexadecimal) & "," & (255 as hexadecimal) & "," & (-1 as hexadecimal))",
+         "0,ff,ffffffffffffffff"},
         {R"(("true" as boolean) = (not ("false" as boolean)))", "true"},
         {R"("yes" as boolean)", "no such object"},
     }));
