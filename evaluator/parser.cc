@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 #include <string>
+#include <utility>
 
 #include "evaluator/aggregate_words.h"
 #include "evaluator/comparison_words.h"
@@ -202,19 +203,21 @@ class Parser {
   }
 
   SyntaxNode* ParseChain(SyntaxNode* (Parser::*operand)(), int (Parser::*operator_here)() const) {
+    std::size_t outside = std::exchange(links_, 0);
     SyntaxNode* left = (this->*operand)();
-    std::size_t links = 1;
     while (left != nullptr) {
       int code = (this->*operator_here)();
-      if (code == 0) return left;
-      if (IsChainTooLong(++links)) return nullptr;
+      if (code == 0) break;
+      std::size_t links_of_left = std::exchange(links_, 0);
       SyntaxNode* node = tree_.Add(SyntaxKind::kArithmetic, tokens_.Take().span);
       node->operator_code = code;
       SyntaxNode* right = (this->*operand)();
-      if (right == nullptr) return nullptr;
+      links_ = std::max(links_of_left, links_) + 1;
+      if (right == nullptr || IsChainTooLong(links_ + 1)) return nullptr;
       node->children = {left, right};
       left = node;
     }
+    links_ = std::max(outside, links_);
     return left;
   }
 
@@ -229,9 +232,10 @@ class Parser {
   }
 
   SyntaxNode* ParseCast() {
+    std::size_t outside = std::exchange(links_, 0);
     SyntaxNode* operand = ParseSign();
-    for (std::size_t links = 1; operand != nullptr && tokens_.TakeReserved(ReservedWord::kAs);) {
-      if (IsChainTooLong(++links)) return nullptr;
+    while (operand != nullptr && tokens_.TakeReserved(ReservedWord::kAs)) {
+      if (IsChainTooLong(++links_ + 1)) return nullptr;
       std::size_t words = CountCastWords();
       if (words == 0) return Fail("expected-cast", "expected the name of a cast behind \"as\"");
       SyntaxNode* node = tree_.Add(SyntaxKind::kCast, tokens_.SpanAhead(words));
@@ -240,6 +244,7 @@ class Parser {
       node->children = {operand};
       operand = node;
     }
+    links_ = std::max(outside, links_);
     return operand;
   }
 
@@ -275,13 +280,13 @@ class Parser {
     std::vector<SyntaxNode*> chain;
     int depth = depth_;
     do {
-      ++depth_;
       SyntaxNode* head = IsTooDeep() ? nullptr : ParseHead();
       if (head == nullptr) {
         depth_ = depth;
         return nullptr;
       }
       chain.push_back(head);
+      ++depth_;
     } while (tokens_.TakeReserved(ReservedWord::kOf));
     depth_ = depth;
     SyntaxNode* object = nullptr;
@@ -462,7 +467,10 @@ class Parser {
   VocabularyIndex const& vocabulary_;
   Diagnostics& diagnostics_;
   SyntaxTree& tree_;
-  int depth_ = 0;
+  int depth_ = -1;  // the expression as a whole is no nesting
+  // The links of chains on the deepest way down what the rule at work has parsed so far: chains
+  // lean to the left, so one that begins with another in parentheses deepens it.
+  std::size_t links_ = 0;
 };
 
 }  // namespace

@@ -9,7 +9,8 @@
 
 namespace gatotu {
 
-// Deeper nesting, and longer chains of one operator, are refused: evaluation recurses.
+// Deeper nesting, and longer chains of operators (those of a first operand in parentheses counted),
+// are refused: evaluation recurses.
 inline constexpr int kMaxNesting = 256;
 inline constexpr int kMaxChain = 1000;
 inline constexpr std::size_t kMaxText = std::size_t{1} << 20;

@@ -27,9 +27,9 @@ TEST(Limits, NestingBeyond256LevelsIsRefused) {
       return Repeat(nest.before, depth) + nest.inside + Repeat(nest.behind, depth);
     };
     if (nest.answer != nullptr) {
-      EXPECT_EQ(Answer(nested(60)), nest.answer) << nest.before;
+      EXPECT_EQ(Answer(nested(256)), nest.answer) << nest.before;
     }
-    for (std::size_t const depth : {300, 5000, 20000}) {
+    for (std::size_t const depth : {257, 5000, 20000}) {
       auto const diagnostics = gatotu::Check(nested(depth));
       ASSERT_FALSE(diagnostics.empty()) << nest.before << depth;
       EXPECT_EQ(diagnostics[0].code, "nesting-too-deep") << nest.before << depth;
@@ -48,6 +48,20 @@ TEST(Limits, ChainsOfOneOperatorAreNotDeep) {
     if (compilation.expression != nullptr) AnswerOf(*compilation.expression);
     EXPECT_LE(compilation.diagnostics.size(), 20u) << link;
   }
+}
+
+TEST(Limits, ChainsWithinChainsDoNotAddUp) {
+  for (char const* link : {" + 1", " - build number", " as string as integer", " | 1", ";1"}) {
+    std::string text = "1";
+    for (int i = 0; i < 100; ++i) text = "(" + text + ")" + Repeat(link, 400);
+    auto const compilation = gatotu::Compile(text);
+    if (compilation.expression != nullptr) {
+      AnswerOf(*compilation.expression);
+    } else {
+      EXPECT_EQ(compilation.diagnostics[0].code, "chain-too-long") << link;
+    }
+  }
+  EXPECT_EQ(Answer("(1" + Repeat(" + 1", 900) + ") + (1" + Repeat(" + 1", 900) + ")"), "1802");
 }
 
 TEST(Limits, TextsOverOneMebibyteAreRefused) {
