@@ -37,3 +37,10 @@ std::string WriteMoment(moment time) {
   std::int32_t const offset = OrNoSuchObject(ZoneOffsetAt(AsInstant(time)));
   return MakeString(OrNoSuchObject(TimeToText(AsInstant(time), offset)));
 }
+
+std::string WriteUniversalMoment(moment time) {
+  constexpr std::string_view kNoOffset = "+00:00";
+  std::string text = MakeString(OrNoSuchObject(TimeToText(AsInstant(time), 0)));
+  text.replace(text.size() - kNoOffset.size(), kNoOffset.size(), "Z");
+  return text;
+}

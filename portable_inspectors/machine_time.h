@@ -16,7 +16,8 @@ time_interval StandardZoneOffset();
 // "Europe/Berlin".
 std::string ZoneName();
 
-// RFC 3339, written in local time with six digits and the offset. `NoSuchObject` for a text that
-// is no time and for a time that has no such text.
+// RFC 3339, written in local time with six digits and the offset, or in universal time with "Z".
+// `NoSuchObject` for a text that is no time and for a time that has no such text.
 moment ReadMoment(std::string_view text);
 std::string WriteMoment(moment time);
+std::string WriteUniversalMoment(moment time);

@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <string_view>
 
-#include "evaluator/plugin/exceptions.h"
 #include "frame/registration.h"
 #include "portable_inspectors/calendar_time.h"
 #include "portable_inspectors/machine_time.h"
@@ -82,16 +81,7 @@ Text Date(CalendarTime const& time) {
 }
 
 // Like the cast to "string", but in universal time, wherever the machine is.
-Text TimeAsUniversalString(moment const& time) {
-  CalendarTime const parts = CalendarTimeAt(time, time_interval());
-  if (parts.year < 0 || parts.year > 9999) throw NoSuchObject();
-  char text[80];
-  int const length = std::snprintf(
-      text, sizeof(text), "%04d-%02d-%02dT%02d:%02d:%02d.%06dZ", static_cast<int>(parts.year),
-      parts.month, parts.day, static_cast<int>(HourOf(parts)), static_cast<int>(MinuteOf(parts)),
-      static_cast<int>(SecondOf(parts)), static_cast<int>(MicrosecondOf(parts)));
-  return CopyText({text, static_cast<std::size_t>(length)});
-}
+Text TimeAsUniversalString(moment const& time) { return CopyText(WriteUniversalMoment(time)); }
 
 PartProperties<integer, YearOf> year("year", "years", "universal year", "universal years");
 PartProperties<integer, MonthOf> month("month", "months", "universal month", "universal months");

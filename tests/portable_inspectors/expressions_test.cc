@@ -163,6 +163,7 @@ INSTANTIATE_TEST_SUITE_P(
              of (unix epoch + 1709251199 * second + 7 * microsecond))",
          "2024-02-29, Thursday, February, 60, 23, 7"},
         {R"((unix epoch - microsecond) as universal string)", "1969-12-31T23:59:59.999999Z"},
+        {R"((time "0001-01-01T00:00:00Z" - microsecond) as universal string)", "no such object"},
         {R"(universal time_of_day of unix epoch)", "00:00:00.000000"},
         {R"((now as string) as time <= now)", "true"},
         {R"(exists ("2024-13-01T00:00:00Z" as time))", "false"},
