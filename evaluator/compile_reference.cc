@@ -133,13 +133,20 @@ void Compiler::ReportMisplacedCondition(SyntaxNode const& node) {
     auto const* uses = vocabulary_.FindPhrase(outer->text);
     if (uses == nullptr || outer->condition != nullptr) continue;
     for (PhraseUse const& use : *uses) {
-      if (!use.is_plural) continue;
+      if (!use.is_plural || !ConditionFits(*node.condition, *use.property->result)) continue;
       diagnostics_.Report("misplaced-whose", node.span,
                           "\"whose\" filters what stands just before it, here \"" + node.text + '"',
                           outer->text + " whose (...) of " + node.text);
       return;
     }
   }
+}
+
+bool Compiler::ConditionFits(SyntaxNode const& condition, TypeEntry const& type) {
+  Diagnostics unheard{{}};
+  Compiler trial(vocabulary_, types_, layout_, unheard);
+  Typed typed = trial.CompileBound(condition, types_.Of(type), layout_.Reserve(sizeof(void*)));
+  return trial.RequireBoolean(typed, condition.span) && unheard.IsEmpty();
 }
 
 SyntaxNode const* Compiler::Enclosing(SyntaxNode const& node) const {

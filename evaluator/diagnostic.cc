@@ -91,9 +91,13 @@ std::string Render(Diagnostic const& diagnostic, std::string_view text) {
   std::string out = "error: " + Shown(diagnostic.message) + '\n';
   AppendMarkedLine(out, diagnostic.position, text);
   if (!diagnostic.suggestion.empty()) {
-    out += "  did you mean \"" + Shown(diagnostic.suggestion) + "\"?\n";
+    out += "  did you mean \"" + Shown(diagnostic.suggestion) + "\"?";
+    out += diagnostic.notes.empty() ? '\n' : ' ';
   }
-  for (std::string const& note : diagnostic.notes) out += "  " + Shown(note) + '\n';
+  for (std::size_t i = 0; i < diagnostic.notes.size(); ++i) {
+    bool follows_suggestion = i == 0 && !diagnostic.suggestion.empty();
+    out += (follows_suggestion ? "" : "  ") + Shown(diagnostic.notes[i]) + '\n';
+  }
   return out;
 }
 

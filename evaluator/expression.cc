@@ -22,8 +22,8 @@ bool CompileInto(Expression::Program& program, Purpose purpose, Diagnostics& dia
       CompileSyntax(*tree.root, *program.vocabulary, program.types, program.layout, diagnostics);
   if (program.plan == nullptr) return false;
   program.type = MakeValueType(*program.plan->type);
-  program.shower.emplace(*program.plan->type, program.type, purpose == Purpose::kShow,
-                         *program.vocabulary, program.layout, program.plan->span, diagnostics);
+  program.shower.emplace(*program.plan, program.type, purpose == Purpose::kShow,
+                         *program.vocabulary, program.layout, diagnostics);
   return diagnostics.IsEmpty();
 }
 

@@ -94,6 +94,7 @@ class Compiler {
   // `names of files of folder "/etc" whose (size of it = 0)`: the condition was meant for the
   // files.
   void ReportMisplacedCondition(SyntaxNode const& node);
+  bool ConditionFits(SyntaxNode const& condition, TypeEntry const& type);
   SyntaxNode const* Enclosing(SyntaxNode const& node) const;
 
   // ---- The language's own

@@ -3,6 +3,7 @@
 #include <charconv>
 #include <string>
 
+#include "evaluator/grammar_plans.h"
 #include "evaluator/property_finder.h"
 
 namespace gatotu {
@@ -14,19 +15,33 @@ std::string_view AsView(inspector_string const& string) {
   return {reinterpret_cast<char const*>(string.start), string.length};
 }
 
-}  // namespace
-
-ValueShower::ValueShower(StaticType const& type, ValueType const& value_type, bool is_shown,
-                         VocabularyIndex const& vocabulary, FrameLayout& layout, Span span,
-                         Diagnostics& diagnostics)
-    : is_shown_(is_shown), span_(span) {
-  nodes_.emplace_back();
-  AddNode(0, type, value_type, vocabulary, layout, diagnostics);
+// Where the values of a plan are written: of a collection, its first part.
+Plan const* PlanOfValues(Plan const* plan) {
+  while (plan != nullptr && dynamic_cast<CollectionPlan const*>(plan) != nullptr) {
+    plan = static_cast<CollectionPlan const*>(plan)->children[0].get();
+  }
+  return plan;
 }
 
-void ValueShower::AddNode(std::size_t index, StaticType const& type, ValueType const& value_type,
-                          VocabularyIndex const& vocabulary, FrameLayout& layout,
-                          Diagnostics& diagnostics) {
+// The part of the expression that is a member of the tuple, when it is written as one.
+Plan const* PlanOfMember(Plan const* plan, std::size_t index) {
+  auto const* tuple = dynamic_cast<TuplePlan const*>(plan);
+  return tuple != nullptr ? PlanOfValues(tuple->children[index].get()) : nullptr;
+}
+
+}  // namespace
+
+ValueShower::ValueShower(Plan const& plan, ValueType const& value_type, bool is_shown,
+                         VocabularyIndex const& vocabulary, FrameLayout& layout,
+                         Diagnostics& diagnostics)
+    : is_shown_(is_shown), span_(plan.span) {
+  nodes_.emplace_back();
+  AddNode(0, PlanOfValues(&plan), *plan.type, value_type, vocabulary, layout, diagnostics);
+}
+
+void ValueShower::AddNode(std::size_t index, Plan const* plan, StaticType const& type,
+                          ValueType const& value_type, VocabularyIndex const& vocabulary,
+                          FrameLayout& layout, Diagnostics& diagnostics) {
   Node node;
   node.type = &value_type;
   node.slot = layout.Reserve(kTextRoom);
@@ -36,16 +51,16 @@ void ValueShower::AddNode(std::size_t index, StaticType const& type, ValueType c
   if (is_shown_ && value_type.kind == ValueType::Kind::kObject) {
     node.cast = vocabulary.FindCast(*type.entry, "string");
     if (node.cast == nullptr || node.cast->result != &vocabulary.String()) {
-      std::string name = type.NameWithArticle();
-      diagnostics.Report("not-showable", span_,
-                         name + " cannot be shown as text; ask for a property of it", {},
-                         {PropertyFinder(vocabulary, diagnostics).DescribeProperties(*type.entry)});
+      diagnostics.Report(
+          "not-showable", plan != nullptr ? plan->span : span_,
+          type.NameWithArticle() + " cannot be shown as text; ask for a property of it", {},
+          {PropertyFinder(vocabulary, diagnostics).DescribeProperties(*type.entry)});
     }
   }
   nodes_[index] = node;
   for (std::size_t i = 0; i < node.member_count; ++i) {
-    AddNode(node.first_member + i, *type.members[i], value_type.members[i], vocabulary, layout,
-            diagnostics);
+    AddNode(node.first_member + i, PlanOfMember(plan, i), *type.members[i], value_type.members[i],
+            vocabulary, layout, diagnostics);
   }
 }
 

@@ -99,8 +99,8 @@ TEST(Diagnostics, TellWhatCanBeAsked) {
             "error: a book has no property \"lable\"\n"
             "  lable of book 1 of shelf 1\n"
             "  ^~~~~\n"
-            "  did you mean \"label\"?\n"
-            "  a book has: label, page count, title, weight (as: string)\n");
+            "  did you mean \"label\"? "
+            "a book has: label, page count, title, weight (as: string)\n");
 }
 
 TEST(Diagnostics, PointAtTheFailingPhraseOfAnEvaluation) {
