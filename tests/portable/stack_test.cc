@@ -15,7 +15,6 @@ struct Element {
 Element* Push(StackBase& stack, std::uint64_t value) {
   return new (stack.Allocate()) Element{{value, value, value}};
 }
-
 std::uint64_t TopOf(StackBase const& stack) {
   return static_cast<Element const*>(stack.Top())->values[2];
 }
