@@ -40,6 +40,7 @@ TEST(Stringy, IsMadeOfTextsAndNumbers) {
     assigned = text;
     EXPECT_EQ(Shown(assigned), shown);
   }
+  EXPECT_EQ(Stringy("a\0b", 3ul)[2], 'b');
   // Refused before a byte is read.
   EXPECT_THROW(Stringy("a", 0xFFFFFFFFul), StringyLengthTooLong);
   EXPECT_THROW(Stringy("a", ~0ul), StringyLengthTooLong);
