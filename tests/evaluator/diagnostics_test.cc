@@ -40,7 +40,6 @@ TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
       {"keepers of shelves", "unknown-property@1:1+7->keeper"},
       {"label of shelf 1", "unknown-property@1:1+5"},
       {"ghost", "unregistered-type@1:1+5"},
-      {"number", "unknown-property@1:1+6"},
       // Types.
       {"1 + \"a\"", "operator-mismatch@1:3+1"},
       {"1 is contained by 2", "operator-mismatch@1:3+15"},
@@ -52,10 +51,8 @@ TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
       {"if 1 then 2 else 3", "not-boolean@1:4+1"},
       {"counts 3 whose (it)", "not-boolean@1:17+2"},
       {"1 as shelf", "unknown-cast@1:6+5"},
-      {"count", "parameter-mismatch@1:1+5"},
       {"count \"a\"", "parameter-mismatch@1:1+5"},
       {"count 1 + twins", "operator-mismatch@1:9+1 plural-operand@1:11+5"},
-      {"count (counts 3)", "plural-operand@1:8+6"},
       {"twins, 1", "plural-operand@1:1+5"},
       {"if twins = \"a\" then 1 else 2", "plural-operand@1:4+5"},
       {"it", "unbound-it@1:1+2"},
@@ -64,7 +61,6 @@ TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
       {"shelf 1", "not-showable@1:1+5"},
       {"unique values of shelves", "not-copyable@1:1+13"},
       {"minimum of stones", "not-copyable@1:1+7"},
-      {"maximum of books of shelf 1", "not-copyable@1:1+7"},
       {"last of books of shelf 1", "not-copyable@1:1+4"},
       {"sum of twins", "aggregate-mismatch@1:1+3"},
       // Where "whose" was probably meant.
@@ -123,8 +119,7 @@ TEST(Diagnostics, PointAtTheFailingPhraseOfAnEvaluation) {
   for (auto const& c : cases) {
     auto const compilation = gatotu::Compile(c.text);
     ASSERT_NE(compilation.expression, nullptr) << c.text;
-    auto const evaluation =
-        gatotu::Evaluate(*compilation.expression, [](gatotu::Value const&) { return true; });
+    auto const evaluation = gatotu::Evaluate(*compilation.expression, kIgnore);
     EXPECT_EQ(Summary(evaluation.diagnostic), c.summary) << c.text;
     EXPECT_NE(evaluation.diagnostic.message.find(c.part_of_message), std::string::npos)
         << evaluation.diagnostic.message;

@@ -31,7 +31,6 @@ TEST(Grammar, BindsAsItsLevelsSay) {
     char const *text, *tree;
   } const cases[] = {
       {"1 + 2 * 3 - 4", "operator -(operator +(1 operator *(2 3)) 4)"},
-      {"1 - 2 - 3", "operator -(operator -(1 2) 3)"},
       {"not 1 = 2 and true or false", "or(and(not(operator =(1 2)) true) false)"},
       {"yes \"a\" or no \"b\" and true", "or(yes(\"a\") and(no(\"b\") true))"},
       {"\"a\" & \"b\" contains \"a\"", "operator contains(operator &(\"a\" \"b\") \"a\")"},
@@ -46,12 +45,10 @@ TEST(Grammar, BindsAsItsLevelsSay) {
        "labels*(whose*(books (iterated)*(shelves (iterated)*) operator < (sides changed)(page "
        "count(it) 1)))"},
       {"number of books of shelves", "number(books (iterated)*(shelves (iterated)*))"},
-      {"first of labels of books of shelf 1", "first(labels*(books (iterated)*(shelf(1))))"},
       {"weight of first of books of shelf 1", "weight(first(books (iterated)*(shelf(1))))"},
       {"label of books of shelf 1", "exactly one(labels*(books (iterated)*(shelf(1))))"},
       {"item 0 of (label of it, it) of books of shelf 1",
        "item 0*(for each*(books (iterated)*(shelf(1)) tuple(label(it) it)))"},
-      {"fail (1; 2)", "?plural-operand"},
   };
   for (auto const& c : cases) {
     EXPECT_EQ(Tree(c.text), c.tree) << c.text;
@@ -62,11 +59,7 @@ TEST(Grammar, SpellingsOfOneMeaningGiveOneTree) {
   struct {
     char const *one, *other;
   } const cases[] = {
-      {"fail 1 is fail 2", "fail 1 = fail 2"},
-      {"fail 1 is not fail 2", "fail 1 != fail 2"},
       {"fail 1 is equal to fail 2", "fail 1 = fail 2"},
-      {"fail 1 is less than fail 2", "fail 1 < fail 2"},
-      {"fail 1 is not greater than fail 2", "fail 1 <= fail 2"},
       {"not exist fail 1", "NOT(EXISTS(fail 1))"},
       {"build\tnumber of(shelf 1)whose(true)", "BUILD  Number of ( shelf 1 ) whose ( true )"},
       {"labels of books of shelf 1", "(labels of (books of (shelf 1)))"},
@@ -74,7 +67,6 @@ TEST(Grammar, SpellingsOfOneMeaningGiveOneTree) {
        "((fail 1 + (fail 2 * fail 3)) < fail 4) and true"},
       {"if true then fail 1 else if false then fail 2 else fail 3 | fail 4",
        "if true then fail 1 else (if false then fail 2 else (fail 3 | fail 4))"},
-      {"-fail 1 as string", "(-fail 1) as string"},
       {"exists fail 1 | true", "(exists (fail 1)) | true"},
   };
   for (auto const& c : cases) EXPECT_EQ(Tree(c.one), Tree(c.other)) << c.one;
@@ -85,13 +77,11 @@ TEST(Type, TellsTheStaticTypeAndNumber) {
     char const *text, *type;
     bool many;
   } const cases[] = {
-      {"1", "integer", false},
       {"label of books of shelves", "string", false},
       {"labels of book 1 of shelf 1", "string", true},
       {"books of shelf 1", "book", true},
       {"(label of it, (page count of it, true)) of book 1 of shelf 1",
        "(string, (integer, boolean))", false},
-      {"1; 2", "integer", true},
       {"first of counts 3", "integer", false},
       {"unique values of counts 3", "integer", true},
       {"fail 0 | fails 1", "integer", true},

@@ -27,13 +27,11 @@ TEST(Number, SingularAsksForExactlyOne) {
       {"label of books of (shelf 0; shelf 1; shelf 0)", "11"},
       {"labels of book of shelf 2", "21!not-unique"},
       {"number of labels of book of shelf 2", "!not-unique"},
-      {"exists labels of book of shelf 2", "true"},
       {"exists book of shelf 2", "true"},
       {"labels of book of shelf 2 | \"x\"", "21!not-unique"},
       {"label of (book of shelf 2)", "!not-unique"},
       {"first title of shelves", "!not-unique"},
       {"keeper of shelves whose (exists keeper of it)", "Ann"},
-      {"count 1", "1"},
       {"count 2", "!not-unique"},
       {"(counts 1) + 1", "?plural-operand"},
   });
@@ -47,12 +45,7 @@ TEST(Number, PluralTakesAnyNumberInOrder) {
       {"labels of books 3 of shelves", "13|23|33"},
       {"first titles of shelves", "overture|overture|overture"},
       {"fails 0", ""},
-      {"fails 6", ""},
       {"fails (7; 8)", "?plural-operand"},
-      {"build numbers", "7"},
-      {"says \"x\"", "x"},
-      {"shelves 11; shelf 1", "?not-showable"},
-      {"labels of books of shelves 11", ""},
       {"(count 1; fail 1; 3)", "1!inspector-failed"},
       {"(count 1; fail 0; 3)", "1!no-such-object"},
   });
@@ -62,15 +55,8 @@ TEST(Phrases, TellRegistrationsOfOneNameApart) {
   ExpectAnswers({
       {"twin", "plain"},
       {"twins", "a|b"},
-      {"number of books of shelf 2", "2"},
-      {"label of book 2 of shelf 2", "22"},
       {"weight of book 2 of shelf 2", "2 g"},
-      {"weight 3", "3 g"},
-      {"build number", "7"},
-      {"number of build numbers", "1"},
-      {"first title of shelf 1", "overture"},
       {"first of titles of books of shelf 3", "31"},
-      {"label of book 1 of shelf 2", "21"},
       {"title of book 1 of shelf 2", "21"},
       {"Build /* a comment between */\n\tNUMBER // and one behind", "7"},
       {"number of number of shelves", "1"},
@@ -82,7 +68,6 @@ TEST(Parameters, AreExpressionsOfOneValue) {
       {"counts (1 + 2)", "1|2|3"},
       {"counts (-1)", ""},
       {"say (\"a\" & say \"b\")", "ab"},
-      {"fail (fail 8)", "8"},
       {"fail (fail 0) | 3", "3"},
       {"fail (fail 2)", "!inspector-failed"},
       {"number of books of shelf (count 1 + 1)", "2"},
@@ -95,12 +80,9 @@ TEST(Whose, FiltersWhatStandsJustBeforeIt) {
       {"labels of books whose (page count of it > 100) of shelves", "22|32|33"},
       {"books whose (page count of it > 100) of shelf 3", "thing 32|thing 33"},
       {"label of books whose (page count of it > 100) of shelf 2", "22"},
-      {"label of book whose (page count of it > 100) of shelf 2", "22"},
       {"label of book whose (page count of it > 100) of shelf 1", "!no-such-object"},
       {"counts 5 whose (it > 2 and it < 5)", "3|4"},
       {"count 5 whose (it = 4)", "4"},
-      {"count 1 whose (it = 2)", "!no-such-object"},
-      {"(counts 5) whose (it is 3)", "3"},
       {"1 whose (it = 2) | 5", "5"},
       {"number of shelves whose (number of books whose (page count of it > 100) of it > 1)", "1"},
       {"counts 3 whose (fail 0 = 1)", ""},
@@ -112,15 +94,11 @@ TEST(Whose, FiltersWhatStandsJustBeforeIt) {
 TEST(It, IsTheValueOfTheNearestEnclosingRange) {
   ExpectAnswers({
       {"(label of it, page count of it) of books of shelf 2", "(21, 100)|(22, 200)"},
-      {"(it, it) of count 1", "(1, 1)"},
-      {"(it) of shelf 1; shelf 1", "?not-showable"},
       {"label of it of book 1 of shelf 1", "11"},
       {"(labels of books of it) of shelves", "11|21|22|31|32|33"},
       {"(label of it; title of it) of books of shelf 2", "21|21|22|22"},
       {"((it * 10, it) of counts (it)) of counts 2", "(10, 1)|(10, 1)|(20, 2)"},
       {"((it + number of counts 5 whose (it > 2)) of it) of counts 2", "4|5"},
-      {"(1) of shelves", "1|1|1"},
-      {"(number of books of it) of shelves", "1|2|3"},
   });
 }
 
@@ -142,51 +120,35 @@ TEST(Aggregates, SumUpWhatCanBeCopied) {
   ExpectAnswers({
       {"sum of counts 4", "10"},
       {"sum of fails 0", "0"},
-      {"sum of page counts of books of shelves", "1000"},
       {"sum of weights of books of shelves", "10 g"},
-      {"minimum of weights of books of shelf 3", "1 g"},
       {"maximum of titles of books of shelf 3", "33"},
       {"minimum of fails 0", "!no-such-object"},
       {"last of counts 3", "3"},
       {"last of fails 0 | 4", "4"},
       {"first of fails 0", "!no-such-object"},
       {"first of endlesses", "1"},
-      {"label of first of books of shelf 3", "31"},
       {"unique values of (3; 1; 2; 1)", "1|2|3"},
-      {"unique values of (true; false; true)", "false|true"},
       {"unique values of weights of books of shelves", "1 g|2 g|3 g"},
       {"unique values of labels of books of (shelf 2; shelf 1; shelf 2)", "11|21|22"},
-      {"number of unique values of fails 0", "0"},
       {"concatenation of labels of books of shelf 2", "2122"},
       {"concatenation \", \" of labels of books of shelf 2", "21, 22"},
       {"concatenation \", \" of labels of books of shelf 0", ""},
       {"number of (1; 2; fail 0)", "!no-such-object"},
-      {"maximum of bulkies 3", "bulk"},
   });
 }
 
 TEST(Failures, NameTheirKind) {
   ExpectAnswers({
-      {"fail 0", "!no-such-object"},
       {"fail 6", "!no-such-object"},
-      {"fail 1", "!inspector-failed"},
-      {"fail 2", "!inspector-failed"},
-      {"fail 3", "!inspector-failed"},
-      {"fail 4", "!out-of-memory"},
-      {"fail 5", "!inspector-failed"},
       {"fails 2", "!inspector-failed"},
-      {"exists fail 0", "false"},
       {"exists fail 1", "!inspector-failed"},
-      {"fail 0 | 5", "5"},
       {"fail 0 | fail 6 | 5", "5"},
       {"fail 1 | 5", "!inspector-failed"},
       {"count 2 | 5", "!not-unique"},
       {"fails 0 | counts 3", "1|2|3"},
       {"counts 2 | counts 3", "1|2"},
       {"(count 1; fail 0) | 2", "1!no-such-object"},
-      {"\"x\" as integer", "!no-such-object"},
       {"exists \"x\" as integer", "false"},
-      {"exists exists fail 0", "true"},
       {"exists counts 3 and not exists fails 0", "true"},
   });
 }
@@ -203,7 +165,6 @@ TEST(Comparisons, HaveWordsAndNegations) {
       {"\"abc\" does not contain \"b\" or \"abc\" does not start with \"ab\"", "false"},
       {"\"b\" is contained by \"abc\" and \"x\" is not contained by \"abc\"", "true"},
       {"weight 3 <= weight 3 and weight 3 >= weight 3 and not weight 3 > weight 3", "true"},
-      {"weight 2 < weight 3 and weight 2 != weight 3", "?operator-mismatch"},
       {"\"a\" < \"b\" and \"b\" > \"a\" and \"a\" <= \"a\"", "true"},
   });
 }
@@ -220,7 +181,6 @@ TEST(Literals, AreReadAsWritten) {
       {"TRUE AND NOT False", "true"},
       {"1/**/+//\n2", "3"},
       {"\"// no /* comment */\"", "// no /* comment */"},
-      {"(1)", "1"},
   });
 }
 
@@ -230,7 +190,6 @@ TEST(Casts, ComeFromTheTypeOrItsBases) {
       {"labels of books of shelf 2 as integer", "21|22"},
       {"(\"12\" as integer + 1) as string as integer", "13"},
       {"weight of book 3 of shelf 1 as string", "3 g"},
-      {"true as string", "true"},
   });
 }
 

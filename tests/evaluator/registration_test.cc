@@ -1,8 +1,10 @@
 // Coming and going registrations, and the list of them.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
+#include <string>
+#include <vector>
 
 #include "tests/evaluator/test_vocabulary.h"
 
@@ -13,24 +15,26 @@ constexpr InspectorGet kSeven = [](void* result, void const*, void const*, void*
   return true;
 };
 
-bool RegisterSeven(Registration& registration, char const* plural = "sevens") {
-  return registration.Property("seven", plural, "", "", "integer", kSeven);
+bool RegisterSeven(Registration& registration, char const* name = "seven",
+                   char const* plural = "sevens") {
+  return registration.Property(name, plural, "", "integer", kSeven);
 }
 
 TEST(Registration, RefusesTooSmallABlockAndASecondTime) {
   alignas(std::max_align_t) static unsigned char block[512];
+  auto const property = [](char const* name, unsigned long reserved) {
+    return Register_Property(block, reserved, name, "", "", "", "integer", kSeven, nullptr,
+                             nullptr);
+  };
   EXPECT_FALSE(Register_Type(block, 16, "pebble", 8, nullptr, "", 0));
   EXPECT_FALSE(Register_Cache(
       block, 16, [](Instant&, void*) {}, nullptr));
-  EXPECT_FALSE(
-      Register_Property(block, 16, "seven", "", "", "", "integer", kSeven, nullptr, nullptr));
+  EXPECT_FALSE(property("seven", 16));
   EXPECT_EQ(Answer("seven"), "?unknown-property");
   EXPECT_FALSE(Unregister_Property(block)) << "never registered";
 
-  EXPECT_TRUE(
-      Register_Property(block, 128, "seven", "", "", "", "integer", kSeven, nullptr, nullptr));
-  EXPECT_FALSE(
-      Register_Property(block, 128, "eight", "", "", "", "integer", kSeven, nullptr, nullptr));
+  EXPECT_TRUE(property("seven", 128));
+  EXPECT_FALSE(property("eight", 128));
   EXPECT_EQ(Answer("seven"), "7");
   EXPECT_EQ(Answer("eight"), "?unknown-property");
   EXPECT_FALSE(Unregister_Type(block)) << "it is a property";
@@ -44,12 +48,13 @@ TEST(Registration, MayBeWithdrawnInAnyOrder) {
     int sequence[] = {0, 1, 2};
     for (int i = 0; i < order; ++i) std::next_permutation(sequence, sequence + 3);
     Registration registrations[3];
-    EXPECT_TRUE(registrations[0].Property("pebble", "pebbles", "", "", "pebble", kSeven));
-    EXPECT_TRUE(registrations[1].Type("pebble", 8, nullptr, "", kPlainBytes));
-    EXPECT_TRUE(registrations[2].Cast("string", "pebble", "string",
-                                      [](void* result, void const*, void const*) {
-                                        new (result) inspector_string(InspectorText("round"));
-                                      }));
+    EXPECT_TRUE(registrations[0].Property("pebble", "pebbles", "", "pebble", kSeven));
+    EXPECT_TRUE(registrations[1].Add(Register_Type, Unregister_Type, "pebble", 8, nullptr, "",
+                                     kPlainBytes));
+    EXPECT_TRUE(registrations[2].Add(
+        Register_Cast, Unregister_Cast, "string", "pebble", "string",
+        [](void* result, auto...) { new (result) inspector_string(InspectorText("round")); },
+        nullptr, nullptr));
     EXPECT_EQ(Answer("pebble"), "round");
     for (int const index : sequence) {
       EXPECT_TRUE(registrations[index].Withdraw());
@@ -62,11 +67,11 @@ TEST(Registration, LeavesCompiledExpressionsStaleOnlyWhenWithdrawn) {
   Registration first, second;
   ASSERT_TRUE(RegisterSeven(first));
   auto const expression = gatotu::Compile("seven").expression;
-  ASSERT_TRUE(second.Property("eight", "eights", "", "", "integer", kSeven));
+  ASSERT_TRUE(RegisterSeven(second, "eight", "eights"));
   EXPECT_EQ(AnswerOf(*expression), "7");
   EXPECT_EQ(Answer("eight"), "7");
   second.Withdraw();
-  auto const evaluation = gatotu::Evaluate(*expression, [](gatotu::Value const&) { return true; });
+  auto const evaluation = gatotu::Evaluate(*expression, kIgnore);
   EXPECT_EQ(evaluation.outcome, gatotu::Outcome::kStale);
   EXPECT_FALSE(evaluation.diagnostic.message.empty());
   EXPECT_EQ(expression->Text(), "seven");
@@ -85,55 +90,55 @@ TEST(Registration, DropsKeptResultsWhenWithdrawn) {
   EXPECT_EQ(ledger.known_calls, 1);
 }
 
-std::vector<gatotu::VocabularyEntry> Entries(std::string_view singular) {
-  auto entries = gatotu::Vocabulary();
-  std::erase_if(entries, [&](auto const& entry) { return entry.singular != singular; });
-  return entries;
+// The entries of this name, a line each: "kind singular/plural (parameter) of (object): result".
+std::vector<std::string> Listed(std::string_view singular) {
+  char const* const kinds[] = {"type", "property", "iterated", "cast", "operator", "cache"};
+  std::vector<std::string> listed;
+  for (auto const& entry : gatotu::Vocabulary()) {
+    if (entry.singular != singular) continue;
+    listed.push_back(kinds[static_cast<int>(entry.kind)] + (" " + entry.singular) + "/" +
+                     entry.plural + " (" + entry.parameter + ") of (" + entry.object +
+                     "): " + entry.result + (entry.depends_only_on_parameters ? " DOP" : ""));
+  }
+  return listed;
 }
 
 TEST(Vocabulary, ListsIdenticalRegistrationsOnce) {
   Registration one, same, other;
   ASSERT_TRUE(RegisterSeven(one));
   ASSERT_TRUE(RegisterSeven(same));
-  EXPECT_EQ(Entries("seven").size(), 1u);
+  EXPECT_EQ(Listed("seven").size(), 1u);
   EXPECT_EQ(Answer("seven; sevens"), "7|7");
   one.Withdraw();
-  EXPECT_EQ(Entries("seven").size(), 1u);
+  EXPECT_EQ(Listed("seven").size(), 1u);
   EXPECT_EQ(Answer("seven"), "7");
-  ASSERT_TRUE(other.Property("seven", nullptr, "string", "", "integer", kSeven));
-  EXPECT_EQ(Entries("seven").size(), 2u);
+  ASSERT_TRUE(other.Property("seven", nullptr, "string", "integer", kSeven));
+  EXPECT_EQ(Listed("seven").size(), 2u);
   EXPECT_EQ(Answer("seven + seven \"x\""), "14");
 }
 
 TEST(Vocabulary, TellsWhatWasRegistered) {
-  auto const known = Entries("known");
-  ASSERT_EQ(known.size(), 1u);
-  EXPECT_EQ(known[0].kind, gatotu::VocabularyKind::kProperty);
-  EXPECT_EQ(known[0].plural, "knowns");
-  EXPECT_EQ(known[0].parameter, "string");
-  EXPECT_EQ(known[0].object, "");
-  EXPECT_EQ(known[0].result, "string");
-  EXPECT_TRUE(known[0].depends_only_on_parameters);
-  EXPECT_NE(known[0].library.find("evaluator_test"), std::string::npos);
-
-  EXPECT_EQ(Entries("keeper").at(0).plural, "");
-  EXPECT_EQ(Entries("keeper").at(0).object, "shelf");
-  auto const twins = Entries("twin");
-  ASSERT_EQ(twins.size(), 2u);
-  EXPECT_NE(twins[0].kind, twins[1].kind) << "a plain and an iterated one";
-  auto const joins = Entries("&");
-  ASSERT_EQ(joins.size(), 1u);
-  EXPECT_EQ(joins[0].kind, gatotu::VocabularyKind::kOperator);
-  EXPECT_EQ(joins[0].object, "string");
-  EXPECT_EQ(joins[0].parameter, "string");
-  auto books = Entries("book");
-  std::erase_if(books, [](auto const& e) { return e.kind != gatotu::VocabularyKind::kType; });
-  ASSERT_EQ(books.size(), 1u);
-  EXPECT_EQ(books[0].object, "thing") << "the base of a type";
-  auto const all = gatotu::Vocabulary();
-  EXPECT_EQ(std::count_if(all.begin(), all.end(),
-                          [](auto const& e) { return e.kind == gatotu::VocabularyKind::kCache; }),
-            1);
+  struct {
+    char const* singular;
+    std::vector<std::string> listed;
+  } const cases[] = {
+      {"known", {"property known/knowns (string) of (): string DOP"}},
+      {"keeper", {"property keeper/ () of (shelf): string"}},
+      {"twin", {"property twin/twins () of (): string", "iterated twin/twins () of (): string"}},
+      {"&", {"operator &/ (string) of (string): string"}},
+      {"thing", {"type thing/ () of (): thing"}},
+      {"book",
+       {"type book/ () of (thing): book", "property book/books (integer) of (shelf): book",
+        "iterated book/books () of (shelf): book"}},
+      {"", {"cache / () of (): "}},
+  };
+  for (auto const& c : cases) {
+    EXPECT_THAT(Listed(c.singular), testing::UnorderedElementsAreArray(c.listed)) << c.singular;
+  }
+  for (auto const& entry : gatotu::Vocabulary()) {
+    if (entry.singular != "known") continue;
+    EXPECT_NE(entry.library.find("evaluator_test"), std::string::npos);
+  }
 }
 
 }  // namespace

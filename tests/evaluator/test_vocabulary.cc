@@ -3,63 +3,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <chrono>
 #include <cstring>
 #include <new>
 #include <stdexcept>
 #include <thread>
+#include <type_traits>
+
+#include "evaluator/plugin/type_name.h"
 
 Ledger ledger;
-
-Registration::~Registration() { Withdraw(); }
-
-bool Registration::Withdraw() {
-  bool const withdrawn = withdraw_ != nullptr && withdraw_(block_);
-  withdraw_ = nullptr;
-  return withdrawn;
-}
-
-bool Registration::Keep(bool registered, bool (*withdraw)(void*)) {
-  if (registered) withdraw_ = withdraw;
-  return registered;
-}
-
-bool Registration::Type(char const* name, unsigned long size, InspectorDestroy destroy,
-                        char const* base, int fingerprinting) {
-  return Keep(Register_Type(block_, 512, name, size, destroy, base, fingerprinting),
-              Unregister_Type);
-}
-bool Registration::Property(char const* singular, char const* plural, char const* parameter,
-                            char const* object, char const* result, InspectorGet get,
-                            FingerprintFunction fingerprint) {
-  return Keep(Register_Property(block_, 128, singular, plural, parameter, object, result, get,
-                                nullptr, fingerprint),
-              Unregister_Property);
-}
-bool Registration::Iterated(char const* singular, char const* plural, char const* parameter,
-                            char const* object, char const* result, unsigned long state_size,
-                            InspectorConstruct construct, InspectorDestroy destroy,
-                            InspectorGet first, InspectorGet next) {
-  return Keep(
-      Register_Iterated_Property(block_, 128, singular, plural, parameter, object, result,
-                                 state_size, construct, destroy, first, next, nullptr, nullptr),
-      Unregister_Property);
-}
-bool Registration::Cast(char const* name, char const* source, char const* result,
-                        InspectorCast cast) {
-  return Keep(Register_Cast(block_, 128, name, source, result, cast, nullptr, nullptr),
-              Unregister_Cast);
-}
-bool Registration::Operator(int code, char const* left, char const* right, char const* result,
-                            InspectorOperator apply) {
-  return Keep(
-      Register_Binary_Operator(block_, 128, code, left, right, result, apply, nullptr, nullptr),
-      Unregister_Binary_Operator);
-}
-bool Registration::Cache(InspectorCacheClear clear) {
-  return Keep(Register_Cache(block_, 64, clear, nullptr), Unregister_Cache);
-}
 
 inspector_string InspectorText(std::string_view text) {
   auto* const bytes = static_cast<unsigned char*>(Allocate_Inspector_Memory(text.size()));
@@ -79,7 +34,8 @@ struct Counter : Pinned {
 };
 
 struct Thing : Pinned {
-  Thing(integer number, Counter* iterator) : number(number), iterator(iterator) {
+  static constexpr char const* kName = "thing";
+  explicit Thing(integer number, Counter* iterator = nullptr) : number(number), iterator(iterator) {
     std::snprintf(label, sizeof label, "%d", static_cast<int>(number));
     if (iterator != nullptr) iterator->item_alive = true;
   }
@@ -91,11 +47,34 @@ struct Thing : Pinned {
   char label[8];
 };
 struct Book : Thing {
+  static constexpr char const* kName = "book";
   using Thing::Thing;
 };
 struct Shelf : Thing {
+  static constexpr char const* kName = "shelf";
   using Thing::Thing;
 };
+// Plain bytes: its grams.
+struct Weight {
+  static constexpr char const* kName = "weight";
+  integer grams;
+};
+// Cannot be shown.
+struct Stone {
+  static constexpr char const* kName = "stone";
+  integer size;
+};
+
+template <class T>
+constexpr char const* TypeName() {
+  if constexpr (std::is_void_v<T>) {
+    return "";
+  } else if constexpr (requires { T::kName; }) {
+    return T::kName;
+  } else {
+    return InspectorTypeName<T>::kName;
+  }
+}
 
 template <class T>
 void Destroy(void const* value) {
@@ -103,56 +82,97 @@ void Destroy(void const* value) {
 }
 
 template <class T>
-T const& Object(void const* object) {
-  static_cast<T const*>(object)->Check();
-  return *static_cast<T const*>(object);
+T const* Seen(void const* value) {
+  if constexpr (std::is_base_of_v<Thing, T>) static_cast<T const*>(value)->Check();
+  return static_cast<T const*>(value);
 }
 
-integer Integer(void const* value) { return *static_cast<integer const*>(value); }
-
-std::string_view Text(void const* value) {
-  auto const& text = *static_cast<inspector_string const*>(value);
+std::string_view Text(inspector_string const& text) {
   return {reinterpret_cast<char const*>(text.start), text.length};
 }
 
-template <class T>
-bool Give(void* result, T value) {
-  if (result != nullptr) new (result) T(value);
-  return true;
+// Static, so that the evaluator finds the library they belong to.
+Registration& Linked() {
+  static std::array<Registration, 64> linked;
+  static std::size_t used = 0;
+  return linked.at(used++);
 }
 
-// Gives `limit` values, made by `Make(result, n, state)`.
-template <auto Limit, auto Make>
-bool Step(void* result, void const* parameter, void const* object, void* state, void const*) {
-  if (result == nullptr) return true;
-  auto& counter = *static_cast<Counter*>(state);
-  counter.Check();
-  if (counter.item_alive) ++ledger.misused;
-  if (counter.at >= Limit(parameter, object)) throw NoSuchObject();
-  Make(result, ++counter.at, counter, object);
-  return true;
+// A property of `Object` by a `Parameter` (void: of the world, by nothing): `Value(parameter,
+// object)`.
+template <class Parameter, class Object, auto Value>
+void Plain(char const* singular, char const* plural, FingerprintFunction fingerprint = nullptr) {
+  using Result = decltype(Value(Seen<Parameter>(nullptr), Seen<Object>(nullptr)));
+  InspectorGet const get = [](void* result, void const* parameter, void const* object, void*,
+                              void const*) {
+    if (result != nullptr)
+      new (result) Result(Value(Seen<Parameter>(parameter), Seen<Object>(object)));
+    return true;
+  };
+  Linked().Add(Register_Property, Unregister_Property, singular, plural, TypeName<Parameter>(),
+               TypeName<Object>(), TypeName<Result>(), get, nullptr, fingerprint);
 }
 
-template <auto Limit, auto Make>
-bool Count(Registration& registration, char const* singular, char const* plural,
-           char const* parameter, char const* object, char const* result) {
-  return registration.Iterated(
-      singular, plural, parameter, object, result, sizeof(Counter),
-      [](void* state) { new (state) Counter; }, Destroy<Counter>, Step<Limit, Make>,
-      Step<Limit, Make>);
+// A property whose own adapter says when there is no such object.
+void Partial(char const* singular, char const* plural, char const* parameter, char const* object,
+             char const* result, InspectorGet get) {
+  Linked().Add(Register_Property, Unregister_Property, singular, plural, parameter, object, result,
+               get, nullptr, nullptr);
 }
 
-constexpr auto kParameter = [](void const* parameter, void const*) { return Integer(parameter); };
+// `Limit(parameter, object)` values, made by `Make(n, counter, object)`.
+template <class Parameter, class Object, auto Limit, auto Make>
+void Iterated(char const* singular, char const* plural) {
+  using Result = decltype(Make(integer(), std::declval<Counter*>(), Seen<Object>(nullptr)));
+  InspectorGet const step = [](void* result, void const* parameter, void const* object, void* state,
+                               void const*) {
+    if (result == nullptr) return true;
+    auto* const counter = static_cast<Counter*>(state);
+    counter->Check();
+    if (counter->item_alive) ++ledger.misused;
+    if (counter->at >= Limit(Seen<Parameter>(parameter), Seen<Object>(object)))
+      throw NoSuchObject();
+    new (result) Result(Make(++counter->at, counter, Seen<Object>(object)));
+    return true;
+  };
+  Linked().Add(
+      Register_Iterated_Property, Unregister_Property, singular, plural, TypeName<Parameter>(),
+      TypeName<Object>(), TypeName<Result>(), sizeof(Counter),
+      [](void* state) { new (state) Counter; }, Destroy<Counter>, step, step, nullptr, nullptr);
+}
 
-bool Say(void* result, void const* parameter) {
-  if (result == nullptr) return false;
-  ledger.said += Text(parameter);
-  return true;
+template <class Source, auto Convert>
+void Cast() {
+  using Result = decltype(Convert(*Seen<Source>(nullptr)));
+  Linked().Add(
+      Register_Cast, Unregister_Cast, TypeName<Result>(), TypeName<Source>(), TypeName<Result>(),
+      [](void* result, void const* source, void const*) {
+        new (result) Result(Convert(*Seen<Source>(source)));
+      },
+      nullptr, nullptr);
+}
+
+template <class T, auto Apply>
+void Operator(int code) {
+  using Result = decltype(Apply(*Seen<T>(nullptr), *Seen<T>(nullptr)));
+  Linked().Add(
+      Register_Binary_Operator, Unregister_Binary_Operator, code, TypeName<T>(), TypeName<T>(),
+      TypeName<Result>(),
+      [](void* result, void const* left, void const* right, void const*) {
+        new (result) Result(Apply(*Seen<T>(left), *Seen<T>(right)));
+      },
+      nullptr, nullptr);
+}
+
+void Type(char const* name, unsigned long size, InspectorDestroy destroy, char const* base,
+          int fingerprinting = kNoFingerprinting) {
+  Linked().Add(Register_Type, Unregister_Type, name, size, destroy, base, fingerprinting);
 }
 
 bool Fail(void* result, void const* parameter, void const*, void*, void const*) {
   if (result == nullptr) return true;
-  switch (Integer(parameter)) {
+  integer const kind = *Seen<integer>(parameter);
+  switch (kind) {
     case 0:
       throw NoSuchObject();
     case 1:
@@ -168,223 +188,153 @@ bool Fail(void* result, void const* parameter, void const*, void*, void const*) 
     case 6:
       return false;
     default:
-      return Give(result, Integer(parameter));
+      new (result) integer(kind);
+      return true;
   }
 }
 
-bool Swallow(void* result, void const*, void const*, void*, void const*) {
-  if (result == nullptr) return true;
-  try {
-    while (true) {
-      Check_For_Inspector_Interruption();
-      std::this_thread::sleep_for(std::chrono::microseconds(100));
-    }
-  } catch (...) {
-    throw NoSuchObject();
+integer Swallow(void const*, void const*) try {
+  while (true) {
+    Check_For_Inspector_Interruption();
+    std::this_thread::sleep_for(std::chrono::microseconds(100));
   }
+} catch (...) {
+  throw NoSuchObject();
 }
 
 std::atomic<int> inside = 0;
 
-bool Exclusive(void* result, void const*, void const*, void*, void const*) {
-  if (result == nullptr) return true;
+bool Exclusive(void const*, void const*) {
   if (++inside != 1) ++ledger.misused;
   std::this_thread::sleep_for(std::chrono::microseconds(200));
   --inside;
-  return Give(result, true);
+  return true;
 }
 
-template <class T, auto Apply>
-void Apply2(void* result, void const* left, void const* right, void const*) {
-  using Result = decltype(Apply(*static_cast<T const*>(left), *static_cast<T const*>(right)));
-  new (result) Result(Apply(*static_cast<T const*>(left), *static_cast<T const*>(right)));
+integer AsInteger(inspector_string const& text) {
+  if (text.length == 0 || text.start[0] < '0' || text.start[0] > '9') throw NoSuchObject();
+  return std::stoll(std::string(Text(text)));
 }
 
-template <class T, auto Apply>
-void Operate(Registration& registration, int code, char const* type, char const* result) {
-  registration.Operator(code, type, type, result, Apply2<T, Apply>);
+bool Say(inspector_string const& text) {
+  ledger.said += Text(text);
+  return true;
 }
 
-void StringOperators(Registration* r) {
+inspector_string Label(void const*, Thing const* thing) {
+  return {reinterpret_cast<unsigned char const*>(thing->label), std::strlen(thing->label)};
+}
+
+void OperatorsAndCasts() {
   using S = inspector_string;
-  Operate<S, [](S const& a, S const& b) { return Text(&a) == Text(&b); }>(*r++, kOperatorEqual,
-                                                                          "string", "boolean");
-  Operate<S, [](S const& a, S const& b) { return Text(&a) < Text(&b); }>(*r++, kOperatorLess,
-                                                                         "string", "boolean");
-  Operate<S, [](S const& a, S const& b) {
-    return InspectorText(std::string(Text(&a)).append(Text(&b)));
-  }>(*r++, kOperatorJoin, "string", "string");
-  Operate<S, [](S const& a, S const& b) { return Text(&a).find(Text(&b)) != std::string::npos; }>(
-      *r++, kOperatorContains, "string", "boolean");
-  Operate<S, [](S const& a, S const& b) { return Text(&a).starts_with(Text(&b)); }>(
-      *r++, kOperatorStartsWith, "string", "boolean");
-}
+  Operator<S, [](S a, S b) { return Text(a) == Text(b); }>(kOperatorEqual);
+  Operator<S, [](S a, S b) { return Text(a) < Text(b); }>(kOperatorLess);
+  Operator<S, [](S a, S b) { return InspectorText(std::string(Text(a)).append(Text(b))); }>(
+      kOperatorJoin);
+  Operator<S, [](S a, S b) { return Text(a).find(Text(b)) != std::string::npos; }>(
+      kOperatorContains);
+  Operator<S, [](S a, S b) { return Text(a).starts_with(Text(b)); }>(kOperatorStartsWith);
 
-void IntegerOperators(Registration* r) {
-  Operate<integer, [](integer a, integer b) { return a == b; }>(*r++, kOperatorEqual, "integer",
-                                                                "boolean");
-  Operate<integer, [](integer a, integer b) { return a < b; }>(*r++, kOperatorLess, "integer",
-                                                               "boolean");
   using U = unsigned long;  // wraps: what overflows is none of the evaluator's business
-  Operate<integer, [](integer a, integer b) { return integer(U(a) + U(b)); }>(*r++, kOperatorAdd,
-                                                                              "integer", "integer");
-  Operate<integer, [](integer a, integer b) { return integer(U(a) - U(b)); }>(
-      *r++, kOperatorSubtract, "integer", "integer");
-  Operate<integer, [](integer a, integer b) { return integer(U(a) * U(b)); }>(
-      *r++, kOperatorMultiply, "integer", "integer");
+  Operator<integer, [](U a, U b) { return a == b; }>(kOperatorEqual);
+  Operator<integer, [](integer a, integer b) { return a < b; }>(kOperatorLess);
+  Operator<integer, [](U a, U b) { return integer(a + b); }>(kOperatorAdd);
+  Operator<integer, [](U a, U b) { return integer(a - b); }>(kOperatorSubtract);
+  Operator<integer, [](U a, U b) { return integer(a * b); }>(kOperatorMultiply);
+
+  Operator<Weight, [](Weight a, Weight b) { return a.grams < b.grams; }>(kOperatorLess);
+  Operator<Weight, [](Weight a, Weight b) { return Weight{a.grams + b.grams}; }>(kOperatorAdd);
+
+  Cast<integer, [](integer n) { return InspectorText(std::to_string(n)); }>();
+  Cast<bool, [](bool is) { return InspectorText(is ? "true" : "false"); }>();
+  Cast<Thing,
+       [](Thing const& thing) { return InspectorText(std::string("thing ") + thing.label); }>();
+  Cast<Weight, [](Weight weight) { return InspectorText(std::to_string(weight.grams) + " g"); }>();
+  Cast<S, AsInteger>();
 }
 
-// A weight is plain bytes: its grams.
-struct Weight {
-  integer grams;
-};
-
-void WeightOperators(Registration* r) {
-  Operate<Weight, [](Weight a, Weight b) { return a.grams < b.grams; }>(*r++, kOperatorLess,
-                                                                        "weight", "boolean");
-  Operate<Weight, [](Weight a, Weight b) { return Weight{a.grams + b.grams}; }>(*r++, kOperatorAdd,
-                                                                                "weight", "weight");
-}
-
-void Casts(Registration* r) {
-  r++->Cast("string", "integer", "string", [](void* result, void const* source, void const*) {
-    new (result) inspector_string(InspectorText(std::to_string(Integer(source))));
-  });
-  r++->Cast("string", "boolean", "string", [](void* result, void const* source, void const*) {
-    new (result)
-        inspector_string(InspectorText(*static_cast<bool const*>(source) ? "true" : "false"));
-  });
-  r++->Cast("string", "thing", "string", [](void* result, void const* source, void const*) {
-    new (result)
-        inspector_string(InspectorText(std::string("thing ") + Object<Thing>(source).label));
-  });
-  r++->Cast("string", "weight", "string", [](void* result, void const* source, void const*) {
-    new (result) inspector_string(InspectorText(std::to_string(Integer(source)) + " g"));
-  });
-  r++->Cast("integer", "string", "integer", [](void* result, void const* source, void const*) {
-    auto const text = Text(source);
-    if (text.empty() || text[0] < '0' || text[0] > '9') throw NoSuchObject();
-    new (result) integer(std::stoll(std::string(text)));
-  });
-}
-
-void WorldProperties(Registration* r) {
-  Count<[](auto...) { return 3; }, [](void* result, integer n, Counter& counter,
-                                      void const*) { new (result) Shelf(n, &counter); }>(
-      *r++, "shelf", "shelves", "", "", "shelf");
-  r++->Property("shelf", "shelves", "integer", "", "shelf",
-                [](void* result, void const* parameter, void const*, void*, void const*) {
-                  if (Integer(parameter) < 0 || Integer(parameter) > 9) return false;
-                  if (result != nullptr) new (result) Shelf(Integer(parameter), nullptr);
-                  return true;
-                });
-  Count<kParameter, [](void* result, integer n, auto&...) { new (result) integer(n); }>(
-      *r++, "count", "counts", "integer", "", "integer");
-  Count<kParameter, [](void* result, integer, auto&...) {
+void WorldProperties() {
+  using S = inspector_string;
+  constexpr auto given = [](integer const* limit, auto*) { return *limit; };
+  Iterated<void, void, [](auto...) { return 3; },
+           [](integer n, Counter* counter, auto*) { return Shelf(n, counter); }>("shelf",
+                                                                                 "shelves");
+  Partial("shelf", "shelves", "integer", "", "shelf",
+          [](void* result, void const* parameter, auto...) {
+            integer const number = *Seen<integer>(parameter);
+            bool const is_there = number >= 0 && number <= 9;
+            if (result != nullptr && is_there) new (result) Shelf(number);
+            return is_there;
+          });
+  Iterated<integer, void, given, [](integer n, auto...) { return n; }>("count", "counts");
+  Iterated<integer, void, given, [](auto...) {
     static_cast<char*>(Allocate_Inspector_Memory(1 << 16))[1 << 15] = 'x';
-    new (result) inspector_string(InspectorText("bulk"));
-  }>(*r++, "bulky", "bulkies", "integer", "", "string");
-  r++->Property("say", "says", "string", "", "string",
-                [](void* result, void const* parameter, void const*, void*, void const*) {
-                  return !Say(result, parameter) || Give(result, InspectorText(Text(parameter)));
-                });
-  r++->Property("yes", "yeses", "string", "", "boolean",
-                [](void* result, void const* parameter, void const*, void*, void const*) {
-                  return !Say(result, parameter) || Give(result, true);
-                });
-  r++->Property("no", "noes", "string", "", "boolean",
-                [](void* result, void const* parameter, void const*, void*, void const*) {
-                  return !Say(result, parameter) || Give(result, false);
-                });
-  r++->Property("fail", "fails", "integer", "", "integer", Fail);
-  r++->Property("swallow", "swallows", "", "", "integer", Swallow);
-  r++->Property("exclusive", "exclusives", "", "", "boolean", Exclusive);
-  Count<[](auto...) { return INT64_MAX; },
-        [](void* result, integer n, auto&...) {
-          Check_For_Inspector_Interruption();
-          new (result) integer(n);
-        }>(*r++, "endless", "endlesses", "", "", "integer");
-  r++->Property("twin", "twins", "", "", "string",
-                [](void* result, auto...) { return Give(result, InspectorText("plain")); });
-  Count<[](auto...) { return 2; },
-        [](void* result, integer n, auto&...) {
-          new (result) inspector_string(InspectorText(n == 1 ? "a" : "b"));
-        }>(*r++, "twin", "twins", "", "", "string");
-  r++->Property(
-      "known", "knowns", "string", "", "string",
-      [](void* result, void const* parameter, void const*, void*, void const*) {
-        if (result == nullptr) return true;
-        ++ledger.known_calls;
-        if (Text(parameter).empty()) throw NoSuchObject();
-        return Give(result, InspectorText(Text(parameter)));
-      },
-      DependsOnlyOnParameters);
-  r++->Property("build number", "build numbers", "", "", "integer",
-                [](void* result, auto...) { return Give(result, integer{7}); });
-  r++->Property("ghost", "ghosts", "", "", "ghost", [](auto...) { return false; });
-  r++->Property("stone", "stones", "", "", "stone",
-                [](void* result, auto...) { return Give(result, integer{1}); });
-  r++->Property("weight", "weights", "integer", "", "weight",
-                [](void* result, void const* parameter, auto...) {
-                  return Give(result, Weight{Integer(parameter)});
-                });
+    return InspectorText("bulk");
+  }>("bulky", "bulkies");
+  Plain<S, void, [](auto* text, auto*) { return Say(*text), InspectorText(Text(*text)); }>("say",
+                                                                                           "says");
+  Plain<S, void, [](auto* text, auto*) { return Say(*text); }>("yes", "yeses");
+  Plain<S, void, [](auto* text, auto*) { return !Say(*text); }>("no", "noes");
+  Partial("fail", "fails", "integer", "", "integer", Fail);
+  Plain<void, void, Swallow>("swallow", "swallows");
+  Plain<void, void, Exclusive>("exclusive", "exclusives");
+  Iterated<void, void, [](auto...) { return INT64_MAX; },
+           [](integer n, auto...) {
+             Check_For_Inspector_Interruption();
+             return n;
+           }>("endless", "endlesses");
+  Plain<void, void, [](auto...) { return InspectorText("plain"); }>("twin", "twins");
+  Iterated<void, void, [](auto...) { return 2; },
+           [](integer n, auto...) { return InspectorText(n == 1 ? "a" : "b"); }>("twin", "twins");
+  Plain<S, void, [](auto* text, auto*) {
+    ++ledger.known_calls;
+    if (text->length == 0) throw NoSuchObject();
+    return InspectorText(Text(*text));
+  }>("known", "knowns", DependsOnlyOnParameters);
+  Plain<void, void, [](auto...) { return integer{7}; }>("build number", "build numbers");
+  Partial("ghost", "ghosts", "", "", "ghost", [](auto...) { return false; });
+  Plain<void, void, [](auto...) { return Stone{1}; }>("stone", "stones");
+  Plain<integer, void, [](auto* grams, auto*) { return Weight{*grams}; }>("weight", "weights");
 }
 
-void ObjectProperties(Registration* r) {
-  Count<[](void const*, void const* object) { return Object<Shelf>(object).number; },
-        [](void* result, integer n, Counter& counter, void const* object) {
-          new (result) Book(Object<Shelf>(object).number * 10 + n, &counter);
-        }>(*r++, "book", "books", "", "shelf", "book");
-  r++->Property("book", "books", "integer", "shelf", "book",
-                [](void* result, void const* parameter, void const* object, void*, void const*) {
-                  auto const number = Object<Shelf>(object).number * 10 + Integer(parameter);
-                  if (result != nullptr) new (result) Book(number, nullptr);
-                  return true;
-                });
-  r++->Property("first title", "first titles", "", "shelf", "string",
-                [](void* result, auto...) { return Give(result, InspectorText("overture")); });
+void ObjectProperties() {
+  Iterated<void, Shelf, [](auto*, auto* shelf) { return shelf->number; },
+           [](integer n, Counter* counter, auto* shelf) {
+             return Book(shelf->number * 10 + n, counter);
+           }>("book", "books");
+  Plain<integer, Shelf, [](auto* n, auto* shelf) { return Book(shelf->number * 10 + *n); }>(
+      "book", "books");
+  Plain<void, Shelf, [](auto...) { return InspectorText("overture"); }>("first title",
+                                                                        "first titles");
   // Only the second shelf has a keeper, so that a plural skips the others.
-  r++->Property("keeper", nullptr, "", "shelf", "string",
-                [](void* result, void const*, void const* object, void*, void const*) {
-                  if (Object<Shelf>(object).number != 2) return false;
-                  return Give(result, InspectorText("Ann"));
-                });
-  constexpr InspectorGet label = [](void* result, void const*, void const* object, void*,
-                                    void const*) {
-    auto const& thing = Object<Thing>(object);
-    return Give(result, inspector_string{reinterpret_cast<unsigned char const*>(thing.label),
-                                         std::strlen(thing.label)});
-  };
-  r++->Property("label", "labels", "", "thing", "string", label);
-  r++->Property("title", "titles", "", "book", "string", label);
-  r++->Property("page count", "page counts", "", "book", "integer",
-                [](void* result, void const*, void const* object, void*, void const*) {
-                  return Give(result, Object<Book>(object).number % 10 * 100);
-                });
-  r++->Property("weight", "weights", "", "book", "weight",
-                [](void* result, void const*, void const* object, void*, void const*) {
-                  return Give(result, Weight{Object<Book>(object).number % 10});
-                });
+  Partial("keeper", nullptr, "", "shelf", "string",
+          [](void* result, void const*, void const* shelf, auto...) {
+            if (Seen<Shelf>(shelf)->number != 2) return false;
+            if (result != nullptr) new (result) inspector_string(InspectorText("Ann"));
+            return true;
+          });
+  Plain<void, Thing, Label>("label", "labels");
+  Plain<void, Book, Label>("title", "titles");
+  Plain<void, Book, [](auto*, auto* book) { return book->number % 10 * 100; }>("page count",
+                                                                               "page counts");
+  Plain<void, Book, [](auto*, auto* book) { return Weight{book->number % 10}; }>("weight",
+                                                                                 "weights");
 }
 
 // Properties come before their types, as static initialisation may have it.
 struct Library {
   Library() {
-    WorldProperties(world);
-    ObjectProperties(objects);
-    Casts(casts);
-    StringOperators(strings);
-    IntegerOperators(integers);
-    WeightOperators(weights);
-    types[0].Type("book", sizeof(Book), Destroy<Book>, "thing");
-    types[1].Type("shelf", sizeof(Shelf), Destroy<Shelf>);
-    types[2].Type("thing", sizeof(Thing), Destroy<Thing>);
-    types[3].Type("weight", sizeof(Weight), nullptr, "", kPlainBytes);
-    types[4].Type("stone", sizeof(integer), nullptr, nullptr, kNoFingerprinting);
-    cache.Cache([](Instant&, void*) { ++ledger.cache_clears; });
+    WorldProperties();
+    ObjectProperties();
+    OperatorsAndCasts();
+    Type("book", sizeof(Book), Destroy<Book>, "thing");
+    Type("shelf", sizeof(Shelf), Destroy<Shelf>, "");
+    Type("thing", sizeof(Thing), Destroy<Thing>, "");
+    Type("weight", sizeof(Weight), nullptr, "", kPlainBytes);
+    Type("stone", sizeof(Stone), nullptr, nullptr);
+    Linked().Add(
+        Register_Cache, Unregister_Cache, [](Instant&, void*) { ++ledger.cache_clears; }, nullptr);
   }
-  Registration world[18], objects[9], casts[5], strings[5], integers[5], weights[2], types[5];
-  Registration cache;
 } const library;
 
 }  // namespace

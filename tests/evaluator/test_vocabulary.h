@@ -13,7 +13,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <utility>
 
 #include "evaluator/evaluator.h"
 #include "evaluator/plugin/entry_points.h"
@@ -52,27 +52,28 @@ class Pinned {
 class Registration {
  public:
   Registration() = default;
-  ~Registration();
+  ~Registration() { Withdraw(); }
   Registration(Registration const&) = delete;
   Registration& operator=(Registration const&) = delete;
 
-  bool Type(char const* name, unsigned long size, InspectorDestroy destroy, char const* base = "",
-            int fingerprinting = kNoFingerprinting);
-  bool Property(char const* singular, char const* plural, char const* parameter, char const* object,
-                char const* result, InspectorGet get, FingerprintFunction fingerprint = nullptr);
-  bool Iterated(char const* singular, char const* plural, char const* parameter, char const* object,
-                char const* result, unsigned long state_size, InspectorConstruct construct,
-                InspectorDestroy destroy, InspectorGet first, InspectorGet next);
-  bool Cast(char const* name, char const* source, char const* result, InspectorCast cast);
-  bool Operator(int code, char const* left, char const* right, char const* result,
-                InspectorOperator apply);
-  bool Cache(InspectorCacheClear clear);
-
-  bool Withdraw();
+  // Calls an entry point with the block and the rest, and remembers the one that withdraws.
+  template <class Register, class... Rest>
+  bool Add(Register add, bool (*withdraw)(void*), Rest... rest) {
+    bool const is_added = add(block_, sizeof block_, rest...);
+    if (is_added) withdraw_ = withdraw;
+    return is_added;
+  }
+  bool Property(char const* singular, char const* plural, char const* parameter, char const* result,
+                InspectorGet get) {
+    return Add(Register_Property, Unregister_Property, singular, plural, parameter, "", result, get,
+               nullptr, nullptr);
+  }
+  bool Withdraw() {
+    auto* const withdraw = std::exchange(withdraw_, nullptr);
+    return withdraw != nullptr && withdraw(block_);
+  }
 
  private:
-  bool Keep(bool registered, bool (*withdraw)(void*));
-
   alignas(std::max_align_t) unsigned char block_[512];
   bool (*withdraw_)(void*) = nullptr;
 };
@@ -87,6 +88,9 @@ std::string AnswerOf(gatotu::Expression const& expression,
                      gatotu::EvaluateOptions const& options = {});
 std::string Shown(gatotu::Value const& value);
 void ExpectLedgerBalances(std::string_view text);
+
+// A callback that wants every value and looks at none.
+inline constexpr auto kIgnore = [](gatotu::Value const&) { return true; };
 
 // `unit` so many times over.
 std::string Repeat(std::string_view unit, std::size_t times);
