@@ -3,9 +3,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <map>
+#include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "frame/combine.h"
@@ -19,29 +18,27 @@ namespace {
 
 using namespace std::string_literals;
 
-class MapStore : public SettingStore<CFPreferenceSettingIterator> {
+class OneItemStore : public SettingStore<CFPreferenceSettingIterator> {
  public:
   CFPreferenceSettingIterator FindItem(ConstData section, ConstData name) override {
-    auto const found = items.find({MakeString(section), MakeString(name)});
-    return found == items.end() ? End() : CFPreferenceSettingIterator(found->second);
+    bool const is_it = MakeString(section) == "Client" &&
+                       MakeString(name) == "_KPXClient_DeploymentEncoding_IANAName";
+    return is_it && encoding ? CFPreferenceSettingIterator(*encoding) : End();
   }
-
-  std::map<std::pair<std::string, std::string>, std::string> items;
+  std::optional<std::string> encoding;
 };
 
 // Both kinds of context in one object, as a host has them.
 class Host : public InspectorContext, public InspectorSettingsContext {
  public:
   explicit Host(StoreFunction store = Store) : InspectorSettingsContext(store) {}
-  void SetEncoding(std::string const& name) {
-    store_.items[{"Client", "_KPXClient_DeploymentEncoding_IANAName"}] = name;
-  }
+  void SetEncoding(std::string const& name) { store_.encoding = name; }
 
  private:
   static SettingStore<CFPreferenceSettingIterator>& Store(InspectorSettingsContext& context) {
     return dynamic_cast<Host&>(context).store_;
   }
-  MapStore store_;
+  OneItemStore store_;
 };
 
 class Conversions : public testing::Test {

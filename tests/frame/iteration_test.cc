@@ -109,29 +109,19 @@ TEST_F(Iteration, EndsOnceAtTheEndOnAnErrorAndOnAnEarlyStop) {
   EXPECT_EQ(constructed, 4);
 }
 
-TEST_F(Iteration, MembersEndBySayingSoOrByTheirEndTest) {
-  Prop until_thrown("x", "xs", &Countdown::First, &Countdown::Next, nullptr);
-  EXPECT_THAT(Drive(&until_thrown), ElementsAre(10, 9, 8));
-
-  Prop until_test("x", "xs", &Countdown::First, &Countdown::Next, nullptr, nullptr,
-                  &Countdown::AtEnd);
-  EXPECT_THAT(Drive(&until_test), ElementsAre(10, 9, 8));
-  length = 0;
-  EXPECT_THAT(Drive(&until_test), IsEmpty());
-}
-
-TEST_F(Iteration, TheStartActionComesFirst) {
+TEST_F(Iteration, MembersStartIfAskedAndEndBySayingSoOrByTheirEndTest) {
+  Prop plain("x", "xs", &Countdown::First, &Countdown::Next, nullptr);
+  Prop tested("x", "xs", &Countdown::First, &Countdown::Next, nullptr, nullptr, &Countdown::AtEnd);
   Prop started("x", "xs", &Countdown::First, &Countdown::Next, nullptr, &Countdown::Start);
-  EXPECT_THAT(Drive(&started), ElementsAre(1010, 1009, 1008));
-
   Prop named("x", "xs", &Countdown::Named, &Countdown::Named, nullptr, &Countdown::Start,
              &Countdown::AtEnd);
+  EXPECT_THAT(Drive(&plain), ElementsAre(10, 9, 8));
+  EXPECT_THAT(Drive<NegativeCountdown>(&plain), ElementsAre(-10, -9, -8)) << "virtual members";
+  EXPECT_THAT(Drive(&tested), ElementsAre(10, 9, 8));
+  EXPECT_THAT(Drive(&started), ElementsAre(1010, 1009, 1008));
   EXPECT_THAT(Drive(&named), ElementsAre(1110, 1109, 1108));
-}
-
-TEST_F(Iteration, VirtualMembersAreDispatched) {
-  Prop countdown("x", "xs", &Countdown::First, &Countdown::Next, nullptr);
-  EXPECT_THAT(Drive<NegativeCountdown>(&countdown), ElementsAre(-10, -9, -8));
+  length = 0;
+  EXPECT_THAT(Drive(&tested), IsEmpty());
 }
 
 TEST_F(Iteration, AnEndTestIsAskedEvenWithoutAResult) {

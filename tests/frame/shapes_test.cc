@@ -62,27 +62,21 @@ integer LengthIn(unsigned char const* start, unsigned long length, Thing const& 
 }
 integer LengthOfIndex(inspector_string const& name) { return LengthOf(name.start, name.length); }
 integer Item(unsigned long long number) { return static_cast<integer>(number) + Number(); }
-integer ItemIn(unsigned long long number, Thing const& thing) {
-  return Item(number) + thing.number;
-}
-boolean Larger(Thing const& left, Thing const& right) {
-  return left.number + Number() > right.number;
-}
+integer ItemIn(unsigned long long number, Thing const& in) { return Item(number) + in.number; }
+boolean Larger(Thing const& a, Thing const& b) { return a.number + Number() > b.number; }
 void Clear(Instant&, void*) {}
 
 struct PlainNumbers {
   integer First() { return Number(); }
   integer Next() { return Number(); }
 };
-struct Numbers : PlainNumbers {
-  using PlainNumbers::First;
-  using PlainNumbers::Next;
+struct Numbers {
+  integer First() { return Number(); }
+  integer Next() { return Number(); }
   integer First(Thing const& thing) { return NumberOf(thing); }
   integer Next(Thing const& thing) { return NumberOf(thing); }
-  integer First(unsigned char const* start, unsigned long length) {
-    return LengthOf(start, length);
-  }
-  integer Next(unsigned char const* start, unsigned long length) { return LengthOf(start, length); }
+  integer First(unsigned char const* start, unsigned long size) { return LengthOf(start, size); }
+  integer Next(unsigned char const* start, unsigned long size) { return LengthOf(start, size); }
   integer FirstNamed(inspector_string const& name) { return LengthOfIndex(name); }
 };
 constexpr FingerprintFunction kDop = DependsOnlyOnParameters;
@@ -134,39 +128,22 @@ void Expect(std::string const& registers, integer answer, auto... arguments) {
                   testing::Pair(iterated ? "Property" : registration.call, registration.handle)));
 }
 
-TEST(Shapes, OfTypes) {
+// A property's names and then the rest of its arguments.
+template <class Shape>
+void ExpectProperty(std::string const& registers, integer answer, auto... arguments) {
+  Expect<Shape>("Property 128 x/xs " + registers, answer, "x", "xs", arguments...);
+}
+template <class Shape>
+void ExpectIterated(std::string const& registers, integer answer, auto... arguments) {
+  Expect<Shape>("Iterated_Property 128 x/xs " + registers, answer, "x", "xs", arguments...);
+}
+
+TEST(Shapes, OfTypesCastsOperatorsAndCaches) {
   Expect<Type<Thing>>("Type 512 thing/ () of ((null)):  size 8", kNoAnswer);
   Expect<Type<Thing, kPlainBytes>>("Type 512 thing/ () of ((null)):  size 8 fingerprinting 1",
                                    kNoAnswer);
   Expect<DerivedType<SpecialThing, Thing>>("Type 512 special thing/ () of (thing):  size 8",
                                            kNoAnswer);
-}
-
-TEST(Shapes, OfProperties) {
-  Expect<GlobalProperty<integer>>("Property 128 x/xs () of (): integer self DOP", 7, "x", "xs",
-                                  Number, kDop);
-  Expect<Property<Thing, integer>>("Property 128 x/xs () of (thing): integer self", 107, "x", "xs",
-                                   NumberOf, nullptr);
-  Expect<NamedGlobalProperty<integer>>("Property 128 x/xs (string) of (): integer self", kA + 8,
-                                       "x", "xs", LengthOf, nullptr);
-  Expect<NamedProperty<Thing, integer>>("Property 128 x/xs (string) of (thing): integer self DOP",
-                                        kA + 108, "x", "xs", LengthIn, kDop);
-  Expect<NumberedGlobalProperty<integer>>("Property 128 x/xs (integer) of (): integer self", 10,
-                                          "x", "xs", Item, nullptr);
-  Expect<NumberedProperty<Thing, integer>>("Property 128 x/xs (integer) of (thing): integer self",
-                                           110, "x", "xs", ItemIn, nullptr);
-}
-
-TEST(Shapes, OfIteratedProperties) {
-  Expect<IteratedGlobalProperty<Numbers, integer>>(
-      "Iterated_Property 128 x/xs () of (): integer size 1 self", 7, "x", "xs", nullptr);
-  Expect<IteratedProperty<Numbers, Thing, integer>>(
-      "Iterated_Property 128 x/xs () of (thing): integer size 1 self DOP", 107, "x", "xs", kDop);
-  Expect<IteratedNamedGlobalProperty<Numbers, integer>>(
-      "Iterated_Property 128 x/xs (string) of (): integer size 1 self", kA + 8, "x", "xs", nullptr);
-}
-
-TEST(Shapes, OfCastsOperatorsAndCaches) {
   Expect<Cast<Thing, integer>>("Cast 128 number/ () of (thing): integer self DOP", 107, "number",
                                NumberOf, kDop);
   Expect<Operator2<Thing, Thing, boolean>>(
@@ -177,16 +154,34 @@ TEST(Shapes, OfCastsOperatorsAndCaches) {
   Expect<CacheRegistration>("Cache 64 / () of (): ", kNoAnswer, Clear);
 }
 
+TEST(Shapes, OfProperties) {
+  ExpectProperty<GlobalProperty<integer>>("() of (): integer self DOP", 7, Number, kDop);
+  ExpectProperty<Property<Thing, integer>>("() of (thing): integer self", 107, NumberOf, nullptr);
+  ExpectProperty<NamedGlobalProperty<integer>>("(string) of (): integer self", kA + 8, LengthOf,
+                                               nullptr);
+  ExpectProperty<NamedProperty<Thing, integer>>("(string) of (thing): integer self DOP", kA + 108,
+                                                LengthIn, kDop);
+  ExpectProperty<NumberedGlobalProperty<integer>>("(integer) of (): integer self", 10, Item,
+                                                  nullptr);
+  ExpectProperty<NumberedProperty<Thing, integer>>("(integer) of (thing): integer self", 110,
+                                                   ItemIn, nullptr);
+
+  ExpectIterated<IteratedGlobalProperty<Numbers, integer>>("() of (): integer size 1 self", 7,
+                                                           nullptr);
+  ExpectIterated<IteratedProperty<Numbers, Thing, integer>>(
+      "() of (thing): integer size 1 self DOP", 107, kDop);
+  ExpectIterated<IteratedNamedGlobalProperty<Numbers, integer>>(
+      "(string) of (): integer size 1 self", kA + 8, nullptr);
+}
+
 TEST(Shapes, ThatPropPicks) {
-  Expect<Prop>("Property 128 x/xs () of (): integer self DOP", 7, "x", "xs", Number, kDop);
-  Expect<Prop>("Property 128 x/xs () of (thing): integer self", 107, "x", "xs", NumberOfProperty,
-               nullptr);
-  Expect<Prop>("Property 128 x/xs (string) of (): integer self", kA + 8, "x", "xs", LengthOfIndex,
-               nullptr);
-  Expect<Prop>("Iterated_Property 128 x/xs () of (): integer size 1 self", 7, "x", "xs",
-               &PlainNumbers::First, &PlainNumbers::Next, nullptr);
-  Expect<Prop>("Iterated_Property 128 x/xs (string) of (): integer size 1 self DOP", kA + 8, "x",
-               "xs", &Numbers::FirstNamed, &Numbers::FirstNamed, kDop);
+  ExpectProperty<Prop>("() of (): integer self DOP", 7, Number, kDop);
+  ExpectProperty<Prop>("() of (thing): integer self", 107, NumberOfProperty, nullptr);
+  ExpectProperty<Prop>("(string) of (): integer self", kA + 8, LengthOfIndex, nullptr);
+  ExpectIterated<Prop>("() of (): integer size 1 self", 7, &PlainNumbers::First,
+                       &PlainNumbers::Next, nullptr);
+  ExpectIterated<Prop>("(string) of (): integer size 1 self DOP", kA + 8, &Numbers::FirstNamed,
+                       &Numbers::FirstNamed, kDop);
 }
 
 TEST(Shapes, NumberedOnesRefuseNegativeNumbersBeforeAnythingElse) {

@@ -1,26 +1,14 @@
 #include "tests/support/recording_evaluator.h"
 
-#include <cstring>
+#include <algorithm>
 #include <sstream>
 
 namespace {
 
 std::string Text(char const* text) { return text == nullptr ? "(null)" : text; }
 
-RecordedRegistration& Record(char const* call, void* handle, unsigned long reserved,
-                             void const* context) {
-  auto& registered = RecordingEvaluator::Instance().registered;
-  registered.push_back({.call = call, .handle = handle, .reserved = reserved, .context = context});
-  return registered.back();
-}
-
-// The names of a property, cast or operator.
-void SetNames(RecordedRegistration& registration, std::string const& name,
-              std::string const& parameter, std::string const& object, std::string const& result) {
-  registration.name = name;
-  registration.parameter = parameter;
-  registration.object = object;
-  registration.result = result;
+RecordedRegistration& Record(RecordedRegistration registration) {
+  return RecordingEvaluator::Instance().registered.emplace_back(std::move(registration));
 }
 
 bool RecordWithdrawal(char const* call, void* handle) {
@@ -42,19 +30,15 @@ void* RecordingEvaluator::Allocate(unsigned long size) {
 }
 
 RecordedRegistration const* RecordingEvaluator::Find(void const* handle) const {
-  for (auto const& candidate : registered) {
-    if (candidate.handle == handle) return &candidate;
-  }
-  return nullptr;
+  auto const found = std::ranges::find(registered, handle, &RecordedRegistration::handle);
+  return found == registered.end() ? nullptr : &*found;
 }
 
 RecordedRegistration const* RecordingEvaluator::Find(std::string const& call,
                                                      std::string const& name,
                                                      std::string const& object) const {
-  for (auto const& candidate : registered) {
-    if (candidate.call == call && candidate.name == name && candidate.object == object) {
-      return &candidate;
-    }
+  for (auto const& each : registered) {
+    if (each.call == call && each.name == name && each.object == object) return &each;
   }
   return nullptr;
 }
@@ -72,16 +56,11 @@ std::string RecordedRegistration::Text() const {
   return text.str();
 }
 
-RawStorage::RawStorage(unsigned long size)
-    : bytes_(std::make_unique<std::max_align_t[]>(size / sizeof(std::max_align_t) + 1)) {
-  std::memset(static_cast<void*>(bytes_.get()), 0xA5, size);
-}
-
 bool Register_Type(void* handle, unsigned long reserved, char const* type_name,
                    unsigned long value_size, InspectorDestroy destroy, char const* base_type_name,
                    int fingerprinting) {
-  RecordedRegistration& type = Record("Type", handle, reserved, nullptr);
-  SetNames(type, type_name, "", Text(base_type_name), "");
+  RecordedRegistration& type =
+      Record({"Type", handle, reserved, nullptr, nullptr, type_name, "", Text(base_type_name)});
   type.size = value_size;
   type.destroy = destroy;
   type.fingerprinting = fingerprinting;
@@ -92,39 +71,33 @@ bool Register_Property(void* handle, unsigned long reserved, char const* singula
                        char const* plural, char const* parameter_type,
                        char const* direct_object_type, char const* result_type, InspectorGet get,
                        void const* context, FingerprintFunction fingerprint) {
-  RecordedRegistration& property = Record("Property", handle, reserved, context);
-  SetNames(property, singular, parameter_type, direct_object_type, result_type);
-  property.plural = Text(plural);
-  property.get = get;
-  property.fingerprint = fingerprint;
+  Record({"Property", handle, reserved, context, fingerprint, singular, parameter_type,
+          direct_object_type, result_type, Text(plural)})
+      .get = get;
   return true;
 }
 
 bool Register_Iterated_Property(void* handle, unsigned long reserved, char const* singular,
                                 char const* plural, char const* parameter_type,
                                 char const* direct_object_type, char const* result_type,
-                                unsigned long state_size, InspectorConstruct construct,
+                                unsigned long state_size, InspectorConstruct,
                                 InspectorDestroy destroy, InspectorGet first, InspectorGet next,
                                 void const* context, FingerprintFunction fingerprint) {
-  RecordedRegistration& property = Record("Iterated_Property", handle, reserved, context);
-  SetNames(property, singular, parameter_type, direct_object_type, result_type);
-  property.plural = Text(plural);
+  Register_Property(handle, reserved, singular, plural, parameter_type, direct_object_type,
+                    result_type, first, context, fingerprint);
+  RecordedRegistration& property = RecordingEvaluator::Instance().registered.back();
+  property.call = "Iterated_Property";
   property.size = state_size;
-  property.construct = construct;
   property.destroy = destroy;
-  property.get = first;
   property.next = next;
-  property.fingerprint = fingerprint;
   return true;
 }
 
 bool Register_Cast(void* handle, unsigned long reserved, char const* cast_name,
                    char const* source_type, char const* result_type, InspectorCast cast,
                    void const* context, FingerprintFunction fingerprint) {
-  RecordedRegistration& registration = Record("Cast", handle, reserved, context);
-  SetNames(registration, cast_name, "", source_type, result_type);
-  registration.cast = cast;
-  registration.fingerprint = fingerprint;
+  Record({"Cast", handle, reserved, context, fingerprint, cast_name, "", source_type, result_type})
+      .cast = cast;
   return true;
 }
 
@@ -132,16 +105,14 @@ bool Register_Binary_Operator(void* handle, unsigned long reserved, int operator
                               char const* left_type, char const* right_type,
                               char const* result_type, InspectorOperator apply, void const* context,
                               FingerprintFunction fingerprint) {
-  RecordedRegistration& registration = Record("Binary_Operator", handle, reserved, context);
-  SetNames(registration, std::to_string(operator_code), right_type, left_type, result_type);
-  registration.apply = apply;
-  registration.fingerprint = fingerprint;
+  Record({"Binary_Operator", handle, reserved, context, fingerprint, std::to_string(operator_code),
+          right_type, left_type, result_type})
+      .apply = apply;
   return true;
 }
 
-bool Register_Cache(void* handle, unsigned long reserved, InspectorCacheClear clear,
-                    void* context) {
-  Record("Cache", handle, reserved, context).clear = clear;
+bool Register_Cache(void* handle, unsigned long reserved, InspectorCacheClear, void* context) {
+  Record({"Cache", handle, reserved, context});
   return true;
 }
 
@@ -157,6 +128,4 @@ void* Allocate_Inspector_Memory(unsigned long size) {
   return RecordingEvaluator::Instance().Allocate(size);
 }
 InspectorContext* Get_Generic_Inspector_Context() { return RecordingEvaluator::Instance().context; }
-int Check_For_Inspector_Interruption() {
-  return ++RecordingEvaluator::Instance().interruption_checks;
-}
+int Check_For_Inspector_Interruption() { return 0; }

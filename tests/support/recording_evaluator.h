@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string>
 #include <utility>
@@ -14,23 +15,20 @@ struct RecordedRegistration {
   std::string call = {};  // the entry point, without its "Register_"
   void* handle = nullptr;
   unsigned long reserved = 0;
-  std::string name = {};  // singular, type or cast name, or operator code
-  std::string plural = {};
+  void const* context = nullptr;
+  FingerprintFunction fingerprint = nullptr;
+  std::string name = {};       // singular, type or cast name, or operator code
   std::string parameter = {};  // of an operator: the right type
-  std::string object =
-      {};  // of a type: its base; of a cast: its source; of an operator: the left type
+  std::string object = {};     // a type's base, a cast's source, an operator's left type
   std::string result = {};
+  std::string plural = {};
   unsigned long size = 0;  // of a type's value or an iterator's state
   int fingerprinting = 0;
-  InspectorConstruct construct = nullptr;
   InspectorDestroy destroy = nullptr;
   InspectorGet get = nullptr;  // of an iterated property: the first element
   InspectorGet next = nullptr;
   InspectorCast cast = nullptr;
   InspectorOperator apply = nullptr;
-  InspectorCacheClear clear = nullptr;
-  void const* context = nullptr;
-  FingerprintFunction fingerprint = nullptr;
 
   // Everything but addresses, on a line; "self" says that the context is the handle.
   std::string Text() const;
@@ -49,7 +47,6 @@ class RecordingEvaluator {
   std::vector<std::pair<std::string, void*>> withdrawn;  // entry point without "Unregister_"
   std::vector<unsigned long> allocations;                // sizes asked for
   InspectorContext* context = nullptr;
-  int interruption_checks = 0;
 
   void* Allocate(unsigned long size);
   // Null where nothing was registered at this address.
@@ -65,11 +62,13 @@ class RecordingEvaluator {
 // A value or iterator state in storage like the evaluator's, filled with garbage first.
 class RawStorage {
  public:
-  explicit RawStorage(unsigned long size);
-  void* Address() { return bytes_.get(); }
+  explicit RawStorage(unsigned long size) : bytes_(size / sizeof(std::max_align_t) + 1) {
+    std::memset(static_cast<void*>(bytes_.data()), 0xA5, size);
+  }
+  void* Address() { return bytes_.data(); }
 
  private:
-  std::unique_ptr<std::max_align_t[]> bytes_;
+  std::vector<std::max_align_t> bytes_;
 };
 
 template <class Result>
