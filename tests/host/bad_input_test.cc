@@ -25,9 +25,7 @@ TEST(BadInput, EachHasItsOwnMessageAndEndsSoon) {
   };
   for (Case const& each : {
            Case{"parentheses", Repeat("(", 100'000), "256"},
-           Case{"closed parentheses", Repeat("(", 5000) + "1" + Repeat(")", 5000), "256"},
            Case{"negations", Repeat("not ", 50'000) + "true", "256"},
-           Case{"signs", Repeat("- ", 50'000) + "1", "256"},
            Case{"long text", Repeat("1 + ", 500'000) + "1", "1 MiB"},
            Case{"huge integer", "9223372036854775808", "9223372036854775807"},
            Case{"unknown word", "zzqx of 1", "zzqx"},
@@ -46,22 +44,11 @@ TEST(BadInput, EachHasItsOwnMessageAndEndsSoon) {
   }
 }
 
-// Bytes of any kind, and words of the language in any order: refused or answered, no more.
 TEST(BadInput, NoLineOfAnyBytesDoesHarm) {
   std::mt19937 random(20);  // NOLINT: the same bytes each time
-  std::vector<std::string> const words = {
-      "of",     "whose", "it",  "as",     "(",   ")",  "if", "then",     "else", "exists",
-      "1",      "\"a\"", "pid", "name",   "+",   "-",  ";",  "|",        ",",    "not",
-      "number", "item",  "is",  "string", "mod", "/*", "<=", "processes"};
   std::string input;
-  for (int line = 0; line < 1000; ++line) {
-    for (std::size_t length = random() % 24; length > 0; --length) {
-      if (line % 2 == 0) {
-        input += static_cast<char>(random());
-      } else {
-        input += words[random() % words.size()] + " ";
-      }
-    }
+  for (int line = 0; line < 500; ++line) {
+    for (std::size_t left = random() % 24; left > 0; --left) input += static_cast<char>(random());
     input += '\n';
   }
   ProcessResult const run = Gatotu({"--time-limit", "60s"}, input + "7\n");
@@ -70,19 +57,13 @@ TEST(BadInput, NoLineOfAnyBytesDoesHarm) {
 }
 
 TEST(BadInput, InspectorsThatThrowLeaveTheEvaluatorUsable) {
-  struct Case {
-    char const* parameter;
-    char const* message;
-  };
-  for (Case const& each :
-       {Case{"0", "error: "}, Case{"1", "out of luck"}, Case{"2", "-43"}, Case{"3", "NamedNothing"},
-        Case{"4", "memory"}, Case{"5", "no such object"}}) {
-    ProcessResult const run = Gatotu(
-        {"--plug-in", ODD_PLUG_IN, std::string("throwing thing ") + each.parameter, "40 + 2"});
-    EXPECT_THAT(run.errors, HasSubstr(each.message));
-    EXPECT_THAT(run.errors, HasSubstr("throwing thing"));
+  for (auto const& [thing, message] :
+       {std::pair("unlucky thing", "out of luck"), std::pair("foreign thing", "NamedNothing")}) {
+    ProcessResult const run = Gatotu({"--plug-in", ODD_PLUG_IN, thing, "40 + 2"});
+    EXPECT_THAT(run.errors, HasSubstr(message));
+    EXPECT_THAT(run.errors, HasSubstr(thing));
     EXPECT_EQ(run.output, "42\n");
-    EXPECT_EQ(run.status, 1) << each.parameter;
+    EXPECT_EQ(run.status, 1) << thing;
   }
 }
 

@@ -80,10 +80,11 @@ ProcessResult RunCommand(Launch const& launch) {
 }
 
 ProcessResult Gatotu(std::vector<std::string> arguments, std::string input) {
-  Launch launch;
-  launch.arguments = std::move(arguments);
-  launch.input = std::move(input);
-  return RunCommand(launch);
+  return RunCommand({.arguments = std::move(arguments), .input = std::move(input)});
+}
+
+ProcessResult RunShell(std::string line, std::string shell) {
+  return RunCommand({.arguments = {"-c", std::move(line)}, .program = std::move(shell)});
 }
 
 std::vector<std::string> Lines(std::string const& text) {

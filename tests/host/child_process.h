@@ -15,15 +15,17 @@ struct ProcessResult {
 };
 
 struct Launch {
-  std::vector<std::string> arguments;
-  std::string input;
-  std::vector<std::string> environment;  // NAME=VALUE, beside PATH and a HOME without settings
+  std::vector<std::string> arguments = {};
+  std::string input = {};
+  std::vector<std::string> environment = {};  // NAME=VALUE, beside PATH and a HOME without settings
   std::chrono::milliseconds interrupt_after{0};  // sends SIGINT; 0: never
-  std::string program;                           // empty: the command
+  std::string program = {};                      // empty: the command
 };
 
 ProcessResult RunCommand(Launch const& launch);
 ProcessResult Gatotu(std::vector<std::string> arguments, std::string input = {});
+// A line of the shell, given to this one.
+ProcessResult RunShell(std::string line, std::string shell = "sh");
 
 // The lines without their line feeds.
 std::vector<std::string> Lines(std::string const& text);

@@ -20,10 +20,7 @@ std::string Answer(std::string const& expression) {
 }
 
 std::string Shell(std::string const& command) {
-  Launch launch;
-  launch.program = "sh";
-  launch.arguments = {"-c", command};
-  ProcessResult const run = RunCommand(launch);
+  ProcessResult const run = RunShell(command);
   EXPECT_EQ(run.status, 0) << command << '\n' << run.errors;
   return run.output;
 }
@@ -72,11 +69,12 @@ TEST(LiveMachine, ProcessesAreThoseOfPs) {
 }
 
 TEST(LiveMachine, CountryOrderTimesAndVersions) {
-  EXPECT_EQ(Answer("country \"verFrance\" = country \"verFrSwiss\""), "false\n");
-  EXPECT_EQ(Answer("exists country \"verus\""), "false\n");
-  EXPECT_EQ(Answer("exists country \"verUS\""), "true\n");
-  EXPECT_EQ(Answer("\"1.10\" as version > \"1.9\" as version"), "true\n");
-  EXPECT_EQ(Answer("3 * day + now > 2 * day + now"), "true\n");
+  for (char const* truth :
+       {"not (country \"verFrance\" = country \"verFrSwiss\")", "not exists country \"verus\"",
+        "exists country \"verUS\"", "\"1.10\" as version > \"1.9\" as version",
+        "3 * day + now > 2 * day + now"}) {
+    EXPECT_EQ(Answer(truth), "true\n");
+  }
   EXPECT_EQ(Answer("3 * day + now").substr(0, 10),
             Shell("date -d '+72 hours' +%Y-%m-%d").substr(0, 10));
 }

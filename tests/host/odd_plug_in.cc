@@ -5,7 +5,6 @@
 #include <stdexcept>
 
 #include "evaluator/plugin/entry_points.h"
-#include "evaluator/plugin/exceptions.h"
 
 namespace {
 
@@ -16,28 +15,19 @@ bool Sleep(void*, void const*, void const*, void*, void const*) {
   for (;;) ::pause();
 }
 
-bool Throw(void*, void const* parameter, void const*, void*, void const*) {
-  switch (*static_cast<integer const*>(parameter)) {
-    case 0:
-      throw 7;
-    case 1:
-      throw std::runtime_error("out of luck");
-    case 2:
-      throw OSError(-43);
-    case 3:
-      throw NamedNothing();
-    case 4:
-      throw std::bad_alloc();
-    default:
-      throw NoSuchObject();
-  }
+template <class Exception>
+bool Throw(void*, void const*, void const*, void*, void const*) {
+  throw Exception();
 }
+
+struct OutOfLuck : std::runtime_error {
+  OutOfLuck() : std::runtime_error("out of luck") {}
+};
 
 class Registration {
  public:
-  Registration(char const* name, char const* parameter, InspectorGet get) {
-    Register_Property(block_, sizeof block_, name, "", parameter, "", "integer", get, nullptr,
-                      nullptr);
+  Registration(char const* name, InspectorGet get) {
+    Register_Property(block_, sizeof block_, name, "", "", "", "integer", get, nullptr, nullptr);
   }
   ~Registration() { Unregister_Property(block_); }
 
@@ -45,7 +35,8 @@ class Registration {
   alignas(std::max_align_t) unsigned char block_[128];
 };
 
-Registration sleeping_thing("sleeping thing", "", &Sleep);
-Registration throwing_thing("throwing thing", "integer", &Throw);
+Registration sleeping_thing("sleeping thing", &Sleep);
+Registration unlucky_thing("unlucky thing", &Throw<OutOfLuck>);
+Registration foreign_thing("foreign thing", &Throw<NamedNothing>);
 
 }  // namespace

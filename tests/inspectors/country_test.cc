@@ -21,16 +21,7 @@ TEST(Country, NamesAreFoundByTheirExactBytes) {
     char const* name;
     std::uint32_t code;
   } const cases[] = {
-      {"verUS", 0},
-      {"verFrance", 1},
-      {"verBritain", 2},
-      {"verGermany", 3},
-      {"verJapan", 14},
-      {"verAfrikaans", 102},
-      {"verNepal", 106},
-      {"vervariantPortugal", 30},
-      {"vervariantNorway", 31},
-      {"vervariantDenmark", 32},
+      {"verUS", 0},          {"verFrance", 1}, {"verNepal", 106}, {"vervariantDenmark", 32},
       {"verGreecePoly", 40},
   };
   for (auto const& row : cases) EXPECT_EQ(Named(row.name).region_code, row.code) << row.name;
@@ -58,16 +49,15 @@ TEST(Country, TheTableIsSortedAndEveryRowIsFound) {
 }
 
 TEST(Country, EqualityComparesCodes) {
-  RecordedRegistration const* const equal =
-      RecordingEvaluator::Instance().Find("Binary_Operator", "6", "country");
+  auto const* const equal = RecordingEvaluator::Instance().Find("Binary_Operator", "6", "country");
   ASSERT_NE(equal, nullptr);
-  auto const equals = [&](country left, country right) {
+  country const france = Named("verFrance");
+  for (char const* other : {"verFrance", "verFrSwiss"}) {
+    country const right = Named(other);
     boolean result = false;
-    equal->apply(&result, &left, &right, equal->context);
-    return result;
-  };
-  EXPECT_TRUE(equals(Named("verFrance"), Named("verFrance")));
-  EXPECT_FALSE(equals(Named("verFrance"), Named("verFrSwiss")));
+    equal->apply(&result, &france, &right, equal->context);
+    EXPECT_EQ(result, other == std::string_view("verFrance"));
+  }
 }
 
 }  // namespace

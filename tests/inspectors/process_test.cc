@@ -91,10 +91,9 @@ TEST_F(Processes, OneByItsNumber) {
 TEST_F(Processes, ThreeNamesOfTheSameNumber) {
   process found;
   found.record.kp_proc.p_pid = 7;
+  auto const& evaluator = RecordingEvaluator::Instance();
   for (char const* phrase : {"pid", "id", "process id"}) {
-    auto const* const property = RecordingEvaluator::Instance().Find("Property", phrase, "process");
-    ASSERT_NE(property, nullptr) << phrase;
-    EXPECT_EQ(property->Get<integer>(nullptr, &found), 7);
+    EXPECT_EQ(evaluator.Find("Property", phrase, "process")->Get<integer>(nullptr, &found), 7);
   }
 }
 

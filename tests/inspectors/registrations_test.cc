@@ -11,19 +11,15 @@
 
 namespace {
 
-// The inspectors are part of this program; the libraries that it needs register too.
-bool IsOfThisProgram(RecordedRegistration const& registration) {
-  static int const here = 0;
-  Dl_info own, other;
-  return ::dladdr(&here, &own) != 0 && ::dladdr(registration.handle, &other) != 0 &&
-         own.dli_fbase == other.dli_fbase;
-}
-
+// Those of the inspectors, which are part of this program; the libraries below register too.
 std::vector<RecordedRegistration> Own() {
-  std::vector<RecordedRegistration> own;
-  for (RecordedRegistration const& each : RecordingEvaluator::Instance().registered) {
-    if (IsOfThisProgram(each)) own.push_back(each);
-  }
+  static int const here = 0;
+  Dl_info program, other;
+  ::dladdr(&here, &program);
+  auto own = RecordingEvaluator::Instance().registered;
+  std::erase_if(own, [&](auto const& each) {
+    return ::dladdr(each.handle, &other) == 0 || other.dli_fbase != program.dli_fbase;
+  });
   return own;
 }
 
