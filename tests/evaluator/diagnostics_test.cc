@@ -42,7 +42,6 @@ TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
       {"ghost", "unregistered-type@1:1+5"},
       // Types.
       {"1 + \"a\"", "operator-mismatch@1:3+1"},
-      {"1 is contained by 2", "operator-mismatch@1:3+15"},
       {"stone = stone", "operator-mismatch@1:7+1"},
       {"(1, 2) = (1, 2)", "operator-mismatch@1:8+1"},
       {"1; \"a\"", "type-mismatch@1:4+3"},
@@ -54,14 +53,12 @@ TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
       {"count \"a\"", "parameter-mismatch@1:1+5"},
       {"count 1 + twins", "operator-mismatch@1:9+1 plural-operand@1:11+5"},
       {"twins, 1", "plural-operand@1:1+5"},
-      {"if twins = \"a\" then 1 else 2", "plural-operand@1:4+5"},
       {"it", "unbound-it@1:1+2"},
       {"item 0 of 1", "not-a-tuple@1:1+6"},
       {"1 + item 2 of (1, 2)", "no-such-item@1:5+6"},
       {"shelf 1", "not-showable@1:1+5"},
       {"unique values of shelves", "not-copyable@1:1+13"},
       {"minimum of stones", "not-copyable@1:1+7"},
-      {"last of books of shelf 1", "not-copyable@1:1+4"},
       {"sum of twins", "aggregate-mismatch@1:1+3"},
       // Where "whose" was probably meant.
       {"labels of books of shelf 2 whose (page count of it = 2)",
@@ -71,7 +68,6 @@ TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
       {" // nothing\n", "expected-expression@2:1+0"},
       {"1 +", "expected-expression@1:4+0"},
       {"(1", "expected-token@1:3+0"},
-      {"(1, 2 3)", "expected-token@1:7+1"},
       {"1 2", "unexpected-token@1:3+1"},
       {"of", "unexpected-token@1:1+2"},
       {"counts 3 whose true", "expected-token@1:16+4"},
@@ -104,7 +100,6 @@ TEST(Diagnostics, PointAtTheFailingPhraseOfAnEvaluation) {
     char const *text, *summary, *part_of_message;
   } const cases[] = {
       {"1 +\n fail 0", "no-such-object@2:2+4", "no such object"},
-      {"keeper of shelf 1", "no-such-object@1:1+6", "no such object"},
       {"page count of book 1 of shelf 11", "no-such-object@1:25+5", "no such object"},
       {"1 + count 2", "not-unique@1:5+5->counts", "unique"},
       {"label of books of shelf 2", "not-unique@1:1+5->labels", "unique"},

@@ -110,10 +110,10 @@ TEST_F(ProcessesDeathTest, BrokenPreconditionsEndTheProcess) {
   kinfo_proc* none = nullptr;
   kinfo_proc* some = &record;
   std::size_t count = 0;
-  constexpr char kMessage[] = "BSDProcessList:[0-9]+: failed assertion `";
-  EXPECT_DEATH(GetBSDProcessList(nullptr, &count), kMessage + std::string("procList != NULL'\n"));
-  EXPECT_DEATH(GetBSDProcessList(&some, &count), kMessage + std::string("\\*procList == NULL'\n"));
-  EXPECT_DEATH(GetBSDProcessList(&none, nullptr), kMessage + std::string("procCount != NULL'\n"));
+  std::string const message = "BSDProcessList:[0-9]+: failed assertion `";
+  EXPECT_DEATH(GetBSDProcessList(nullptr, &count), message + "procList != NULL'\n");
+  EXPECT_DEATH(GetBSDProcessList(&some, &count), message + "\\*procList == NULL'\n");
+  EXPECT_DEATH(GetBSDProcessList(&none, nullptr), message + "procCount != NULL'\n");
 }
 
 }  // namespace
