@@ -19,10 +19,9 @@ class FunctionRef<Result(Arguments...)> {
                                  std::is_invocable_r_v<Result, Callable&, Arguments...>,
                              int> = 0>
   FunctionRef(Callable&& callable)  // NOLINT(google-explicit-constructor)
-      : object_(const_cast<void*>(static_cast<void const*>(std::addressof(callable)))),
-        call_([](void* object, Arguments... arguments) -> Result {
-          return (*static_cast<std::remove_reference_t<Callable>*>(object))(
-              std::forward<Arguments>(arguments)...);
+      : object_(AddressOf(callable)), call_([](void* object, Arguments... arguments) -> Result {
+          using Object = std::remove_reference_t<Callable>;
+          return (*reinterpret_cast<Object*>(object))(std::forward<Arguments>(arguments)...);
         }) {}
 
   Result operator()(Arguments... arguments) const {
@@ -30,6 +29,12 @@ class FunctionRef<Result(Arguments...)> {
   }
 
  private:
+  // Of an object or of a function, which POSIX lets share one kind of address.
+  template <class Callable>
+  static void* AddressOf(Callable& callable) {
+    return const_cast<void*>(reinterpret_cast<void const*>(std::addressof(callable)));
+  }
+
   void* object_;
   Result (*call_)(void*, Arguments...);
 };

@@ -114,7 +114,7 @@ TEST(Diagnostics, PointAtTheFailingPhraseOfAnEvaluation) {
   for (auto const& c : cases) {
     auto const compilation = gatotu::Compile(c.text);
     ASSERT_NE(compilation.expression, nullptr) << c.text;
-    auto const evaluation = gatotu::Evaluate(*compilation.expression, kIgnore);
+    auto const evaluation = gatotu::Evaluate(*compilation.expression, Ignore);
     EXPECT_EQ(Summary(evaluation.diagnostic), c.summary) << c.text;
     EXPECT_NE(evaluation.diagnostic.message.find(c.part_of_message), std::string::npos)
         << evaluation.diagnostic.message;

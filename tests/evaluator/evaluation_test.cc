@@ -22,7 +22,7 @@ std::unique_ptr<gatotu::Expression const> Compiled(std::string_view text,
 }
 
 Outcome OutcomeOf(std::string_view text, gatotu::EvaluateOptions const& options = {}) {
-  auto const outcome = gatotu::Evaluate(*Compiled(text), kIgnore, options).outcome;
+  auto const outcome = gatotu::Evaluate(*Compiled(text), Ignore, options).outcome;
   ExpectLedgerBalances(text);
   return outcome;
 }
@@ -159,7 +159,7 @@ TEST(Callback, MayEvaluateAnother) {
       return true;
     });
     EXPECT_TRUE(gatotu::Evaluate(*outer, [](auto const&) { return false; }).IsAnswered());
-    EXPECT_EQ(gatotu::Evaluate(*endless, kIgnore, {.time_limit = 1ms}).outcome,
+    EXPECT_EQ(gatotu::Evaluate(*endless, Ignore, {.time_limit = 1ms}).outcome,
               Outcome::kTimeLimit);
     // The value is valid until this returns.
     seen.append("=").append(value.Text()).append(" ");
@@ -190,7 +190,7 @@ TEST(Threads, EvaluateOneAtATime) {
   auto const work = [&] {
     for (int i = 0; i < 50; ++i) {
       auto const expression = Compiled("exclusive and number of counts 5 = 5");
-      answered += gatotu::Evaluate(*expression, kIgnore).IsAnswered();
+      answered += gatotu::Evaluate(*expression, Ignore).IsAnswered();
     }
   };
   std::thread one(work), other(work);

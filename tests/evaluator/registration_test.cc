@@ -71,7 +71,7 @@ TEST(Registration, LeavesCompiledExpressionsStaleOnlyWhenWithdrawn) {
   EXPECT_EQ(AnswerOf(*expression), "7");
   EXPECT_EQ(Answer("eight"), "7");
   second.Withdraw();
-  auto const evaluation = gatotu::Evaluate(*expression, kIgnore);
+  auto const evaluation = gatotu::Evaluate(*expression, Ignore);
   EXPECT_EQ(evaluation.outcome, gatotu::Outcome::kStale);
   EXPECT_FALSE(evaluation.diagnostic.message.empty());
   EXPECT_EQ(expression->Text(), "seven");
