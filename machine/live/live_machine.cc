@@ -34,7 +34,7 @@ class LiveMachine final : public Machine {
 
 }  // namespace
 
-std::shared_ptr<Machine const> MakeLiveMachine(std::string root) {
+std::shared_ptr<Machine const> MakeLiveMachine(std::string root, Changes) {
   return std::make_shared<LiveMachine const>(std::move(root));
 }
 
