@@ -14,6 +14,14 @@ class GATOTU_API MacFileInfo {
   MacFileInfo() = default;
   // Asks at once. Never throws: what cannot be queried leaves this invalid.
   explicit MacFileInfo(FileLocation const& location) noexcept;
+  // From a query of `kFields` that was made already.
+  explicit MacFileInfo(FSCatalogInfo const& catalog) noexcept;
+
+  // What is asked for: all but what would take a folder's reading (its valence).
+  static constexpr FSCatalogInfoBitmap kFields =
+      kFSCatInfoNodeFlags | kFSCatInfoVolume | kFSCatInfoParentDirID | kFSCatInfoNodeID |
+      kFSCatInfoAllDates | kFSCatInfoPermissions | kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo |
+      kFSCatInfoDataSizes | kFSCatInfoRsrcSizes;
 
   bool IsValid() const { return is_valid_; }
   FSCatalogInfo const& Catalog() const { return catalog_; }
