@@ -1,5 +1,7 @@
 #include "portable/macintosh/file_loop.h"
 
+#include <algorithm>
+
 #include "portable/file_errors.h"
 #include "portable/macintosh/folder_iterator.h"
 
