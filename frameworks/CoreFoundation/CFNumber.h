@@ -54,9 +54,9 @@ CF_EXPORT CFNumberType CFNumberGetType(CFNumberRef number);
 CF_EXPORT CFIndex CFNumberGetByteSize(CFNumberRef number);
 CF_EXPORT Boolean CFNumberIsFloatType(CFNumberRef number);
 
-// Converts to that type. False when that loses something (a fraction, a value out of range, digits
-// that a float has no room for): then `valuePtr` gets the nearest value of the type, 0 for NaN.
-// False and nothing written for an unknown type.
+// Converts to that type. False when that loses something: a fraction, a value out of range, digits
+// that a float has no room for; then `valuePtr` gets the value cut towards zero and to the type's
+// range (as a float the nearest). False and nothing written for an unknown type.
 CF_EXPORT Boolean CFNumberGetValue(CFNumberRef number, CFNumberType theType, void* valuePtr);
 
 // Exactly by value, whatever the types: 1 equals 1.0. NaN equals NaN and comes before all else.

@@ -39,5 +39,6 @@ struct __CFArray : CFObject {
 
 struct MutableArray final : __CFArray {
   explicit MutableArray(UInt8 variant) : __CFArray(variant | kMutable) {}
+  ~MutableArray() override;
   std::vector<void const*> storage;
 };

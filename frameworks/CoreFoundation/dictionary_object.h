@@ -8,14 +8,18 @@
 #include <vector>
 
 #include "frameworks/CoreFoundation/object.h"
+#include "frameworks/CoreFoundation/place_index.h"
 
 struct __CFDictionary : CFObject {
  public:
+  static constexpr UInt8 kMutable = 1, kObjectKeys = 2, kObjectValues = 4;
+
   // For readers: a dictionary of objects with room for `capacity` pairs, none there yet. The caller
   // gives a reference to each key and value by `TakeKey` and `TakeValue` at the same place, all
   // places from 0 up, and then calls `Settle`, before anyone else sees the dictionary. Released
   // half filled it gives back what it has.
-  static __CFDictionary* MakeUnfilled(std::size_t capacity);
+  static __CFDictionary* MakeUnfilled(std::size_t capacity,
+                                      UInt8 variant = kObjectKeys | kObjectValues);
   void TakeKey(std::size_t place, CFTypeRef key) { Inline()[place] = key; }
   void TakeValue(std::size_t place, CFTypeRef value) { Inline()[count_ + place] = value; }
   enum class Keep { kFirst, kLast };
@@ -40,7 +44,6 @@ struct __CFDictionary : CFObject {
   bool EqualTo(CFObject const& other) const override;
   CFHashCode Hash() const override;
 
-  static constexpr UInt8 kMutable = 1, kObjectKeys = 2, kObjectValues = 4;
   // For `CFObject::Make` alone.
   __CFDictionary(UInt8 variant, std::size_t count)
       : CFObject(kCFTypeDictionary, variant), count_(count) {}
@@ -48,6 +51,32 @@ struct __CFDictionary : CFObject {
  private:
   void const** Inline() { return reinterpret_cast<void const**>(this + 1); }
   void const* const* Inline() const { return reinterpret_cast<void const* const*>(this + 1); }
+  PlaceIndex InlineIndex() const;
+  // Moves the pairs together that `Settle` kept, `kept` of them.
+  void Shrink(std::size_t kept);
 
   std::size_t count_;  // Of an immutable dictionary.
+};
+
+struct MutableDictionary final : __CFDictionary {
+ public:
+  explicit MutableDictionary(UInt8 variant) : __CFDictionary(variant | kMutable, 0) {}
+  ~MutableDictionary() override;
+
+  // The key must be absent, or the place inside, respectively.
+  void Add(void const* key, void const* value);
+  void Replace(std::size_t place, void const* value);
+  void Remove(std::size_t place);
+  void Clear();
+
+ private:
+  friend struct __CFDictionary;
+  void Reindex(std::size_t capacity);
+  std::size_t SlotOf(std::size_t place) const;
+  void Vacate(std::size_t gap);
+  PlaceIndex index() const { return {const_cast<UInt8*>(slots_.data()), capacity_}; }
+
+  std::vector<void const*> keys_, values_;
+  std::size_t capacity_ = 0;  // Pairs that the index was made for.
+  std::vector<UInt8> slots_;
 };
