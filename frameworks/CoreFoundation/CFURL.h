@@ -6,13 +6,13 @@
 // use, below its root; only the functions that say so ask it.
 #pragma once
 
+#include <CoreFoundation/CFArray.h>
 #include <CoreFoundation/CFBase.h>
+#include <CoreFoundation/CFData.h>
+#include <CoreFoundation/CFDictionary.h>
 #include <CoreFoundation/CFString.h>
 
 using CFURLRef = struct __CFURL const*;
-using CFDataRef = struct __CFData const*;
-using CFArrayRef = struct __CFArray const*;
-using CFDictionaryRef = struct __CFDictionary const*;
 struct FSRef;
 
 enum CFURLPathStyle : CFIndex {

@@ -11,3 +11,4 @@
 #include <CoreFoundation/CFString.h>
 #include <CoreFoundation/CFStringEncodingExt.h>
 #include <CoreFoundation/CFTimeZone.h>
+#include <CoreFoundation/CFURL.h>

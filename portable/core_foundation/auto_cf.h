@@ -1,7 +1,6 @@
 // Owning handles of Core Foundation objects: one reference each, given back on every path.
 #pragma once
 
-#include <CoreFoundation/CFURL.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <utility>
