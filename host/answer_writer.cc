@@ -77,11 +77,12 @@ class LineWriter final : public AnswerWriter {
     line_.clear();
   }
 
-  void Write(Value const& value) override {
+  bool Write(Value const& value) override {
     line_.clear();
     Append(value);
     line_ += '\n';
     if (is_many_) answers_.Write(line_);
+    return true;
   }
 
   void End(Report const& report) override {

@@ -37,9 +37,13 @@ class AnswerWriter {
 
   // Values of `expression` follow.
   virtual void Begin(Expression const& expression) = 0;
-  virtual void Write(Value const& value) = 0;
+  // False, and nothing written, when the answer would become longer than may be.
+  virtual bool Write(Value const& value) = 0;
   // Ends what was begun, or reports an expression that was refused or not to be evaluated.
   virtual void End(Report const& report) = 0;
+
+  // Whether values that are property lists need no text.
+  virtual bool ShowsPropertyLists() const { return false; }
 };
 
 // Values go to `answers`; messages to `errors`, but for JSON, whose objects hold them.
