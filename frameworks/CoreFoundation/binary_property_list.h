@@ -19,7 +19,7 @@ GATOTU_API bool IsBinaryPropertyList(std::span<unsigned char const> bytes);
 // The root object with one reference for the caller, or null and the reason in `error`. Takes
 // memory in proportion to the input, whatever it claims. Refused are containers that hold
 // themselves, nesting beyond `kPropertyListNesting`, objects that overlap, keys that are not
-// strings, sets, and integers outside -2^63 .. 2^64-1. Of equal keys the first counts. A keyed
+// strings, sets, and integers outside -2^63 .. 2^64-1. Of equal keys the last counts. A keyed
 // archive's UID becomes a dictionary of one number, "CF$UID", as its XML form has it.
 GATOTU_API CFPropertyListRef ReadBinaryPropertyList(std::span<unsigned char const> bytes,
                                                     PropertyListError& error);

@@ -19,8 +19,20 @@ using namespace binary_property_list;
 
 namespace {
 
+template <typename Word>
+Word Load(unsigned char const* bytes) {
+  Word word;
+  std::memcpy(&word, bytes, sizeof word);
+  return word;
+}
+
 // A few bytes, the most significant first.
 UInt64 LoadBigEndian(unsigned char const* bytes, std::size_t width) {
+  if constexpr (std::endian::native == std::endian::little) {
+    if (width == 2) return __builtin_bswap16(Load<UInt16>(bytes));
+    if (width == 4) return __builtin_bswap32(Load<UInt32>(bytes));
+    if (width == 8) return __builtin_bswap64(Load<UInt64>(bytes));
+  }
   UInt64 value = 0;
   for (std::size_t i = 0; i < width; ++i) value = value << 8 | bytes[i];
   return value;
@@ -83,9 +95,7 @@ class Reader {
   bool Claim(std::size_t at, std::size_t begin, UInt64 size);
 
   UInt64 ReferenceAt(std::size_t begin, UInt64 index) const {
-    unsigned char const* const at = bytes_.data() + begin + index * reference_width_;
-    if (reference_width_ == 1) return *at;
-    return LoadBigEndian(at, reference_width_);
+    return LoadBigEndian(bytes_.data() + begin + index * reference_width_, reference_width_);
   }
 
   std::span<unsigned char const> bytes_;
@@ -143,7 +153,8 @@ CFTypeRef Reader::ReadObject(UInt64 number, int enclosing) {
   std::size_t const entry = table_ + number * offset_width_;
   if (height == kBeingRead) return Fail(entry, "a container that holds itself");
   if (enclosing + height > kPropertyListNesting) return Fail(entry, kTooDeep);
-  return CFRetain(objects_[number]);
+  CFObject::Of(objects_[number]).RetainUnshared();
+  return objects_[number];
 }
 
 CFTypeRef Reader::ReadNewObject(std::size_t number, int enclosing) {
@@ -323,7 +334,7 @@ CFTypeRef Reader::ReadDictionary(std::size_t at, std::size_t number, int enclosi
     CFRelease(dictionary);
     return nullptr;
   }
-  dictionary->Settle(__CFDictionary::Keep::kFirst, &dropped_);
+  dictionary->Settle(__CFDictionary::Keep::kLast, &dropped_);
   heights_[number] = static_cast<UInt16>(height + 1);
   return dictionary;
 }
@@ -334,7 +345,7 @@ bool Reader::FillDictionary(__CFDictionary& dictionary, Extent extent, int enclo
     CFTypeRef const key = ReadObject(ReferenceAt(extent.begin, i), enclosing);
     if (key == nullptr) return false;
     dictionary.TakeKey(i, key);
-    if (CFGetTypeID(key) != kCFTypeString) {
+    if (CFObject::Of(key).type() != kCFTypeString) {
       return Refuse(extent.begin + i * reference_width_, "a key that is not a string");
     }
   }

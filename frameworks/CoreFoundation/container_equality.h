@@ -9,12 +9,15 @@ bool AreEqualContainers(CFObject const& left, CFObject const& right);
 
 // Retaining and comparing what may be an object or a plain pointer. Null is never an object.
 inline void RetainValue(void const* value, bool is_object) {
-  if (is_object && value != nullptr) CFRetain(value);
+  if (is_object && value != nullptr) CFObject::Of(value).Retain();
 }
 inline void ReleaseValue(void const* value, bool is_object) {
-  if (is_object && value != nullptr) CFRelease(value);
+  if (is_object && value != nullptr) CFObject::Of(value).Release();
 }
 inline bool AreEqualValues(void const* left, void const* right, bool are_objects) {
   if (left == right) return true;
-  return are_objects && left != nullptr && right != nullptr && CFEqual(left, right);
+  if (!are_objects || left == nullptr || right == nullptr) return false;
+  CFObject const& one = CFObject::Of(left);
+  CFObject const& other = CFObject::Of(right);
+  return one.type() == other.type() && one.EqualTo(other);
 }

@@ -7,27 +7,27 @@
 #include "frameworks/CoreFoundation/container_equality.h"
 #include "frameworks/CoreFoundation/hash.h"
 
+// `kNone` of an index is `kCFNotFound` of an array.
+static_assert(static_cast<CFIndex>(PlaceIndex::kNone) == kCFNotFound);
+
 namespace {
 
 CFHashCode HashKey(void const* key, bool is_object) {
   return is_object && key != nullptr ? CFHash(key) : HashWord(reinterpret_cast<UInt64>(key));
 }
 
-// The place of a key among the first `count`, which the index knows where there is one.
-CFIndex FindPlace(void const* const* keys, std::size_t count, PlaceIndex index, bool has_index,
-                  void const* key, bool are_objects) {
-  if (!has_index) {
-    for (std::size_t i = 0; i < count; ++i) {
-      if (AreEqualValues(keys[i], key, are_objects)) return static_cast<CFIndex>(i);
-    }
-    return kCFNotFound;
+std::size_t FindAmong(void const* const* keys, std::size_t count, void const* key,
+                      bool are_objects) {
+  for (std::size_t i = 0; i < count; ++i) {
+    if (AreEqualValues(keys[i], key, are_objects)) return i;
   }
-  std::size_t slot = index.First(HashKey(key, are_objects));
-  for (; index.Get(slot) != 0; slot = index.Next(slot)) {
-    std::size_t const place = index.Get(slot) - 1;
-    if (AreEqualValues(keys[place], key, are_objects)) return static_cast<CFIndex>(place);
-  }
-  return kCFNotFound;
+  return PlaceIndex::kNone;
+}
+
+std::size_t FindByIndex(void const* const* keys, PlaceIndex index, CFHashCode hash, void const* key,
+                        bool are_objects) {
+  return index.Find(
+      hash, [&](std::size_t place) { return AreEqualValues(keys[place], key, are_objects); });
 }
 
 void Drop(CFTypeRef object, std::vector<CFTypeRef>* dropped) {
@@ -69,11 +69,14 @@ void __CFDictionary::Settle(Keep keep, std::vector<CFTypeRef>* dropped) {
   PlaceIndex index = InlineIndex();
   std::size_t kept = 0;
   for (std::size_t i = 0; i < count_; ++i) {
-    CFIndex const found = FindPlace(keys, kept, index, has_index, keys[i], holds_object_keys());
-    if (found == kCFNotFound) {
+    CFHashCode const hash = has_index ? HashKey(keys[i], holds_object_keys()) : 0;
+    std::size_t const found = has_index
+                                  ? FindByIndex(keys, index, hash, keys[i], holds_object_keys())
+                                  : FindAmong(keys, kept, keys[i], holds_object_keys());
+    if (found == PlaceIndex::kNone) {
       keys[kept] = keys[i];
       values[kept] = values[i];
-      if (has_index) index.Add(HashKey(keys[kept], holds_object_keys()), kept);
+      if (has_index) index.Add(hash, kept);
       ++kept;
       continue;
     }
@@ -108,14 +111,17 @@ void const* const* __CFDictionary::values() const {
 }
 
 CFIndex __CFDictionary::Find(void const* key) const {
-  if (holds_object_keys() && key == nullptr) return kCFNotFound;
-  if (!is_mutable()) {
-    return FindPlace(Inline(), count_, InlineIndex(), PlaceIndex::IsNeededFor(count_), key,
-                     holds_object_keys());
+  bool const are_objects = holds_object_keys();
+  if (are_objects && key == nullptr) return kCFNotFound;
+  bool const has_index = is_mutable() ? !static_cast<MutableDictionary const*>(this)->slots_.empty()
+                                      : PlaceIndex::IsNeededFor(count_);
+  if (!has_index) {
+    return static_cast<CFIndex>(FindAmong(keys(), count(), key, are_objects));
   }
-  auto const& self = *static_cast<MutableDictionary const*>(this);
-  return FindPlace(self.keys_.data(), self.keys_.size(), self.index(), !self.slots_.empty(), key,
-                   holds_object_keys());
+  PlaceIndex const index =
+      is_mutable() ? static_cast<MutableDictionary const*>(this)->index() : InlineIndex();
+  return static_cast<CFIndex>(
+      FindByIndex(keys(), index, HashKey(key, are_objects), key, are_objects));
 }
 
 __CFDictionary::~__CFDictionary() {
@@ -156,8 +162,9 @@ void MutableDictionary::Remove(std::size_t place) {
   void const* const value = values_[place];
   std::size_t const last = keys_.size() - 1;
   if (!slots_.empty()) {
-    Vacate(SlotOf(place));
-    if (place != last) index().Set(SlotOf(last), place + 1);
+    auto const hash_of = [this](std::size_t i) { return HashKey(keys_[i], holds_object_keys()); };
+    index().Remove(place, hash_of);
+    if (place != last) index().Move(hash_of(last), last, place);
   }
   keys_[place] = keys_[last];
   values_[place] = values_[last];
@@ -183,23 +190,4 @@ void MutableDictionary::Reindex(std::size_t capacity) {
   for (std::size_t i = 0; i < keys_.size(); ++i) {
     index().Add(HashKey(keys_[i], holds_object_keys()), i);
   }
-}
-
-std::size_t MutableDictionary::SlotOf(std::size_t place) const {
-  std::size_t slot = index().First(HashKey(keys_[place], holds_object_keys()));
-  while (index().Get(slot) != place + 1) slot = index().Next(slot);
-  return slot;
-}
-
-// Keys behind the gap move into it unless that would put them before their first slot, so that no
-// search ends early.
-void MutableDictionary::Vacate(std::size_t gap) {
-  for (std::size_t slot = index().Next(gap); index().Get(slot) != 0; slot = index().Next(slot)) {
-    std::size_t const place = index().Get(slot) - 1;
-    std::size_t const first = index().First(HashKey(keys_[place], holds_object_keys()));
-    if (index().Distance(first, slot) < index().Distance(gap, slot)) continue;
-    index().Set(gap, place + 1);
-    gap = slot;
-  }
-  index().Set(gap, 0);
 }

@@ -72,8 +72,6 @@ struct MutableDictionary final : __CFDictionary {
  private:
   friend struct __CFDictionary;
   void Reindex(std::size_t capacity);
-  std::size_t SlotOf(std::size_t place) const;
-  void Vacate(std::size_t gap);
   PlaceIndex index() const { return {const_cast<UInt8*>(slots_.data()), capacity_}; }
 
   std::vector<void const*> keys_, values_;

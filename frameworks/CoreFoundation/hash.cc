@@ -15,6 +15,20 @@ UInt64 Mix(UInt64 left, UInt64 right) {
   return static_cast<UInt64>(product) ^ static_cast<UInt64>(product >> 64);
 }
 
+template <typename Word>
+UInt64 Load(UInt8 const* from) {
+  Word word;
+  std::memcpy(&word, from, sizeof word);
+  return word;
+}
+
+// Fewer than 8 bytes, all of them, some twice.
+UInt64 LoadShort(UInt8 const* from, std::size_t length) {
+  if (length >= 4) return Load<UInt32>(from) | Load<UInt32>(from + length - 4) << 32;
+  if (length == 0) return 0;
+  return from[0] | UInt64{from[length / 2]} << 8 | UInt64{from[length - 1]} << 16;
+}
+
 }  // namespace
 
 CFHashCode HashWord(UInt64 word) { return Mix(word ^ Seed(), 0xd6e8feb86659fd93u); }
@@ -23,12 +37,10 @@ CFHashCode HashBytes(void const* bytes, std::size_t length) {
   auto const* at = static_cast<UInt8 const*>(bytes);
   UInt64 const seed = Seed();
   UInt64 hash = length ^ 0xa0761d6478bd642fu;
-  UInt64 word = 0;
-  for (; length >= sizeof word; at += sizeof word, length -= sizeof word) {
-    std::memcpy(&word, at, sizeof word);
-    hash = Mix(word ^ seed, hash ^ 0xe7037ed1a0b428dbu);
+  if (length < sizeof(UInt64)) return Mix(LoadShort(at, length) ^ seed, hash);
+  UInt8 const* const last = at + length - sizeof(UInt64);
+  for (; at < last; at += sizeof(UInt64)) {
+    hash = Mix(Load<UInt64>(at) ^ seed, hash ^ 0xe7037ed1a0b428dbu);
   }
-  word = 0;
-  if (length > 0) std::memcpy(&word, at, length);
-  return Mix(word ^ seed, hash ^ 0x8ebc6af09c88c6e3u);
+  return Mix(Load<UInt64>(last) ^ seed, hash ^ 0x8ebc6af09c88c6e3u);
 }

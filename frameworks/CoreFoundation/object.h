@@ -62,6 +62,8 @@ class CFObject {
   virtual CFHashCode Hash() const { return reinterpret_cast<CFHashCode>(this); }
 
   void Retain() const { head_.fetch_add(kOne, std::memory_order_relaxed); }
+  // For readers, cheaper: no other thread knows the object yet, or it is a constant.
+  void RetainUnshared() const { head_.store(Head() + kOne, std::memory_order_relaxed); }
   void Release() const {
     if (head_.fetch_sub(kOne, std::memory_order_acq_rel) < 2 * kOne) Destroy();
   }
