@@ -42,16 +42,20 @@ class PropertyListBuilder {
     void operator()(void* memory) const;
   };
 
-  CFTypeRef NewDictionary(std::span<CFTypeRef const> pairs);
+  std::span<CFTypeRef const> From(std::size_t first) const {
+    return {values_.get() + first, count_ - first};
+  }
+  // Drops what the container took over and adds the container.
   void ReplaceFrom(std::size_t first, CFTypeRef container);
+  void MakeMutableArray(std::size_t first);
+  void MakeMutableDictionary(std::size_t first);
 
   // Grown by `realloc`: that moves large blocks without copying, so the peak is what is used.
   std::unique_ptr<CFTypeRef[], Freer> values_;
   std::size_t count_ = 0, capacity_ = 0;
-  std::unique_ptr<CFTypeRef[], Freer> turned_;  // keys, then values: room for one dictionary
-  std::size_t turned_capacity_ = 0;
 
   bool is_mutable_;
-  CFTypeRef empty_array_ = nullptr, empty_dictionary_ = nullptr;
-  std::array<CFStringRef, 1024> recent_ = {};  // by a hash of the text, the latest of each
+  CFTypeRef empty_array_ = nullptr, empty_dictionary_ = nullptr;  // made when first needed
+  // Short strings by a hash of their text, the latest for each, owned.
+  std::array<CFStringRef, 1024> recent_ = {};
 };

@@ -44,7 +44,7 @@ std::int64_t DaysToMarch(std::int64_t year) {
     return a / b - (a % b < 0 ? 1 : 0);
   };
   return 365 * year + floor_divide(year, 4) - floor_divide(year, 100) + floor_divide(year, 400) -
-         730'426;
+         730'791;
 }
 
 // Of a month counted from March: 31, 30, 31, 30, 31 days, again and again.
@@ -56,9 +56,7 @@ std::int64_t DaysSince2001(std::int64_t year, std::int64_t month, std::int64_t d
          DaysToMonth(belongs_to_year_before ? month + 9 : month - 3) + day - 1;
 }
 
-bool IsLeapYear(std::int64_t year) {
-  return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-}
+bool IsLeapYear(std::int64_t year) { return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0); }
 
 int DaysOfMonth(std::int64_t year, int month) {
   constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
