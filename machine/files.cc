@@ -59,7 +59,7 @@ Fact<Done> FileSource::SetMode(std::string const& path, std::uint32_t) const {
 Fact<Done> FileSource::SetTimes(std::string const& path, FileTime const&, FileTime const&) const {
   return Refused(path);
 }
-Fact<std::string> FileSource::MakeUniqueFile(std::string const& pattern) const {
+Fact<UniqueFile> FileSource::MakeUniqueFile(std::string const& pattern) const {
   return Refused(pattern);
 }
 Fact<std::string> FileSource::MakeUniqueFolder(std::string const& pattern) const {

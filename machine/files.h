@@ -17,6 +17,7 @@
 
 #include "machine/export.h"
 #include "machine/fact.h"
+#include "machine/file_descriptor.h"
 
 namespace machine {
 
@@ -63,7 +64,7 @@ enum class Detail {
 struct FolderEntry {
   std::string_view name;  // NUL-terminated, until the next entry is read
   Item item;
-  // With `kAll`: an AppleDouble file whose item lies in this folder too.
+  // Not with `kKind`: an AppleDouble file whose item lies in this folder too.
   bool is_companion = false;
 };
 
@@ -116,6 +117,11 @@ enum class Links { kFollow, kKeep };
 
 struct Done {};
 
+struct UniqueFile {
+  std::string path;
+  FileDescriptor file;  // open for writing
+};
+
 class MACHINE_API FileSource {
  public:
   virtual ~FileSource() = default;
@@ -149,7 +155,7 @@ class MACHINE_API FileSource {
   // Within a volume (else error EXDEV).
   virtual Fact<Done> Move(std::string const& from, std::string const& to) const;
   // A file or a link with mode, times, attributes and resource fork, or a folder alone with the
-  // same. After a failure nothing is left at `to`.
+  // same, which its owner may fill. After a failure nothing is left at `to`.
   virtual Fact<Done> Copy(std::string const& from, std::string const& to) const;
   // Puts a file in another's place in one step; the place keeps its mode, owner and attributes.
   virtual Fact<Done> Replace(std::string const& place, std::string const& replacement) const;
@@ -160,8 +166,8 @@ class MACHINE_API FileSource {
   virtual Fact<Done> SetMode(std::string const& path, std::uint32_t mode) const;
   virtual Fact<Done> SetTimes(std::string const& path, FileTime const& access,
                               FileTime const& modification) const;
-  // `pattern` ends in six X; the path made.
-  virtual Fact<std::string> MakeUniqueFile(std::string const& pattern) const;
+  // `pattern` ends in six X, which are replaced.
+  virtual Fact<UniqueFile> MakeUniqueFile(std::string const& pattern) const;
   virtual Fact<std::string> MakeUniqueFolder(std::string const& pattern) const;
 };
 
