@@ -16,7 +16,7 @@ constexpr std::size_t kLongestShared = 40;
 
 std::uint64_t WordAt(char const* bytes, std::size_t size) {
   std::uint64_t word = 0;
-  std::memcpy(&word, bytes, size);
+  if (size > 0) std::memcpy(&word, bytes, size);
   return word;
 }
 
@@ -65,13 +65,12 @@ void PropertyListBuilder::AddAscii(std::string_view text) {
   auto const* const bytes = reinterpret_cast<UInt8 const*>(text.data());
   if (text.size() > kLongestShared) return Add(__CFString::MakeAscii(bytes, text.size()));
   CFStringRef& recent = recent_[SlotOf(text)];
-  if (recent == nullptr || recent->length() != text.size() ||
-      std::memcmp(recent->ascii(), bytes, text.size()) != 0) {
+  if (recent == nullptr || recent->ascii_text() != text) {
     if (recent != nullptr) CFRelease(recent);
     recent = nullptr;
     recent = __CFString::MakeAscii(bytes, text.size());
   }
-  CFRetain(recent);
+  recent->RetainUnshared();
   Add(recent);
 }
 
@@ -85,7 +84,8 @@ void PropertyListBuilder::MakeArray(std::size_t first) {
   if (is_mutable_) return MakeMutableArray(first);
   if (first < count_) return ReplaceFrom(first, __CFArray::MakeTaking(From(first)));
   if (empty_array_ == nullptr) empty_array_ = __CFArray::MakeTaking({});
-  Add(CFRetain(empty_array_));
+  CFObject::Of(empty_array_).RetainUnshared();
+  Add(empty_array_);
 }
 
 void PropertyListBuilder::MakeDictionary(std::size_t first) {
@@ -97,7 +97,8 @@ void PropertyListBuilder::MakeDictionary(std::size_t first) {
   if (empty_dictionary_ == nullptr) {
     empty_dictionary_ = __CFDictionary::MakeTaking({}, Keep::kLast);
   }
-  Add(CFRetain(empty_dictionary_));
+  CFObject::Of(empty_dictionary_).RetainUnshared();
+  Add(empty_dictionary_);
 }
 
 void PropertyListBuilder::MakeMutableArray(std::size_t first) {

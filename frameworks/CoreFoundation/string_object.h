@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "frameworks/CoreFoundation/object.h"
@@ -35,6 +36,7 @@ struct __CFString final : CFObject {
   bool is_ascii() const { return variant() != 0; }
   std::size_t length() const { return length_; }
   UInt8 const* ascii() const { return reinterpret_cast<UInt8 const*>(this + 1); }
+  std::string_view ascii_text() const { return {reinterpret_cast<char const*>(ascii()), length_}; }
   UniChar const* units() const { return reinterpret_cast<UniChar const*>(this + 1); }
   UniChar UnitAt(std::size_t index) const { return is_ascii() ? ascii()[index] : units()[index]; }
 
