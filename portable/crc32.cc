@@ -4,8 +4,8 @@
 
 namespace {
 
-// tables[k][b] is what byte b does to the remainder when k more bytes follow it, so that eight bytes
-// are taken at once.
+// tables[k][b] is what byte b does to the remainder when k more bytes follow it, so that eight
+// bytes are taken at once.
 using Tables = std::array<std::array<std::uint32_t, 256>, 8>;
 
 constexpr Tables MakeTables() {
