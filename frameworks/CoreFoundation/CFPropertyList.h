@@ -11,6 +11,7 @@ using CFErrorRef = struct __CFError*;
 using CFPropertyListMutabilityOptions = CFOptionFlags;
 enum : CFPropertyListMutabilityOptions {
   kCFPropertyListImmutable = 0,
+  // Of the two text forms: what is read of a binary property list is always immutable.
   kCFPropertyListMutableContainers = 1,
   // As the one before: strings and data are always immutable here.
   kCFPropertyListMutableContainersAndLeaves = 2,
