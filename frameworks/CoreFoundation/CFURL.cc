@@ -196,8 +196,9 @@ CFStringRef CFURLCopyScheme(CFURLRef anURL) {
 }
 
 CFStringRef CFURLCopyFileSystemPath(CFURLRef anURL, CFURLPathStyle pathStyle) {
+  if (anURL == nullptr || !anURL->is_file()) return nullptr;
   std::string const& path = anURL->parts().path;
-  if (!anURL->is_file() || path.empty()) return nullptr;
+  if (path.empty()) return nullptr;
   if (pathStyle == kCFURLPOSIXPathStyle) {
     return CreateString(url_text::WithoutTrailingSlashes(path));
   }
@@ -207,6 +208,7 @@ CFStringRef CFURLCopyFileSystemPath(CFURLRef anURL, CFURLPathStyle pathStyle) {
 }
 
 CFStringRef CFURLCopyLastPathComponent(CFURLRef url) {
+  if (url == nullptr) return nullptr;
   std::string_view const component = url_text::LastComponent(url->parts().path);
   return CreateString(url->is_file() ? std::string(component) : url_text::Unescape(component));
 }

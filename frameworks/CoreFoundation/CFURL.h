@@ -77,7 +77,7 @@ CF_EXPORT CFStringRef CFURLCopyScheme(CFURLRef anURL);
 // The path without its escapes and without a `/` at its end, absolute for an absolute URL. Null for
 // one that is no file's. The HFS form asks the machine for its volumes.
 CF_EXPORT CFStringRef CFURLCopyFileSystemPath(CFURLRef anURL, CFURLPathStyle pathStyle);
-// Without its escapes; `/` for the root, empty where there is no path.
+// Without its escapes; `/` for the root, empty where there is no path, null for a null URL.
 CF_EXPORT CFStringRef CFURLCopyLastPathComponent(CFURLRef url);
 // Whether the path is spelt as a folder's: it ends in `/`, `.` or `..`.
 CF_EXPORT Boolean CFURLHasDirectoryPath(CFURLRef anURL);
