@@ -56,8 +56,9 @@ class GATOTU_API FileLocation {
   bool IsLink() const { return IsAlias() || IsSymLink(); }
   bool Exists() const;
 
-  // The item that an alias or link leads to at last; itself when it is neither. `FileNotFoundError`
-  // and its like when the way ends before. What is found on the way is told where asked for.
+  // The item that a link leads to at last; itself when it is none. `FileNotFoundError` and its like
+  // when the way ends before. A Finder alias names its target in a record that is not read here:
+  // `FileError` for one. What is found is told where asked for.
   FileLocation ResolveAliasFile(bool* is_folder = nullptr, bool* was_aliased = nullptr) const;
 
   // Sets or clears the item's lock, and the flag of the snapshot with it.
