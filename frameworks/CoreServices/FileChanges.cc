@@ -16,7 +16,8 @@ using machine::Fact;
 using machine::FinderInfo;
 using machine::ItemKind;
 
-OSErr CodeOf(Fact<Done> const& done, std::string const& path) {
+// Of another name than what it calls, which takes an absence: that would turn into a fact.
+OSErr ResultOf(Fact<Done> const& done, std::string const& path) {
   return done ? OSErr{noErr} : CodeOf(done.absence(), path);
 }
 
@@ -43,13 +44,13 @@ OSErr SetFinderInfo(FoundItem const& found, Settings const& settings) {
   }
   FinderInfo const info = ExchangeFinderInfo(native, found.item.status.kind);
   if (info == found.item.finder_info) return noErr;
-  return CodeOf(MachineFiles().SetFinderInfo(found.path, info), found.path);
+  return ResultOf(MachineFiles().SetFinderInfo(found.path, info), found.path);
 }
 
 OSErr SetTimes(FoundItem const& found, Settings const& settings) {
   bool const sets_access = (settings.fields & kFSCatInfoAccessDate) != 0;
   bool const sets_content = (settings.fields & kFSCatInfoContentMod) != 0;
-  return CodeOf(
+  return ResultOf(
       MachineFiles().SetTimes(
           found.path, sets_access ? TimeOf(settings.info->accessDate) : found.item.status.access,
           sets_content ? TimeOf(settings.info->contentModDate) : found.item.status.modification),
@@ -65,19 +66,20 @@ OSErr Apply(FoundItem const& found, Settings const& settings) {
   bool const locks = sets_lock && (settings.info->nodeFlags & kFSNodeLockedMask) != 0;
   OSErr code = noErr;
   if (sets_lock && !locks) {
-    code = CodeOf(MachineFiles().SetLocked(found.path, false), found.path);
+    code = ResultOf(MachineFiles().SetLocked(found.path, false), found.path);
   }
   if (code == noErr && is_wanted(kFSCatInfoFinderInfo | kFSCatInfoFinderXInfo)) {
     code = SetFinderInfo(found, settings);
   }
   if (code == noErr && is_wanted(kFSCatInfoPermissions)) {
-    code = CodeOf(MachineFiles().SetMode(found.path, settings.info->permissions.mode), found.path);
+    code =
+        ResultOf(MachineFiles().SetMode(found.path, settings.info->permissions.mode), found.path);
   }
   if (code == noErr && is_wanted(kFSCatInfoContentMod | kFSCatInfoAccessDate)) {
     code = SetTimes(found, settings);
   }
   if (code == noErr && locks) {
-    code = CodeOf(MachineFiles().SetLocked(found.path, true), found.path);
+    code = ResultOf(MachineFiles().SetLocked(found.path, true), found.path);
   }
   return code;
 }
@@ -111,7 +113,7 @@ OSErr FSCreateFileUnicode(FSRef const* parentRef, UniCharCount nameLength, UniCh
   if (place.code != noErr) return place.code;
   Settings const settings = {whichInfo, catalogInfo};
   OSErr const code =
-      CodeOf(MachineFiles().CreateFile(place.path, settings.ModeOr(0666)), place.path);
+      ResultOf(MachineFiles().CreateFile(place.path, settings.ModeOr(0666)), place.path);
   return code == noErr ? Finish(place, settings, newRef, newSpec) : code;
 }
 
@@ -121,7 +123,7 @@ OSErr FSCreateDirectoryUnicode(FSRef const* parentRef, UniCharCount nameLength, 
   FoundPlace const place = FindPlace(parentRef, nameLength, name);
   if (place.code != noErr) return place.code;
   Settings const settings = {whichInfo, catalogInfo};
-  OSErr code = CodeOf(MachineFiles().CreateFolder(place.path, settings.ModeOr(0777)), place.path);
+  OSErr code = ResultOf(MachineFiles().CreateFolder(place.path, settings.ModeOr(0777)), place.path);
   if (code == noErr) code = Finish(place, settings, newRef, newSpec);
   if (code == noErr && newDirID != nullptr) {
     *newDirID = FolderTable::Shared().NumberOf(place.folder, place.name);
@@ -132,7 +134,7 @@ OSErr FSCreateDirectoryUnicode(FSRef const* parentRef, UniCharCount nameLength, 
 OSErr FSDeleteObject(FSRef const* ref) {
   FoundItem const found = FindItem(ref, Detail::kStatus);
   if (found.code != noErr) return found.code;
-  return CodeOf(MachineFiles().Remove(found.path), found.path);
+  return ResultOf(MachineFiles().Remove(found.path), found.path);
 }
 
 OSErr FSMoveRenameObjectUnicode(FSRef const* ref, FSRef const* newParentRef,
@@ -146,7 +148,7 @@ OSErr FSMoveRenameObjectUnicode(FSRef const* ref, FSRef const* newParentRef,
   if (found.path != place.path) {
     Fact<Done> const done = MachineFiles().Move(found.path, place.path);
     if (!done && done.absence().error == EINVAL) return badMovErr;
-    if (!done) return CodeOf(done, done.absence().error == ENOENT ? place.path : found.path);
+    if (!done) return ResultOf(done, done.absence().error == ENOENT ? place.path : found.path);
     if (found.item.status.kind == ItemKind::kFolder) {
       FolderTable::Shared().Move({from.folder, from.name}, {place.folder, place.name});
     }
@@ -172,7 +174,7 @@ OSStatus FSReplaceObject(FSRef const* originalObject, FSRef const* replacementOb
   if (place.code != noErr) return place.code;
   FoundItem const replacement = FindItem(replacementObject, Detail::kStatus);
   if (replacement.code != noErr) return replacement.code;
-  OSErr const code = CodeOf(MachineFiles().Replace(place.path, replacement.path), place.path);
+  OSErr const code = ResultOf(MachineFiles().Replace(place.path, replacement.path), place.path);
   if (code == noErr && resultObject != nullptr) {
     *resultObject = MakeRef(originalObject->folder, originalObject->name, replacement.item.status);
   }

@@ -31,7 +31,7 @@ constexpr ErrorCode kCodes[] = {
     {EOPNOTSUPP, permErr},    {EINVAL, notAFileErr},
 };
 
-OSErr CodeOf(Outcome reason) {
+OSErr CodeOfReason(Outcome reason) {
   switch (reason) {
     case Outcome::kAbsent:
       return fnfErr;
@@ -65,7 +65,7 @@ OSErr CodeOf(machine::Absence const& absence, std::string const& path) {
   for (ErrorCode const& row : kCodes) {
     if (row.error == absence.error) return row.code;
   }
-  return absence.error == 0 ? CodeOf(absence.reason) : OSErr{ioErr};
+  return absence.error == 0 ? CodeOfReason(absence.reason) : OSErr{ioErr};
 }
 
 std::optional<std::string> PathOf(FSRef const& ref) {

@@ -1,8 +1,12 @@
 #include "machine/live/attributes.h"
 
+#include <fcntl.h>
+#include <sys/syscall.h>
 #include <sys/xattr.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <cerrno>
 #include <cstring>
 #include <string_view>
@@ -15,17 +19,34 @@ constexpr std::string_view kSpaces[] = {"user.", "osx.", "trusted."};  // the fi
 constexpr std::string_view kFinderInfo = "com.apple.FinderInfo";
 constexpr std::string_view kResourceFork = "com.apple.ResourceFork";
 
-// Calls `visit(name)` for every attribute; the names are NUL-terminated.
-template <typename Visit>
-void ForEachAttribute(char const* path, Visit&& visit) {
-  char few[1024];
+constexpr std::size_t kFewNames = 1024, kMostNames = 1 << 16;  // bytes; the latter the kernel's
+
+// Lists by folder and name since Linux 6.13, which saves the walk through /proc.
+ssize_t ListIn(int folder, char const* name, char const* path, char* names, std::size_t size) {
+  constexpr long kListAttributesAt = 465;
+  static std::atomic<bool> is_known = true;
+  if (is_known.load(std::memory_order_relaxed)) {
+    long const listed =
+        ::syscall(kListAttributesAt, folder, name, AT_SYMLINK_NOFOLLOW, names, size);
+    if (listed >= 0 || errno == ERANGE) return listed;
+    // A filter that does not know the call may refuse it with another error.
+    if (errno == ENOSYS || errno == EPERM) is_known = false;
+    if (is_known) return listed;
+  }
+  return ::llistxattr(path, names, size);
+}
+
+// Calls `visit(name)` for every attribute that `list(names, size)` tells; NUL-terminated.
+template <typename List, typename Visit>
+void ForEachAttribute(List&& list, Visit&& visit) {
+  char few[kFewNames];
   std::vector<char> many;
   char* names = few;
-  ssize_t size = ::llistxattr(path, few, sizeof few);
+  ssize_t size = list(names, kFewNames);
   if (size < 0 && errno == ERANGE) {
-    many.resize(1 << 16);  // the kernel's own bound
+    many.resize(kMostNames);
     names = many.data();
-    size = ::llistxattr(path, names, many.size());
+    size = list(names, kMostNames);
   }
   for (ssize_t at = 0; at < size;) {
     std::string_view const name(names + at);
@@ -52,9 +73,12 @@ void KeepBetter(std::string_view attribute, std::string_view name, std::string& 
 
 }  // namespace
 
-AppleAttributes FindAppleAttributes(char const* path) {
+AppleAttributes FindAppleAttributes(int folder, char const* name, char const* path) {
   AppleAttributes found;
-  ForEachAttribute(path, [&](std::string_view attribute) {
+  auto const list = [&](char* names, std::size_t size) {
+    return ListIn(folder, name, path, names, size);
+  };
+  ForEachAttribute(list, [&](std::string_view attribute) {
     KeepBetter(attribute, kFinderInfo, found.finder_info);
     KeepBetter(attribute, kResourceFork, found.resource_fork);
   });
@@ -100,7 +124,10 @@ int WriteFinderInfo(char const* path, FinderInfo const& info) {
 
 bool CopyAttributes(char const* from, char const* to) {
   int error = 0;
-  ForEachAttribute(from, [&](std::string_view name) {
+  auto const list = [from](char* names, std::size_t size) {
+    return ::llistxattr(from, names, size);
+  };
+  ForEachAttribute(list, [&](std::string_view name) {
     std::string const attribute(name);
     std::optional<std::string> const value = ReadAttribute(from, attribute);
     bool const is_wanted = name.find("com.apple.") != std::string_view::npos;

@@ -14,7 +14,8 @@ struct AppleAttributes {
   std::string finder_info, resource_fork;
 };
 
-AppleAttributes FindAppleAttributes(char const* path);
+// The item by its folder and name too, which newer kernels answer faster.
+AppleAttributes FindAppleAttributes(int folder, char const* name, char const* path);
 // Nothing when it is gone or has no bytes.
 std::optional<FinderInfo> ReadFinderInfo(char const* path, std::string const& attribute);
 std::optional<std::uint64_t> AttributeSize(char const* path, std::string const& attribute);

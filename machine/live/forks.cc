@@ -158,7 +158,8 @@ Fact<std::unique_ptr<OpenFile>> Files::OpenResourceFork(std::string const& path)
     return AnnounceError(status.kind == ItemKind::kFolder ? EISDIR : EINVAL, path);
   }
   std::string const plain_path = place.PlainPath();
-  AppleAttributes const attributes = FindAppleAttributes(plain_path.c_str());
+  AppleAttributes const attributes =
+      FindAppleAttributes(place.folder(), place.name(), plain_path.c_str());
   if (!attributes.resource_fork.empty()) {
     if (auto content = ReadAttribute(plain_path.c_str(), attributes.resource_fork)) {
       std::string source = path + " (" + attributes.resource_fork + ")";

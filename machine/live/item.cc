@@ -73,7 +73,8 @@ void ReadFinderDetails(ItemPaths const& paths, bool has_named_forks, bool may_ha
                        Item& item) {
   if (!MayHaveFinderInfo(item.status.kind)) return;
   bool const is_file = item.status.kind == ItemKind::kFile;
-  AppleAttributes const attributes = FindAppleAttributes(paths.plain_path);
+  AppleAttributes const attributes =
+      FindAppleAttributes(paths.folder, paths.name, paths.plain_path);
   bool has_resource_fork = !is_file;
   if (!attributes.finder_info.empty()) {
     if (auto const info = ReadFinderInfo(paths.plain_path, attributes.finder_info)) {
