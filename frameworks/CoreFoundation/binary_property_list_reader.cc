@@ -19,23 +19,13 @@ using namespace binary_property_list;
 
 namespace {
 
-template <typename Word>
-Word Load(unsigned char const* bytes) {
-  Word word;
-  std::memcpy(&word, bytes, sizeof word);
-  return word;
-}
-
-// A few bytes, the most significant first.
+// A few bytes (1 to 8), the most significant first. They are taken from eight at once, which lie in
+// the file for every one of them that does not lie in the trailer's last bytes.
 UInt64 LoadBigEndian(unsigned char const* bytes, std::size_t width) {
-  if constexpr (std::endian::native == std::endian::little) {
-    if (width == 2) return __builtin_bswap16(Load<UInt16>(bytes));
-    if (width == 4) return __builtin_bswap32(Load<UInt32>(bytes));
-    if (width == 8) return __builtin_bswap64(Load<UInt64>(bytes));
-  }
-  UInt64 value = 0;
-  for (std::size_t i = 0; i < width; ++i) value = value << 8 | bytes[i];
-  return value;
+  UInt64 value;
+  std::memcpy(&value, bytes, sizeof value);
+  if constexpr (std::endian::native == std::endian::little) value = __builtin_bswap64(value);
+  return value >> (64 - 8 * width);
 }
 
 // What follows an object's first byte: how many (bytes, units, references), and where they begin.

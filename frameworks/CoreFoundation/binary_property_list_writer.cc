@@ -39,7 +39,9 @@ struct EqualWritten {
     auto const& number = static_cast<__CFNumber const&>(one);
     auto const& another = static_cast<__CFNumber const&>(other);
     bool const is_same_form =
-        number.is_real() ? number.kind() == another.kind() : !another.is_real();
+        number.is_real() ? number.kind() == another.kind()
+                         : !another.is_real() && number.is_unsigned() == another.is_unsigned();
+    // The bits, since 0.0 is not written as -0.0.
     return is_same_form && number.as_unsigned() == another.as_unsigned();
   }
 };
