@@ -57,7 +57,7 @@ TEST(FolderContents, AreDeletedWithoutFollowingLinks) {
 
 TEST(FolderContents, OfDeepTreesAreDeletedAndCopied) {
   TemporaryFolder folder;
-  constexpr int kDepth = 3000;
+  constexpr int kDepth = 600;
   std::string const name(10, 'd');
   fs::create_directory(folder.Path("deep"));
   int at = open(folder.Path("deep").c_str(), O_RDONLY | O_DIRECTORY);

@@ -24,9 +24,11 @@ class TemporaryFolder {
   TemporaryFolder(TemporaryFolder const&) = delete;
   TemporaryFolder& operator=(TemporaryFolder const&) = delete;
 
-  std::filesystem::path Path(std::string const& name = {}) const { return path_ / name; }
+  std::filesystem::path Path(std::string const& name = {}) const {
+    return name.empty() ? path_ : path_ / name;
+  }
   FileLocation At(std::string const& name = {}) const {
-    return MakeFileLocation((name.empty() ? path_ : path_ / name).c_str());
+    return MakeFileLocation(Path(name).c_str());
   }
   // A file with this content, and the folders it needs.
   FileLocation Write(std::string const& name, std::string const& content = "x") const {
@@ -34,7 +36,9 @@ class TemporaryFolder {
     std::ofstream(Path(name)) << content;
     return At(name);
   }
+  // "" for what is no file.
   std::string Read(std::string const& name) const {
+    if (!std::filesystem::is_regular_file(Path(name))) return {};
     std::ifstream file(Path(name));
     return {std::istreambuf_iterator<char>(file), {}};
   }
