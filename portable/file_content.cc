@@ -1,5 +1,7 @@
 #include "portable/file_content.h"
 
+#include <algorithm>
+
 #include "portable/core_foundation/strings.h"
 #include "portable/file_errors.h"
 #include "portable/file_reader.h"

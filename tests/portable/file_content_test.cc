@@ -3,6 +3,7 @@
 #include <signal.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include "portable/core_foundation/errors.h"
@@ -114,11 +115,18 @@ TEST(FileContent, IsReplacedAndTheRestOfTheFileKept) {
   TemporaryFolder folder;
   FileLocation const file = folder.Write("file", "old and long");
   chmod(folder.Path("file").c_str(), 0640);
+  constexpr char kFinder[] = "user.com.apple.FinderInfo", kInfo[33] = "TEXTttxt";
+  bool const has_attributes = setxattr(file.POSIXPath().c_str(), kFinder, kInfo, 32, 0) == 0;
   fs::create_symlink("file", folder.Path("link"));
   WriteConstDataToFile(ConstData("new"), folder.At("link"));
   EXPECT_EQ(folder.Read("file"), "new");
   EXPECT_TRUE(fs::is_symlink(folder.Path("link")));
   EXPECT_EQ(fs::status(file.POSIXPath()).permissions(), fs::perms(0640));
+  char info[32] = {};
+  if (has_attributes) {
+    EXPECT_EQ(getxattr(file.POSIXPath().c_str(), kFinder, info, sizeof info), 32);
+    EXPECT_STREQ(info, kInfo);
+  }
 
   FileWritingPath path(file);
   WriteConstDataToFilePath(ConstData("newer"), path);
