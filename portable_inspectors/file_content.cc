@@ -1,11 +1,14 @@
 // What is in a file: its bytes, its lines and its digests.
+#include <algorithm>
+#include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "frame/registration.h"
 #include "portable_inspectors/digest_engine.h"
 #include "portable_inspectors/file_stream.h"
 #include "portable_inspectors/line_reader.h"
-#include "portable_inspectors/machine_files.h"
 #include "portable_inspectors/text.h"
 
 namespace {
@@ -13,13 +16,19 @@ namespace {
 using Text = inspector_string;
 
 Text ContentOf(file const& source) {
-  if (source.Path().empty()) throw NoSuchObject();
-  machine::Fact<std::string> const content =
-      MachineFiles().ReadFile(source.Path(), kMostContentBytes);
-  if (content.outcome() == machine::Outcome::kMalformed) {
-    throw FileTooLarge(ConstData(source.Path()));
+  constexpr std::size_t kLeastRoom = 4096;
+  FileStream stream(source);
+  // One byte more than the file says it has: most files end after the first read.
+  std::string content;
+  std::size_t room = std::max(stream.Size() + 1, kLeastRoom);
+  std::size_t size = 0;
+  for (;;) {
+    if (room > kMostContentBytes) throw FileTooLarge(ConstData(source.Path()));
+    content.resize(room);
+    while (std::size_t const read = stream.Read(content.data() + size, room - size)) size += read;
+    if (size < room) return CopyText(std::string_view(content).substr(0, size));
+    room *= 2;
   }
-  return CopyText(OrNoSuchObject(content));
 }
 
 Text CopyLine(std::optional<std::string_view> line) {

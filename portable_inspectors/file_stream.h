@@ -25,6 +25,8 @@ class FileStream {
 
   // How many bytes came, 0 at the end. `FileIOError` when reading fails.
   std::size_t Read(void* buffer, std::size_t size);
+  // How many bytes the file says it has; 0 for some that the kernel makes up when they are read.
+  std::size_t Size() const { return open_ == nullptr ? 0 : open_->Status().bytes; }
   std::string const& Path() const { return path_; }
 
  private:

@@ -26,7 +26,10 @@ std::optional<std::string_view> LineReader::Next() {
                                      carriage_return_.Find(buffer_, begin_, end_));
     // Behind a carriage return, a line feed may follow that is not yet here.
     bool const is_whole = end < end_ && (buffer_[end] == '\n' || end + 1 < end_);
-    if (!is_whole && Fill()) continue;
+    if (!is_whole && !has_ended_) {
+      has_ended_ = !Fill();
+      continue;
+    }
     if (begin_ == end_) return std::nullopt;
     std::string_view const line(buffer_.data() + begin_, end - begin_);
     begin_ = std::min(end + 1, end_);

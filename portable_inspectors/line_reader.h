@@ -38,5 +38,6 @@ class LineReader {
   FileStream stream_;
   std::string buffer_;
   std::size_t begin_ = 0, end_ = 0;  // what is not yet handed out
+  bool has_ended_ = false;           // the file; the buffer may hold more
   MarkFinder line_feed_{'\n'}, carriage_return_{'\r'};
 };

@@ -132,13 +132,13 @@ TEST_F(Files, MayHaveAnyName) {
 
 // Deeper than files may be open at once and than the kernel takes as one path.
 TEST(DeepFolders, AreWalkedToTheEnd) {
-  constexpr int kDepth = 3000;
+  constexpr int kDepth = 600;
   TemporaryFolder folder;
   int at = open(folder.Path().c_str(), O_DIRECTORY);
   for (int i = 0; i < kDepth; ++i) {
-    ASSERT_EQ(mkdirat(at, "d", 0700), 0);
+    ASSERT_EQ(mkdirat(at, "directory", 0700), 0);
     close(openat(at, "x", O_CREAT | O_WRONLY, 0600));
-    int const next = openat(at, "d", O_DIRECTORY);
+    int const next = openat(at, "directory", O_DIRECTORY);
     close(at);
     at = next;
   }
