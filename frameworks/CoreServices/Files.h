@@ -76,12 +76,13 @@ struct HFSUniStr255 {
   UniChar unicode[255];
 };
 
-// Seconds since 1904-01-01T00:00:00Z, the fraction in 1/65536 of one.
+// Seconds since 1904-01-01T00:00:00Z, the fraction in 1/65536 of one. Not packed as the classic
+// record is: nothing on disk has this form, and every field may be referred to.
 struct UTCDateTime {
   UInt16 highSeconds;
   UInt32 lowSeconds;
   UInt16 fraction;
-} __attribute__((packed, aligned(2)));
+};
 
 struct FSPermissionInfo {
   UInt32 userID;

@@ -59,8 +59,7 @@ class VolumeTable {
     return nullptr;
   }
 
-  // The root's volume comes before any other of a machine, with the first number wherever that is
-  // free on that machine: a number names one volume a machine.
+  // A machine's root volume is entered before any other, and so has the first number.
   Volume const* Add(machine::Machine const* machine, machine::ItemStatus const& status,
                     std::string const& path) {
     FSVolumeRefNum next = kFirstVolume;
