@@ -93,13 +93,15 @@ ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
 
   watchdog_.Begin();
   auto const begin = Clock::now();
-  bool is_too_long = false;
+  Preparation preparation = Preparation::kReady;
   Evaluation evaluation = gatotu::Evaluate(
       expression,
-      [this, &is_too_long](Value const& value) {
+      [this, &preparation](Value const& value) {
+        preparation = writer_.Prepare(value, [this] { return watchdog_.HasAskedToStop(); });
+        if (preparation != Preparation::kReady) return false;
         std::lock_guard lock(writing_);
-        is_too_long = !writer_.Write(value);
-        return !is_too_long && !answers_.IsBroken();
+        writer_.Write();
+        return !answers_.IsBroken();
       },
       options);
   watchdog_.End();
@@ -107,12 +109,15 @@ ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
   std::lock_guard lock(writing_);
   current_ = nullptr;
   report.evaluate_microseconds = MicrosecondsSince(begin);
-  if (evaluation.outcome == Outcome::kInterrupted && watchdog_.IsExpired()) {
-    evaluation.diagnostic = StopDiagnostic(report, true);
-  }
-  if (is_too_long) {
+  if (preparation == Preparation::kTooLong) {
     evaluation.outcome = Outcome::kFailed;
     evaluation.diagnostic = TooLongDiagnostic(report);
+  } else if (preparation == Preparation::kStopped) {
+    evaluation.outcome = Outcome::kInterrupted;
+    evaluation.diagnostic = StopDiagnostic(report, false);
+  }
+  if (evaluation.outcome == Outcome::kInterrupted && watchdog_.IsExpired()) {
+    evaluation.diagnostic = StopDiagnostic(report, true);
   }
   if (!evaluation.IsAnswered()) report.diagnostics.push_back(std::move(evaluation.diagnostic));
   if (evaluation.outcome == Outcome::kNoSuchObject) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <nlohmann/json.hpp>
 #include <utility>
 
@@ -33,38 +34,56 @@ std::string Dump(Json const& json) {
   return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-// False when a property list is too long for the answer.
-bool AppendJson(Value const& value, std::string& text) {
+Preparation AppendJson(CFTypeRef list, std::string& text, std::size_t most,
+                       FunctionRef<bool()> is_to_stop) {
+  PropertyListJson json(list, text, most);
+  for (;;) {
+    switch (json.Continue()) {
+      case PropertyListJson::State::kMore:
+        if (is_to_stop()) return Preparation::kStopped;
+        break;
+      case PropertyListJson::State::kDone:
+        return Preparation::kReady;
+      case PropertyListJson::State::kTooLong:
+        return Preparation::kTooLong;
+    }
+  }
+}
+
+// Property lists may bring the text to a length of `most`.
+Preparation AppendJson(Value const& value, std::string& text, std::size_t most,
+                       FunctionRef<bool()> is_to_stop) {
   switch (value.Type().kind) {
     case ValueType::Kind::kInteger:
       text += std::to_string(value.Integer());
-      return true;
+      return Preparation::kReady;
     case ValueType::Kind::kBoolean:
       text += value.Boolean() ? "true" : "false";
-      return true;
+      return Preparation::kReady;
     case ValueType::Kind::kHertz:
       text += std::to_string(static_cast<hertz const*>(value.Address())->count);
-      return true;
+      return Preparation::kReady;
     case ValueType::Kind::kTuple: {
       char separator = '[';
       for (Value const& member : value.Members()) {
         text += std::exchange(separator, ',');
-        if (!AppendJson(member, text)) return false;
+        Preparation const preparation = AppendJson(member, text, most, is_to_stop);
+        if (preparation != Preparation::kReady) return preparation;
       }
       text += ']';
-      return true;
+      return Preparation::kReady;
     }
     case ValueType::Kind::kString:
       text += Dump(Text(StringOf(value)));
-      return true;
+      return Preparation::kReady;
     case ValueType::Kind::kObject:
       break;
   }
   if (CFTypeRef const list = PropertyListOf(value)) {
-    return AppendPropertyListJson(list, text, kMostPropertyListBytes);
+    return AppendJson(list, text, most, is_to_stop);
   }
   text += Dump(Text(value.Text()));
-  return true;
+  return Preparation::kReady;
 }
 
 Json JsonOf(Diagnostic const& diagnostic, std::vector<std::string> const& reasons) {
@@ -96,12 +115,19 @@ class JsonWriter final : public AnswerWriter {
     values_.clear();
   }
 
-  bool Write(Value const& value) override {
-    std::size_t const length = values_.size();
-    if (length > 0) values_ += ',';
-    if (AppendJson(value, values_)) return true;
-    values_.resize(length);
-    return false;
+  Preparation Prepare(Value const& value, FunctionRef<bool()> is_to_stop) override {
+    prepared_.assign(values_.empty() ? "" : ",");
+    std::size_t const most =
+        kMostPropertyListBytes - std::min(kMostPropertyListBytes, values_.size());
+    return AppendJson(value, prepared_, most, is_to_stop);
+  }
+
+  void Write() override {
+    if (values_.empty()) {
+      values_.swap(prepared_);
+    } else {
+      values_ += prepared_;
+    }
   }
 
   bool ShowsPropertyLists() const override { return true; }
@@ -151,7 +177,8 @@ class JsonWriter final : public AnswerWriter {
 
   Output& answers_;
   bool is_many_ = false;
-  std::string values_;  // their JSON, with commas between
+  std::string values_;    // their JSON, with commas between
+  std::string prepared_;  // what comes next
 };
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "host/property_list_json.h"
 
-#include <algorithm>
-
 #include "host/scalar_json.h"
 
 namespace gatotu::host {
@@ -9,25 +7,6 @@ namespace {
 
 // How many values are written at a time.
 constexpr int kValuesAtATime = 4096;
-
-std::vector<CFTypeRef> ItemsOfArray(CFArrayRef array) {
-  CFIndex const count = CFArrayGetCount(array);
-  std::vector<CFTypeRef> items(static_cast<std::size_t>(count));
-  CFArrayGetValues(array, CFRangeMake(0, count), items.data());
-  return items;
-}
-
-std::vector<CFTypeRef> ItemsOfDictionary(CFDictionaryRef dictionary) {
-  auto const count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
-  std::vector<CFTypeRef> keys(count), values(count), items;
-  CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
-  items.reserve(2 * count);
-  for (std::size_t i = 0; i < count; ++i) {
-    items.push_back(keys[i]);
-    items.push_back(values[i]);
-  }
-  return items;
-}
 
 }  // namespace
 
@@ -48,36 +27,49 @@ PropertyListJson::State PropertyListJson::Continue() {
 
 void PropertyListJson::WriteNextItem() {
   Container& container = open_.back();
-  if (container.next == container.items.size()) {
+  if (container.next == container.count) {
     text_ += container.is_dictionary ? '}' : ']';
+    items_.resize(container.first);
     open_.pop_back();
     return;
   }
   if (container.next > 0) text_ += ',';
-  CFTypeRef item = container.items[container.next++];
+  std::size_t place = container.first + container.next++;
   if (container.is_dictionary) {
-    AppendKeyJson(item, text_, most_);
+    AppendKeyJson(items_[place], text_, most_);
     text_ += ':';
-    item = container.items[container.next++];
+    place += container.count;
   }
-  Write(item);
+  Write(items_[place]);
 }
 
 void PropertyListJson::Write(CFTypeRef object) {
   CFTypeID const type = CFGetTypeID(object);
-  bool const is_dictionary = type == CFDictionaryGetTypeID();
-  if (is_dictionary || type == CFArrayGetTypeID()) {
-    Open(object, is_dictionary);
+  if (type == CFDictionaryGetTypeID()) {
+    OpenDictionary(static_cast<CFDictionaryRef>(object));
+  } else if (type == CFArrayGetTypeID()) {
+    OpenArray(static_cast<CFArrayRef>(object));
   } else {
     AppendScalarJson(object, text_, most_);
   }
 }
 
-void PropertyListJson::Open(CFTypeRef object, bool is_dictionary) {
-  text_ += is_dictionary ? '{' : '[';
-  open_.push_back({is_dictionary, 0,
-                   is_dictionary ? ItemsOfDictionary(static_cast<CFDictionaryRef>(object))
-                                 : ItemsOfArray(static_cast<CFArrayRef>(object))});
+void PropertyListJson::OpenArray(CFArrayRef array) {
+  text_ += '[';
+  std::size_t const first = items_.size();
+  CFIndex const count = CFArrayGetCount(array);
+  items_.resize(first + static_cast<std::size_t>(count));
+  CFArrayGetValues(array, CFRangeMake(0, count), items_.data() + first);
+  open_.push_back({false, first, static_cast<std::size_t>(count), 0});
+}
+
+void PropertyListJson::OpenDictionary(CFDictionaryRef dictionary) {
+  text_ += '{';
+  std::size_t const first = items_.size();
+  auto const count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
+  items_.resize(first + 2 * count);
+  CFDictionaryGetKeysAndValues(dictionary, items_.data() + first, items_.data() + first + count);
+  open_.push_back({true, first, count, 0});
 }
 
 bool AppendPropertyListJson(CFTypeRef object, std::string& text, std::size_t most) {

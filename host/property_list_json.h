@@ -38,20 +38,22 @@ class PropertyListJson {
   State Continue();
 
  private:
-  // An array or dictionary that has begun; `items` holds keys and values in turn.
+  // An array or dictionary that has begun: the place in `items_` of what it holds, for a
+  // dictionary all keys and then all values.
   struct Container {
     bool is_dictionary;
-    std::size_t next;
-    std::vector<CFTypeRef> items;
+    std::size_t first, count, next;
   };
 
   void Write(CFTypeRef object);
-  void Open(CFTypeRef object, bool is_dictionary);
+  void OpenArray(CFArrayRef array);
+  void OpenDictionary(CFDictionaryRef dictionary);
   void WriteNextItem();
 
   std::string& text_;
   std::size_t const most_;
   std::vector<Container> open_;
+  std::vector<CFTypeRef> items_;
 };
 
 // The whole at once; false when it would take more.

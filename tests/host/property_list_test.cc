@@ -216,6 +216,11 @@ TEST_F(ListFile, WhoseSharingIsEndlessIsRefusedClearly) {
   EXPECT_EQ(whole["values"], nlohmann::json::array());
   EXPECT_THAT(Ask("(it as json) of array", "list")["error"]["message"].get<std::string>(),
               HasSubstr("268435456 bytes"));
+
+  std::string const text = "array of file \"" + (folder_ / "list").string() + "\"";
+  auto const run = Gatotu({"--format", "json", "--time-limit", "50ms", text});
+  EXPECT_EQ(nlohmann::json::parse(run.output)["error"]["code"], "time-limit");
+  EXPECT_EQ(run.status, 3);
 }
 
 TEST(Vocabulary, NamesTheCommandsOwnCasts) {
