@@ -14,8 +14,13 @@ struct FileIOError::State {
 
 namespace {
 
+// A location of no file, such as one of the web, has none; its error is to pass all the same.
 std::string PathOf(MacintoshPlatform::FileLocation const& location) {
-  return location.IsEmpty() ? std::string() : location.POSIXPath();
+  try {
+    return location.IsEmpty() ? std::string() : location.POSIXPath();
+  } catch (MacintoshPlatform::FullPathFailed const&) {
+    return {};
+  }
 }
 
 }  // namespace
@@ -111,11 +116,11 @@ struct SystemError {
 };
 
 constexpr SystemError kSystemErrors[] = {
-    {-33, ENOSPC},    {-34, ENOSPC},    {-35, ENODEV}, {-36, EIO},     {-37, EINVAL},
-    {-38, EBADF},     {-42, EMFILE},    {-43, ENOENT}, {-44, EROFS},   {-45, EPERM},
-    {-46, EROFS},     {-47, ENOTEMPTY}, {-48, EEXIST}, {-49, EBUSY},   {-50, EINVAL},
-    {-51, EBADF},     {-54, EACCES},    {-61, EACCES}, {-108, ENOMEM}, {-120, ENOENT},
-    {-1407, ENOTDIR}, {-5000, EACCES},
+    {-33, ENOSPC},  {-34, ENOSPC},    {-35, ENODEV},    {-36, EIO},      {-37, EINVAL},
+    {-38, EBADF},   {-42, EMFILE},    {-43, ENOENT},    {-44, EROFS},    {-45, EPERM},
+    {-46, EROFS},   {-47, ENOTEMPTY}, {-48, EEXIST},    {-49, EBUSY},    {-50, EINVAL},
+    {-51, EBADF},   {-54, EACCES},    {-61, EACCES},    {-108, ENOMEM},  {-120, ENOENT},
+    {-122, EINVAL}, {-1303, EXDEV},   {-1407, ENOTDIR}, {-5000, EACCES},
 };
 
 }  // namespace

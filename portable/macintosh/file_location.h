@@ -41,7 +41,7 @@ class GATOTU_API FileLocation {
   FSRef Ref() const;
   // That of the folder it lies in; that folder must exist, the item need not.
   FSRef ParentRef() const;
-  // `InvalidParentURL` when there is none: at the root, and for what is no file's URL.
+  // `InvalidParentURL` when there is none: at the root, and for a URL without a path.
   AutoCFURL ParentURL() const;
   FileName Name() const;
 

@@ -4,6 +4,7 @@
 
 #include <type_traits>
 
+#include "portable/core_foundation/urls.h"
 #include "portable/file_location.h"
 
 namespace {
@@ -66,11 +67,16 @@ TEST(FileErrors, SayWhatAndWhere) {
          "File error \"14FileCopyFailed\" on \"/tmp/x\" and \"/tmp/y\": No space left on device");
   expect(FileMoveFailed(ConstData(), ConstData("/b"), 0),
          "File error \"14FileMoveFailed\" and \"/b\"");
+  expect(FileMoveFailed(x, -1303),
+         "File error \"14FileMoveFailed\" on \"/tmp/x\": Invalid cross-device link");
   expect(FileError(-9999), "File error \"9FileError\": -9999");
   expect(FileIOError(ConstData("/a"), 0), "File error \"11FileIOError\" on \"/a\"");
   expect(EmptyFileLocationError(FileLocation()), "File error \"22EmptyFileLocationError\"");
   expect(MacintoshPlatform::FullPathFailed(x.Platform()),
          "File error \"N17MacintoshPlatform14FullPathFailedE\" on \"/tmp/x\"");
+  MacintoshPlatform::FileLocation const web(MakeURL(CFSTR("http://web")));
+  expect(FileItemError(web, 0), "File error \"13FileItemError\"");
+  EXPECT_THROW(web.ParentURL(), MacintoshPlatform::InvalidParentURL);
   try {
     throw CreateUniqueFileLocationFailed(0);
   } catch (DebuggableException const& error) {
