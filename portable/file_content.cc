@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "portable/core_foundation/strings.h"
 #include "portable/file_errors.h"
 #include "portable/file_reader.h"
 #include "portable/macintosh/replacement_file.h"
@@ -28,7 +27,7 @@ std::string ReadFileIntoString(FileLocation const& location) {
 
 std::string ReadFileIntoUString(FileLocation const& location) {
   std::string text = ReadFileIntoString(location);
-  MakeCFString(UStringRef<UTF8>(ConstData(text)));
+  RequireUnicode<UTF8>(ConstData(text));
   return text;
 }
 

@@ -70,6 +70,19 @@ TEST(Strings, AreMadeAndRead) {
   EXPECT_EQ(EmptyCFString().Get(), EmptyCFString().Get());
 }
 
+TEST(UnicodeReferences, AreToTextOnly) {
+  for (char const* text : {"", "x", "\xC2\x80", "\xE0\xA0\x80", "\xED\x9F\xBF\xEE\x80\x80",
+                           "\xF0\x90\x80\x80", "\xF4\x8F\xBF\xBFx"}) {
+    EXPECT_EQ(MakeString(UStringRef<UTF8>(ConstData(text)).Bytes()), text);
+  }
+  for (char const* bytes : {"\x80", "\xFF", "\xC1\xBF", "\xC2", "\xC2x", "\xE0\x9F\xBF", "\xE1\x80",
+                            "\xE1\x80x", "\xED\xA0\x80", "\xF0\x8F\xBF\xBF", "\xF1\x80\x80",
+                            "\xF4\x90\x80\x80", "\xF5\x80\x80\x80"}) {
+    EXPECT_THROW(UStringRef<UTF8>{ConstData(bytes)}, CFStringCreateError) << bytes;
+    EXPECT_THROW(MakeCFString(bytes, kUtf8), CFStringCreateError) << bytes;
+  }
+}
+
 TEST(Objects, ComeFromPropertyListsOfTheRightRoot) {
   AutoCFData const array = MakeCFData("<plist><array><string>a</string></array></plist>");
   AutoCFData const dictionary =
