@@ -120,7 +120,7 @@ ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
     evaluation.diagnostic = StopDiagnostic(report, true);
   }
   if (!evaluation.IsAnswered()) report.diagnostics.push_back(std::move(evaluation.diagnostic));
-  if (evaluation.outcome == Outcome::kNoSuchObject) {
+  if (evaluation.outcome == Outcome::kNoSuchObject || evaluation.outcome == Outcome::kFailed) {
     report.reasons = log_.Reasons(evaluation.evidence_begin, evaluation.evidence_end);
   }
   if (options_.evidence) report.evidence = log_.Consultations();

@@ -38,7 +38,12 @@ OSXValue OSXArrayIterator::Next(OSXArray const& array) {
 
 OSXArray array_of_file(file const& file) {
   AutoCFData const data = ContentOf(file);
-  return OSXArray(ArrayCreateFromXMLData(data.Get(), kCFPropertyListImmutable));
+  try {
+    return OSXArray(ArrayCreateFromXMLData(data.Get(), kCFPropertyListImmutable));
+  } catch (ArrayCreateFromXMLDataFailed const&) {
+    AnnounceMalformed(file, data.Get(), CFArrayGetTypeID());
+    throw;
+  }
 }
 
 integer size_of_array(OSXArray const& array) { return CFArrayGetCount(array.Array()); }

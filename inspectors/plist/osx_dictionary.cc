@@ -64,7 +64,12 @@ OSXDictionaryEntry OSXDictionaryEntryIterator::Next(OSXDictionary const&) {
 
 OSXDictionary dictionary_of_file(file const& file) {
   AutoCFData const data = ContentOf(file);
-  return OSXDictionary(DictionaryCreateFromXMLData(data.Get(), kCFPropertyListImmutable));
+  try {
+    return OSXDictionary(DictionaryCreateFromXMLData(data.Get(), kCFPropertyListImmutable));
+  } catch (DictionaryCreateFromXMLDataFailed const&) {
+    AnnounceMalformed(file, data.Get(), CFDictionaryGetTypeID());
+    throw;
+  }
 }
 
 integer size_of_dictionary(OSXDictionary const& dictionary) {

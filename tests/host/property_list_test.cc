@@ -188,6 +188,22 @@ TEST_F(ListFile, HasNoTextButJson) {
   EXPECT_EQ(run.status, 2);
 }
 
+TEST_F(ListFile, ThatIsNoneSaysWhy) {
+  struct {
+    std::string content, source;
+  } const cases[] = {{"<plist><array/></plist>", "the list is no dictionary"},
+                     {"<plist><dict><key>a</ke", "line 1"},
+                     {"", "malformed"}};
+  for (auto const& row : cases) {
+    Write("bad", row.content);
+    auto const answer = Ask("size of dictionary", "bad");
+    EXPECT_THAT(answer["error"]["message"].get<std::string>(),
+                HasSubstr("DictionaryCreateFromXMLDataFailed"));
+    EXPECT_THAT(answer["error"]["reasons"].dump(),
+                AllOf(HasSubstr(folder_ / "bad"), HasSubstr(row.source)));
+  }
+}
+
 // 28 arrays, each holding the next one twice.
 std::string SharedList() {
   constexpr char kLevels = 28;
