@@ -77,10 +77,14 @@ class LineWriter final : public AnswerWriter {
     line_.clear();
   }
 
-  void Write(Value const& value) override {
+  Preparation Prepare(Value const& value, FunctionRef<bool()>) override {
     line_.clear();
     Append(value);
     line_ += '\n';
+    return Preparation::kReady;
+  }
+
+  void Write() override {
     if (is_many_) answers_.Write(line_);
   }
 

@@ -31,15 +31,27 @@ struct Report {
   std::int64_t evaluate_microseconds = 0;
 };
 
+enum class Preparation {
+  kReady,
+  kTooLong,  // the answer would become longer than may be
+  kStopped,
+};
+
 class AnswerWriter {
  public:
   virtual ~AnswerWriter() = default;
 
   // Values of `expression` follow.
   virtual void Begin(Expression const& expression) = 0;
-  virtual void Write(Value const& value) = 0;
+  // Makes the value ready for `Write`, which takes no time. Making may take long: it looks at
+  // `is_to_stop` now and then. Nothing is ready unless `kReady`.
+  virtual Preparation Prepare(Value const& value, FunctionRef<bool()> is_to_stop) = 0;
+  virtual void Write() = 0;
   // Ends what was begun, or reports an expression that was refused or not to be evaluated.
   virtual void End(Report const& report) = 0;
+
+  // Whether values that are property lists need no text.
+  virtual bool ShowsPropertyLists() const { return false; }
 };
 
 // Values go to `answers`; messages to `errors`, but for JSON, whose objects hold them.

@@ -2,6 +2,9 @@
 
 #include <unistd.h>
 
+#include "host/property_list_answers.h"
+#include "host/property_list_json.h"
+
 namespace gatotu::host {
 namespace {
 
@@ -27,6 +30,15 @@ Diagnostic StopDiagnostic(Report const& report, bool is_time_limit) {
   Diagnostic diagnostic;
   diagnostic.code = is_time_limit ? "time-limit" : "interrupted";
   diagnostic.message = is_time_limit ? "the time limit was reached" : "interrupted";
+  diagnostic.position = PositionIn(report.text, 0, report.text.size());
+  return diagnostic;
+}
+
+Diagnostic TooLongDiagnostic(Report const& report) {
+  Diagnostic diagnostic;
+  diagnostic.code = "answer-too-long";
+  diagnostic.message = "the property lists of the answer take more than " +
+                       std::to_string(kMostPropertyListBytes) + " bytes as JSON";
   diagnostic.position = PositionIn(report.text, 0, report.text.size());
   return diagnostic;
 }
@@ -62,7 +74,7 @@ ExitStatus Asker::Ask(std::string_view text) {
 
 void Asker::Compile(Report& report, Compilation& compilation) {
   auto const begin = Clock::now();
-  compilation = gatotu::Compile(report.text);
+  compilation = CompileToShow(report.text, writer_.ShowsPropertyLists());
   report.compile_microseconds = MicrosecondsSince(begin);
   report.expression = compilation.expression.get();
   report.diagnostics = std::move(compilation.diagnostics);
@@ -81,11 +93,14 @@ ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
 
   watchdog_.Begin();
   auto const begin = Clock::now();
+  Preparation preparation = Preparation::kReady;
   Evaluation evaluation = gatotu::Evaluate(
       expression,
-      [this](Value const& value) {
+      [this, &preparation](Value const& value) {
+        preparation = writer_.Prepare(value, [this] { return watchdog_.HasAskedToStop(); });
+        if (preparation != Preparation::kReady) return false;
         std::lock_guard lock(writing_);
-        writer_.Write(value);
+        writer_.Write();
         return !answers_.IsBroken();
       },
       options);
@@ -94,11 +109,18 @@ ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
   std::lock_guard lock(writing_);
   current_ = nullptr;
   report.evaluate_microseconds = MicrosecondsSince(begin);
+  if (preparation == Preparation::kTooLong) {
+    evaluation.outcome = Outcome::kFailed;
+    evaluation.diagnostic = TooLongDiagnostic(report);
+  } else if (preparation == Preparation::kStopped) {
+    evaluation.outcome = Outcome::kInterrupted;
+    evaluation.diagnostic = StopDiagnostic(report, false);
+  }
   if (evaluation.outcome == Outcome::kInterrupted && watchdog_.IsExpired()) {
     evaluation.diagnostic = StopDiagnostic(report, true);
   }
   if (!evaluation.IsAnswered()) report.diagnostics.push_back(std::move(evaluation.diagnostic));
-  if (evaluation.outcome == Outcome::kNoSuchObject) {
+  if (evaluation.outcome == Outcome::kNoSuchObject || evaluation.outcome == Outcome::kFailed) {
     report.reasons = log_.Reasons(evaluation.evidence_begin, evaluation.evidence_end);
   }
   if (options_.evidence) report.evidence = log_.Consultations();

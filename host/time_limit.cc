@@ -105,6 +105,7 @@ Watchdog::~Watchdog() {
 
 void Watchdog::Begin() {
   expired_ = false;
+  has_asked_ = false;
   interrupt_unhandled = false;
   begun_ = Clock::now().time_since_epoch().count();
 }
@@ -131,6 +132,7 @@ Watchdog::Clock::duration Watchdog::Step() {
     expired_ = is_due;
     asked_for_ = begun;
     asked_at_ = now;
+    has_asked_ = true;
     Interrupt();
   }
   auto const last = asked_at_ + kGraceBeforeLeaving;

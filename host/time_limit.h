@@ -30,6 +30,8 @@ class Watchdog {
 
   // Whether the time limit of the evaluation begun last was reached.
   bool IsExpired() const { return expired_; }
+  // Whether the evaluation begun last was asked to stop, for whatever reason.
+  bool HasAskedToStop() const { return has_asked_; }
   // Whether the user interrupted since the last call.
   static bool TakeInterrupt();
 
@@ -44,6 +46,7 @@ class Watchdog {
   std::function<void()> leave_;
   std::atomic<Clock::rep> begun_{0};  // 0 while nothing is evaluated
   std::atomic<bool> expired_{false};
+  std::atomic<bool> has_asked_{false};
   std::atomic<bool> stopping_{false};
   Clock::rep asked_for_ = 0;  // the evaluation that was asked to stop; the thread's own
   Clock::time_point asked_at_;

@@ -17,6 +17,7 @@ struct Absence {
   Outcome reason = Outcome::kAbsent;
   std::string source;
   std::string where;
+  int error = 0;  // the system's number where a call failed
 };
 
 template <typename T>

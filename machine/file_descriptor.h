@@ -22,6 +22,8 @@ class FileDescriptor {
 
   bool is_open() const { return number_ >= 0; }
   int number() const { return number_; }
+  // To the caller, who closes it.
+  int Release() { return std::exchange(number_, -1); }
 
  private:
   int number_ = -1;

@@ -111,5 +111,6 @@ ProcessorSource const& Machine::Processors() const { return Unsupported<Processo
 HardwareSource const& Machine::Hardware() const { return Unsupported<HardwareSource>(); }
 ProcessSource const& Machine::Processes() const { return Unsupported<ProcessSource>(); }
 GestaltSource const& Machine::Gestalt() const { return Unsupported<GestaltSource>(); }
+FileSource const& Machine::Files() const { return Unsupported<FileSource>(); }
 
 }  // namespace machine

@@ -7,6 +7,7 @@
 
 #include "machine/export.h"
 #include "machine/fact.h"
+#include "machine/files.h"
 #include "machine/sources.h"
 
 namespace machine {
@@ -26,6 +27,7 @@ class MACHINE_API Machine {
   virtual HardwareSource const& Hardware() const;
   virtual ProcessSource const& Processes() const;
   virtual GestaltSource const& Gestalt() const;
+  virtual FileSource const& Files() const;
 };
 
 // The machine in use; the live machine with root "/" when none was chosen, made at the first call.
@@ -39,7 +41,10 @@ MACHINE_API std::shared_ptr<Machine const> SetCurrentMachine(
 
 // The Linux machine whose files lie below `root`. With "/" it is the running one and system calls
 // are asked too; below any other root only files are, and no path leads out of it. A root that
-// cannot be opened makes every fact absent.
-MACHINE_API std::shared_ptr<Machine const> MakeLiveMachine(std::string root = "/");
+// cannot be opened makes every fact absent. Files are changed only where that is allowed: on the
+// running machine unless said otherwise.
+enum class Changes { kRunningMachineOnly, kAllowed, kRefused };
+MACHINE_API std::shared_ptr<Machine const> MakeLiveMachine(
+    std::string root = "/", Changes changes = Changes::kRunningMachineOnly);
 
 }  // namespace machine

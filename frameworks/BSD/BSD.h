@@ -2,5 +2,6 @@
 #pragma once
 
 #include <BSD/environment.h>
+#include <BSD/stdlib.h>
 #include <BSD/sysctl.h>
 #include <BSD/unistd.h>

@@ -2,6 +2,26 @@
 
 #include "frameworks/CoreFoundation/object.h"
 
+// The link takes the place of the count alone: destructors still ask for type and variant. User
+// addresses have 48 bits.
+void CFObject::Destroy() const {
+  thread_local CFObject const* waiting = nullptr;
+  thread_local bool is_destroying = false;
+  head_.store(reinterpret_cast<UInt64>(waiting) * kOne | (Head() & (kOne - 1)),
+              std::memory_order_relaxed);
+  waiting = this;
+  if (is_destroying) return;
+  is_destroying = true;
+  while (waiting != nullptr) {
+    CFObject const* const object = waiting;
+    waiting = reinterpret_cast<CFObject const*>(object->Head() / kOne);
+    void* const memory = const_cast<void*>(dynamic_cast<void const*>(object));
+    object->~CFObject();
+    ::operator delete(memory);
+  }
+  is_destroying = false;
+}
+
 CFTypeRef CFRetain(CFTypeRef object) {
   CFObject::Of(object).Retain();
   return object;

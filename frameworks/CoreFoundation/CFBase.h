@@ -34,6 +34,8 @@ using CFIndex = long;
 // Any object.
 using CFTypeRef = void const*;
 using CFStringRef = struct __CFString const*;
+// A string, data, number, boolean, date, array or dictionary.
+using CFPropertyListRef = CFTypeRef;
 
 enum CFComparisonResult : CFIndex {
   kCFCompareLessThan = -1,
@@ -53,7 +55,8 @@ inline CFRange CFRangeMake(CFIndex location, CFIndex length) { return {location,
 using CFAllocatorRef = struct __CFAllocator const*;
 inline constexpr CFAllocatorRef kCFAllocatorDefault = nullptr;
 
-// `object` must not be null in any of these.
+// `object` must not be null in any of these. An object that holds others may be released, compared
+// and hashed whatever its depth.
 CF_EXPORT CFTypeRef CFRetain(CFTypeRef object);
 CF_EXPORT void CFRelease(CFTypeRef object);
 CF_EXPORT CFIndex CFGetRetainCount(CFTypeRef object);

@@ -7,6 +7,7 @@
 
 #include "frameworks/CoreFoundation/encodings/convert.h"
 #include "frameworks/CoreFoundation/encodings/names.h"
+#include "frameworks/CoreFoundation/hash.h"
 #include "frameworks/CoreFoundation/string_object.h"
 #include "machine/never_destroyed.h"
 
@@ -14,35 +15,26 @@ using encodings::Conversion;
 using encodings::Form;
 
 CFStringRef __CFString::MakeAscii(UInt8 const* bytes, std::size_t length) {
-  __CFString const* const string = CFObject::MakeWithRoom<__CFString>(length, true, length);
-  if (length > 0) std::memcpy(const_cast<UInt8*>(string->ascii()), bytes, length);
-  return string;
+  return FillAscii(length, [&](UInt8* out) { std::copy(bytes, bytes + length, out); });
 }
 
 CFStringRef __CFString::MakeUnits(UniChar const* units, std::size_t length) {
   bool const is_ascii =
       std::all_of(units, units + length, [](UniChar unit) { return unit < 0x80; });
-  if (is_ascii) {
-    __CFString const* const string = CFObject::MakeWithRoom<__CFString>(length, true, length);
-    std::copy(units, units + length, const_cast<UInt8*>(string->ascii()));
-    return string;
-  }
-  __CFString const* const string =
-      CFObject::MakeWithRoom<__CFString>(length * sizeof(UniChar), false, length);
-  std::copy(units, units + length, const_cast<UniChar*>(string->units()));
-  return string;
+  auto const fill = [&](auto* out) { std::copy(units, units + length, out); };
+  return is_ascii ? FillAscii(length, fill) : FillUnits(length, fill);
 }
 
 bool __CFString::EqualTo(CFObject const& other) const {
   auto const& string = static_cast<__CFString const&>(other);
-  if (length_ != string.length_ || is_ascii_ != string.is_ascii_) return false;
-  return std::memcmp(ascii(), string.ascii(), is_ascii_ ? length_ : length_ * sizeof(UniChar)) == 0;
+  if (length_ != string.length_ || is_ascii() != string.is_ascii()) return false;
+  return std::memcmp(ascii(), string.ascii(), is_ascii() ? length_ : length_ * sizeof(UniChar)) ==
+         0;
 }
 
+// Equal strings are kept alike, so their bytes are as good as their units.
 CFHashCode __CFString::Hash() const {
-  CFHashCode hash = 0xcbf29ce484222325u;
-  for (std::size_t i = 0; i < length_; ++i) hash = (hash ^ UnitAt(i)) * 0x100000001b3u;
-  return hash;
+  return HashBytes(ascii(), is_ascii() ? length_ : length_ * sizeof(UniChar));
 }
 
 namespace {

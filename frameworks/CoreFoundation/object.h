@@ -9,16 +9,27 @@
 #include <new>
 #include <utility>
 
-// The type numbers, stable within a process.
+// The type numbers, stable within a process, below 256.
 enum CFTypeNumber : CFTypeID {
   kCFTypeString = 7,
+  kCFTypeNull = 16,
+  kCFTypeDictionary = 17,
+  kCFTypeArray = 18,
   kCFTypeTimeZone = 19,
+  kCFTypeData = 20,
+  kCFTypeBoolean = 21,
+  kCFTypeNumber = 22,
+  kCFTypeDate = 23,
+  kCFTypeURL = 24,
+  kCFTypeBundle = 25,
 };
 
 class CFObject {
  public:
-  explicit CFObject(CFTypeID type) : type_(type) {}
-  virtual ~CFObject() = default;
+  // `variant` is a derived class's own to tell its kinds of object apart.
+  explicit constexpr CFObject(CFTypeNumber type, UInt8 variant = 0, UInt64 count = 1)
+      : head_(count * kOne | static_cast<UInt64>(variant) << 8 | static_cast<UInt64>(type)) {}
+  constexpr virtual ~CFObject() = default;
   CFObject(CFObject const&) = delete;
   CFObject& operator=(CFObject const&) = delete;
 
@@ -29,7 +40,7 @@ class CFObject {
 
   // Constructs an object with `extra` bytes of room behind it.
   template <typename Object, typename... Arguments>
-  static Object const* MakeWithRoom(std::size_t extra, Arguments&&... arguments) {
+  static Object* MakeWithRoom(std::size_t extra, Arguments&&... arguments) {
     void* const memory = ::operator new(sizeof(Object) + extra);
     try {
       return ::new (memory) Object(std::forward<Arguments>(arguments)...);
@@ -39,26 +50,45 @@ class CFObject {
     }
   }
   template <typename Object, typename... Arguments>
-  static Object const* Make(Arguments&&... arguments) {
+  static Object* Make(Arguments&&... arguments) {
     return MakeWithRoom<Object>(0, std::forward<Arguments>(arguments)...);
   }
 
-  CFTypeID type() const { return type_; }
+  CFTypeNumber type() const { return static_cast<CFTypeNumber>(Head() & 0xFF); }
+  UInt8 variant() const { return static_cast<UInt8>(Head() >> 8); }
 
   // Asked only of two different objects of one type.
   virtual bool EqualTo(CFObject const&) const { return false; }
   virtual CFHashCode Hash() const { return reinterpret_cast<CFHashCode>(this); }
 
-  void Retain() const { count_.fetch_add(1, std::memory_order_relaxed); }
+  void Retain() const { head_.fetch_add(kOne, std::memory_order_relaxed); }
+  // For readers, cheaper: no other thread knows the object yet, or it is a constant.
+  void RetainUnshared() const { head_.store(Head() + kOne, std::memory_order_relaxed); }
   void Release() const {
-    if (count_.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
-    void* const memory = const_cast<void*>(dynamic_cast<void const*>(this));
-    this->~CFObject();
-    ::operator delete(memory);
+    if (head_.fetch_sub(kOne, std::memory_order_acq_rel) < 2 * kOne) Destroy();
   }
-  CFIndex count() const { return count_.load(std::memory_order_relaxed); }
+  CFIndex count() const { return static_cast<CFIndex>(Head() / kOne); }
 
  private:
-  mutable std::atomic<CFIndex> count_ = 1;
-  CFTypeID type_;
+  static constexpr UInt64 kOne = 1 << 16;
+
+  UInt64 Head() const { return head_.load(std::memory_order_relaxed); }
+  // Objects released by the destructor of another wait until it is done, so that an object of any
+  // depth ends with a flat stack.
+  void Destroy() const;
+
+  // Count, variant and type in one word, because files hold small objects by the million. Of an
+  // object that waits for its end, the next that waits.
+  mutable std::atomic<UInt64> head_;
+};
+
+// An object that is a constant: it lies in static storage, is there before any code runs, and has
+// no end. The object begins with a count of `kConstantCount`, which no releasing uses up.
+inline constexpr UInt64 kConstantCount = UInt64{1} << 40;
+template <typename Object>
+union CFConstant {
+  template <typename... Arguments>
+  explicit constexpr CFConstant(Arguments... arguments) : object(arguments...) {}
+  constexpr ~CFConstant() {}
+  Object object;
 };

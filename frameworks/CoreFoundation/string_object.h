@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 #include "frameworks/CoreFoundation/object.h"
@@ -15,24 +16,38 @@ struct __CFString final : CFObject {
   static CFStringRef MakeAscii(UInt8 const* bytes, std::size_t length);
   // Kept as ASCII where it is.
   static CFStringRef MakeUnits(UniChar const* units, std::size_t length);
+  // For readers: `fill` writes the units where they are kept. Units must not all be ASCII.
+  template <typename Fill>
+  static CFStringRef FillAscii(std::size_t length, Fill&& fill) {
+    __CFString* const string = CFObject::MakeWithRoom<__CFString>(length, true, length);
+    fill(reinterpret_cast<UInt8*>(string + 1));
+    return string;
+  }
+  template <typename Fill>
+  static CFStringRef FillUnits(std::size_t length, Fill&& fill) {
+    std::size_t const room = length * sizeof(UniChar);
+    __CFString* const string = CFObject::MakeWithRoom<__CFString>(room, false, length);
+    fill(reinterpret_cast<UniChar*>(string + 1));
+    return string;
+  }
 
   static __CFString const& Of(CFStringRef string) { return *string; }
 
-  bool is_ascii() const { return is_ascii_; }
+  bool is_ascii() const { return variant() != 0; }
   std::size_t length() const { return length_; }
   UInt8 const* ascii() const { return reinterpret_cast<UInt8 const*>(this + 1); }
+  std::string_view ascii_text() const { return {reinterpret_cast<char const*>(ascii()), length_}; }
   UniChar const* units() const { return reinterpret_cast<UniChar const*>(this + 1); }
-  UniChar UnitAt(std::size_t index) const { return is_ascii_ ? ascii()[index] : units()[index]; }
+  UniChar UnitAt(std::size_t index) const { return is_ascii() ? ascii()[index] : units()[index]; }
 
   bool EqualTo(CFObject const& other) const override;
   CFHashCode Hash() const override;
 
   // For `CFObject::Make` alone.
   __CFString(bool is_ascii, std::size_t length)
-      : CFObject(kCFTypeString), is_ascii_(is_ascii), length_(length) {}
+      : CFObject(kCFTypeString, is_ascii ? 1 : 0), length_(length) {}
 
  private:
-  bool is_ascii_;
   std::size_t length_;
 };
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
+#include <CoreServices/Files.h>
 #include <CoreServices/Gestalt.h>
 #include <CoreServices/MacTypes.h>
 #include <CoreServices/MachineName.h>

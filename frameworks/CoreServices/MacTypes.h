@@ -9,5 +9,6 @@ using OSType = FourCharCode;
 using ItemCount = unsigned long;
 using ByteCount = unsigned long;
 using TextEncoding = UInt32;
+using OptionBits = UInt32;
 
 enum : OSErr { noErr = 0, memFullErr = -108 };

@@ -1,4 +1,5 @@
 #include "machine/gestalt.h"
+#include "machine/live/files.h"
 #include "machine/live/sources.h"
 #include "machine/machine.h"
 
@@ -7,7 +8,8 @@ namespace {
 
 class LiveMachine final : public Machine {
  public:
-  explicit LiveMachine(std::string root) : root_(std::move(root)) {}
+  LiveMachine(std::string root, Changes changes)
+      : root_(std::move(root)), files_(root_, !AreAllowed(changes)) {}
 
   ClockSource const& Clock() const override { return clock_; }
   TimeZoneSource const& Zone() const override { return zone_; }
@@ -18,8 +20,14 @@ class LiveMachine final : public Machine {
   HardwareSource const& Hardware() const override { return hardware_; }
   ProcessSource const& Processes() const override { return processes_; }
   GestaltSource const& Gestalt() const override { return gestalt_; }
+  FileSource const& Files() const override { return files_; }
 
  private:
+  bool AreAllowed(Changes changes) const {
+    if (changes == Changes::kRunningMachineOnly) return root_.is_running();
+    return changes == Changes::kAllowed;
+  }
+
   live::Root root_;
   live::Clock clock_{root_};
   live::Zone zone_{root_};
@@ -29,13 +37,14 @@ class LiveMachine final : public Machine {
   live::Processors processors_{root_};
   live::Hardware hardware_{root_};
   live::Processes processes_{root_};
+  live::Files files_;
   DerivedGestalt gestalt_{*this};
 };
 
 }  // namespace
 
-std::shared_ptr<Machine const> MakeLiveMachine(std::string root) {
-  return std::make_shared<LiveMachine const>(std::move(root));
+std::shared_ptr<Machine const> MakeLiveMachine(std::string root, Changes changes) {
+  return std::make_shared<LiveMachine const>(std::move(root), changes);
 }
 
 }  // namespace machine

@@ -52,6 +52,7 @@ Outcome OutcomeOf(int error) {
     case EOPNOTSUPP:
       return Outcome::kNotSupported;
     case ETIMEDOUT:
+    case EAGAIN:  // a file that would make its reader wait
       return Outcome::kTimedOut;
     case EIO:
     case ELOOP:
@@ -69,17 +70,26 @@ Absence AnnounceAbsence(Outcome reason, std::string source, std::string where) {
   return {reason, std::move(source), std::move(where)};
 }
 
+Absence AnnounceError(int error, std::string source, std::string where) {
+  Absence absence = AnnounceAbsence(OutcomeOf(error), std::move(source), std::move(where));
+  absence.error = error;
+  return absence;
+}
+
 Root::Root(std::string folder) : is_running_(folder == "/") {
   if (!is_running_) {
     folder_ = FileDescriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   }
 }
 
+namespace {
+
 // A path may change while the kernel walks it; it then asks for another try.
-FileDescriptor Root::OpenConfined(int folder, char const* path, unsigned long resolve) const {
+FileDescriptor OpenConfined(int folder, char const* path, unsigned long resolve,
+                            unsigned long flags = 0) {
   constexpr int kTries = 8;
   open_how how = {};
-  how.flags = O_PATH | O_CLOEXEC;
+  how.flags = O_PATH | O_CLOEXEC | flags;
   how.resolve = resolve | RESOLVE_NO_MAGICLINKS;
   for (int i = 0; i < kTries; ++i) {
     FileDescriptor item(static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)));
@@ -88,29 +98,126 @@ FileDescriptor Root::OpenConfined(int folder, char const* path, unsigned long re
   return {};
 }
 
-namespace {
-
-// Opens for reading what was found and looked at already, so that nothing is opened that must not
-// be: a pipe would hang and a device may do anything.
 FileDescriptor Reopen(FileDescriptor const& item, int flags) {
-  char path[32];
-  std::snprintf(path, sizeof path, "/proc/self/fd/%d", item.number());
-  return FileDescriptor(::open(path, O_RDONLY | O_CLOEXEC | flags));
+  return FileDescriptor(::open(ProcPath(item.number()).c_str(), O_CLOEXEC | O_NOCTTY | flags));
 }
 
-FileDescriptor ReopenRegular(FileDescriptor const& item) {
-  if (!item.is_open()) return {};
-  if (IsRegular(item.number())) return Reopen(item, O_NOCTTY);
+// The path without slashes at its end, and its last name, which is empty for the root.
+std::pair<std::string_view, std::string_view> Split(std::string_view path) {
+  while (path.size() > 1 && path.back() == '/') path.remove_suffix(1);
+  std::size_t const slash = path.rfind('/') + 1;
+  return {path.substr(0, slash), path.substr(slash)};
+}
+
+bool IsOrdinaryName(std::string_view name) { return !name.empty() && name != "." && name != ".."; }
+
+bool HasNul(std::string const& path) {
+  if (path.find('\0') == std::string::npos) return false;
   errno = EINVAL;
-  return {};
+  return true;
 }
 
 }  // namespace
 
-FileDescriptor Root::OpenFile(std::string const& path) const {
-  if (!is_running_) {
-    return ReopenRegular(OpenConfined(folder_.number(), Relative(path), RESOLVE_IN_ROOT));
+std::string ProcPath(int item) { return "/proc/self/fd/" + std::to_string(item); }
+
+FileDescriptor ReopenFile(FileDescriptor const& item, int flags) {
+  if (!item.is_open()) return {};
+  struct stat status;
+  if (::fstat(item.number(), &status) != 0) return {};
+  if (S_ISREG(status.st_mode)) return Reopen(item, flags);
+  errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
+  return {};
+}
+
+FileDescriptor ReopenFolder(FileDescriptor const& item) {
+  return item.is_open() ? Reopen(item, O_RDONLY | O_DIRECTORY) : FileDescriptor();
+}
+
+int Place::folder() const { return folder_.is_open() ? folder_.number() : AT_FDCWD; }
+
+std::string Place::PlainPath() const {
+  return folder_.is_open() ? ProcPath(folder_.number()) + "/" + name_ : name_;
+}
+
+// Longer paths than the kernel takes, piece by piece. Each piece but the first stays within the
+// folder it starts from.
+FileDescriptor Root::OpenLong(std::string const& path) const {
+  FileDescriptor folder;
+  for (std::size_t start = 0; start < path.size();) {
+    std::size_t end = path.size();
+    if (end - start >= PATH_MAX) end = path.rfind('/', start + PATH_MAX - 1);
+    if (end == std::string::npos || end <= start) break;
+    std::string const piece = path.substr(start, end - start);
+    if (is_running_) {
+      folder = FileDescriptor(::openat(start == 0 ? AT_FDCWD : folder.number(),
+                                       start == 0 ? piece.c_str() : Relative(piece),
+                                       O_PATH | O_CLOEXEC));
+    } else {
+      folder = OpenConfined(start == 0 ? folder_.number() : folder.number(), Relative(piece),
+                            start == 0 ? RESOLVE_IN_ROOT : RESOLVE_BENEATH);
+    }
+    if (!folder.is_open() || end == path.size()) return folder;
+    start = end;
   }
+  errno = ENAMETOOLONG;
+  return {};
+}
+
+FileDescriptor Root::OpenItem(std::string const& path) const {
+  if (HasNul(path)) return {};
+  if (path.size() >= PATH_MAX) return OpenLong(path);
+  if (is_running_) return FileDescriptor(::open(path.c_str(), O_PATH | O_CLOEXEC));
+  return OpenConfined(folder_.number(), Relative(path), RESOLVE_IN_ROOT);
+}
+
+FileDescriptor Root::OpenItemItself(std::string const& path) const {
+  Place const place = Locate(path);
+  if (!place.is_reached()) return {};
+  return FileDescriptor(::openat(place.folder(), place.name(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+}
+
+// A last ".." is part of the walk that the kernel keeps within the root, never a name in the end.
+Place Root::Locate(std::string const& path) const {
+  if (HasNul(path)) return {};
+  auto const [parent, name] = Split(path);
+  if (is_running_ && path.size() < PATH_MAX) {
+    return {FileDescriptor(), std::string(parent) + std::string(name)};
+  }
+  bool const has_name = IsOrdinaryName(name);
+  FileDescriptor folder = OpenItem(has_name ? std::string(parent) : path);
+  if (!folder.is_open()) return {};
+  return {std::move(folder), has_name ? std::string(name) : "."};
+}
+
+std::string Root::PathOf(FileDescriptor const& item) const {
+  auto const read_link = [](int number) -> std::string {
+    char path[PATH_MAX];
+    ssize_t const size = ::readlink(ProcPath(number).c_str(), path, sizeof path);
+    return size > 0 ? std::string(path, static_cast<std::size_t>(size)) : std::string();
+  };
+  std::string path = read_link(item.number());
+  if (is_running_) return path.starts_with('/') ? path : std::string();
+  std::string const root = read_link(folder_.number());
+  if (root == "/" || path.empty() || root.empty()) return path;
+  if (path == root) return "/";
+  return path.starts_with(root + "/") ? path.substr(root.size()) : std::string();
+}
+
+bool Root::IsCanonicalFolder(std::string const& path) const {
+  if (path == "/") return true;
+  if (!path.starts_with('/')) return false;
+  for (char const* odd : {"//", "/./", "/../"}) {
+    if ((path + "/").find(odd) != std::string::npos) return false;
+  }
+  return OpenConfined(is_running_ ? AT_FDCWD : folder_.number(),
+                      is_running_ ? path.c_str() : Relative(path),
+                      RESOLVE_NO_SYMLINKS | (is_running_ ? 0 : RESOLVE_IN_ROOT), O_DIRECTORY)
+      .is_open();
+}
+
+FileDescriptor Root::OpenFile(std::string const& path) const {
+  if (!is_running_) return ReopenFile(OpenItem(path), O_RDONLY);
   FileDescriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY));
   if (!file.is_open() || IsRegular(file.number())) return file;
   errno = EINVAL;
@@ -118,15 +225,16 @@ FileDescriptor Root::OpenFile(std::string const& path) const {
 }
 
 FileDescriptor Root::OpenFolder(std::string const& path) const {
-  constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
-  if (is_running_) return FileDescriptor(::open(path.c_str(), kFlags));
-  FileDescriptor const item = OpenConfined(folder_.number(), Relative(path), RESOLVE_IN_ROOT);
-  return item.is_open() ? Reopen(item, O_DIRECTORY) : FileDescriptor();
+  if (HasNul(path)) return {};
+  if (is_running_ && path.size() < PATH_MAX) {
+    return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+  }
+  return ReopenFolder(OpenItem(path));
 }
 
 FileDescriptor Root::OpenFileIn(int folder, char const* relative_path) const {
   if (is_running_) return FileDescriptor(::openat(folder, relative_path, O_RDONLY | O_CLOEXEC));
-  return ReopenRegular(OpenConfined(folder, relative_path, RESOLVE_BENEATH));
+  return ReopenFile(OpenConfined(folder, relative_path, RESOLVE_BENEATH), O_RDONLY);
 }
 
 Fact<std::string> Root::ReadFile(std::string const& path) const {
@@ -186,7 +294,7 @@ Fact<std::string> Root::IdentityOf(std::string const& path) const {
   if (is_running_) {
     result = ::stat(path.c_str(), &status);
   } else {
-    FileDescriptor const item = OpenConfined(folder_.number(), Relative(path), RESOLVE_IN_ROOT);
+    FileDescriptor const item = OpenItem(path);
     if (item.is_open()) result = ::fstat(item.number(), &status);
   }
   if (result != 0) return AnnounceAbsence(OutcomeOf(errno), path);

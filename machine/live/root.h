@@ -13,6 +13,26 @@
 
 namespace machine::live {
 
+// An item as the system's calls can name it: a name without "/" in an open folder, or, on the
+// running machine, its path with no folder at all.
+class Place {
+ public:
+  Place() = default;
+  Place(FileDescriptor folder, std::string name)
+      : folder_(std::move(folder)), name_(std::move(name)) {}
+
+  // False, with `errno` set, when the folder could not be reached.
+  bool is_reached() const { return !name_.empty(); }
+  int folder() const;
+  char const* name() const { return name_.c_str(); }
+  // For calls that take nothing but a path.
+  std::string PlainPath() const;
+
+ private:
+  FileDescriptor folder_;
+  std::string name_;
+};
+
 class Root {
  public:
   explicit Root(std::string folder);
@@ -31,23 +51,44 @@ class Root {
   // What tells one state of a file from another: device, inode, size and time of change.
   Fact<std::string> IdentityOf(std::string const& path) const;
 
-  // Not announced. On failure closed, with `errno` set.
+  // The rest is not announced. On failure closed, with `errno` set.
+
+  // What the whole path leads to, links followed, for looking only (O_PATH).
+  FileDescriptor OpenItem(std::string const& path) const;
+  // What is at the path, a last link not followed, for looking only.
+  FileDescriptor OpenItemItself(std::string const& path) const;
+  Place Locate(std::string const& path) const;
+  // The path below this root of something open; empty when it lies elsewhere.
+  std::string PathOf(FileDescriptor const& item) const;
+  // Whether a path is what `PathOf` would say of the folder there.
+  bool IsCanonicalFolder(std::string const& path) const;
+
   FileDescriptor OpenFolder(std::string const& path) const;
   // A regular file by a path relative to an open folder of this root, which it may not leave.
   FileDescriptor OpenFileIn(int folder, char const* relative_path) const;
 
  private:
   FileDescriptor OpenFile(std::string const& path) const;
-  FileDescriptor OpenConfined(int folder, char const* path, unsigned long resolve) const;
+  FileDescriptor OpenLong(std::string const& path) const;
 
   bool is_running_;
   FileDescriptor folder_;  // open unless running
 };
+
+// Opens for real what was found and looked at already, so that nothing is opened that must not be:
+// a pipe would hang and a device may do anything. Only regular files; else `errno` is EISDIR or
+// EINVAL.
+FileDescriptor ReopenFile(FileDescriptor const& item, int flags);
+FileDescriptor ReopenFolder(FileDescriptor const& item);
+// A path of the running system to something open.
+std::string ProcPath(int item);
 
 // The reason that an `errno` value stands for.
 Outcome OutcomeOf(int error);
 
 // An absence that is announced here.
 Absence AnnounceAbsence(Outcome reason, std::string source, std::string where = {});
+// The same for a call that failed with an `errno` value.
+Absence AnnounceError(int error, std::string source, std::string where = {});
 
 }  // namespace machine::live

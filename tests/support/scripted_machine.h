@@ -32,6 +32,8 @@ class ScriptedMachine final : public machine::Machine,
   std::optional<std::uint32_t> online_processors, power_pc_version, megahertz, usb_release;
   std::optional<machine::Architecture> architecture;
   std::vector<machine::Process> processes;
+  // Answers "not supported" where there is none.
+  std::shared_ptr<machine::FileSource const> files;
   // By selector; one that is not here follows from the other facts.
   std::map<std::string, machine::GestaltResponse> gestalt;
 
@@ -58,6 +60,9 @@ class ScriptedMachine final : public machine::Machine,
   machine::HardwareSource const& Hardware() const override { return *this; }
   machine::ProcessSource const& Processes() const override { return *this; }
   machine::GestaltSource const& Gestalt() const override { return *this; }
+  machine::FileSource const& Files() const override {
+    return files != nullptr ? *files : Machine::Files();
+  }
 
  private:
   template <typename T>

@@ -153,27 +153,6 @@ std::optional<Encoder> FindEncoder(CFStringEncoding encoding) {
   }
 }
 
-// One character of UTF-8 with all its checks; the bytes it took, 0 when it is malformed.
-std::size_t TakeUtf8(UInt8 const* bytes, std::size_t length, UInt32& character) {
-  UInt8 const first = bytes[0];
-  if (first < 0x80) {
-    character = first;
-    return 1;
-  }
-  if (first < 0xC2 || first > 0xF4) return 0;
-  std::size_t const size = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-  if (size > length) return 0;
-  character = first & (0x7Fu >> size);
-  for (std::size_t i = 1; i < size; ++i) {
-    if ((bytes[i] & 0xC0) != 0x80) return 0;
-    character = character << 6 | (bytes[i] & 0x3F);
-  }
-  constexpr UInt32 kLowest[] = {0, 0, 0x80, 0x800, 0x10000};
-  bool const is_valid =
-      character >= kLowest[size] && character <= 0x10FFFF && !IsSurrogate(character);
-  return is_valid ? size : 0;
-}
-
 bool DecodeUtf8(UInt8 const* bytes, std::size_t length, Form form, std::vector<UniChar>& text) {
   constexpr UInt8 kMark[] = {0xEF, 0xBB, 0xBF};
   std::size_t at = 0;
@@ -221,6 +200,26 @@ bool DecodeByTable(UInt8 const* bytes, std::size_t length, UpperHalf const& tabl
 }
 
 }  // namespace
+
+std::size_t TakeUtf8(UInt8 const* bytes, std::size_t length, UInt32& character) {
+  UInt8 const first = bytes[0];
+  if (first < 0x80) {
+    character = first;
+    return 1;
+  }
+  if (first < 0xC2 || first > 0xF4) return 0;
+  std::size_t const size = first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+  if (size > length) return 0;
+  character = first & (0x7Fu >> size);
+  for (std::size_t i = 1; i < size; ++i) {
+    if ((bytes[i] & 0xC0) != 0x80) return 0;
+    character = character << 6 | (bytes[i] & 0x3F);
+  }
+  constexpr UInt32 kLowest[] = {0, 0, 0x80, 0x800, 0x10000};
+  bool const is_valid =
+      character >= kLowest[size] && character <= 0x10FFFF && !IsSurrogate(character);
+  return is_valid ? size : 0;
+}
 
 bool IsAscii(UInt8 const* bytes, std::size_t length) {
   std::size_t at = 0;

@@ -30,6 +30,10 @@ bool ExtendsAscii(CFStringEncoding encoding);
 
 bool IsAscii(UInt8 const* bytes, std::size_t length);
 
+// One character of UTF-8 with all its checks; the bytes it took, 0 when it is malformed. At least
+// one byte must be there.
+std::size_t TakeUtf8(UInt8 const* bytes, std::size_t length, UInt32& character);
+
 enum class NameSearch { kFound, kUnknown, kUnavailable };
 
 // By an Internet name in any letter case. The commonest are known here, the others by ICU;

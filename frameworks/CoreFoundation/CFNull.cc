@@ -1,0 +1,17 @@
+#include <CoreFoundation/CFNull.h>
+
+#include "frameworks/CoreFoundation/object.h"
+
+struct __CFNull final : CFObject {
+  constexpr __CFNull() : CFObject(kCFTypeNull, 0, kConstantCount) {}
+};
+
+namespace {
+
+constinit CFConstant<__CFNull> const null;
+
+}  // namespace
+
+constinit CFNullRef const kCFNull = &null.object;
+
+CFTypeID CFNullGetTypeID() { return kCFTypeNull; }

@@ -1,0 +1,363 @@
+#include <CoreFoundation/CFNull.h>
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+#include <cstring>
+#include <utility>
+
+#include "frameworks/CoreFoundation/array_object.h"
+#include "frameworks/CoreFoundation/binary_property_list.h"
+#include "frameworks/CoreFoundation/binary_property_list_form.h"
+#include "frameworks/CoreFoundation/data_object.h"
+#include "frameworks/CoreFoundation/dictionary_object.h"
+#include "frameworks/CoreFoundation/encodings/convert.h"
+#include "frameworks/CoreFoundation/number_object.h"
+#include "frameworks/CoreFoundation/string_object.h"
+
+using namespace binary_property_list;
+
+namespace {
+
+// A few bytes (1 to 8), the most significant first. They are taken from eight at once, which lie in
+// the file for every one of them that does not lie in the trailer's last bytes.
+UInt64 LoadBigEndian(unsigned char const* bytes, std::size_t width) {
+  UInt64 value;
+  std::memcpy(&value, bytes, sizeof value);
+  if constexpr (std::endian::native == std::endian::little) value = __builtin_bswap64(value);
+  return value >> (64 - 8 * width);
+}
+
+// What follows an object's first byte: how many (bytes, units, references), and where they begin.
+struct Extent {
+  UInt64 count = 0;
+  std::size_t begin = 0;
+};
+
+class Reader {
+ public:
+  Reader(std::span<unsigned char const> bytes, PropertyListError& error)
+      : bytes_(bytes), error_(error) {}
+
+  ~Reader() {
+    for (CFTypeRef const object : dropped_) CFRelease(object);
+  }
+
+  CFPropertyListRef Read() {
+    if (!ReadTrailer()) return nullptr;
+    objects_.resize(count_);
+    heights_.resize(count_, kUnread);
+    return ReadObject(root_, 0);
+  }
+
+ private:
+  static constexpr UInt16 kUnread = 0xFFFF, kBeingRead = 0xFFFE;
+
+  bool Refuse(std::size_t position, char const* message) {
+    error_ = {position, message};
+    return false;
+  }
+  std::nullptr_t Fail(std::size_t position, char const* message) {
+    Refuse(position, message);
+    return nullptr;
+  }
+
+  bool ReadTrailer();
+  // One reference, or null. `enclosing` counts the containers around the object.
+  CFTypeRef ReadObject(UInt64 number, int enclosing);
+  CFTypeRef ReadNewObject(std::size_t number, int enclosing);
+  CFTypeRef ReadSimple(std::size_t at);
+  CFTypeRef ReadInteger(std::size_t at);
+  CFTypeRef ReadReal(std::size_t at);
+  CFTypeRef ReadDate(std::size_t at);
+  CFTypeRef ReadData(std::size_t at);
+  CFTypeRef ReadAscii(std::size_t at);
+  CFTypeRef ReadUtf16(std::size_t at);
+  CFTypeRef ReadUid(std::size_t at);
+  CFTypeRef ReadArray(std::size_t at, std::size_t number, int enclosing);
+  CFTypeRef ReadDictionary(std::size_t at, std::size_t number, int enclosing);
+  bool FillDictionary(__CFDictionary& dictionary, Extent extent, int enclosing, int& height);
+
+  // The count in or behind the first byte, each one `width` bytes, all of them inside the file.
+  bool ReadExtent(std::size_t at, std::size_t width, Extent& extent);
+  // Whether `size` bytes from `begin` on lie before the offset table and leave those of all objects
+  // together within the file, which bounds the memory that objects take.
+  bool Claim(std::size_t at, std::size_t begin, UInt64 size);
+
+  UInt64 ReferenceAt(std::size_t begin, UInt64 index) const {
+    return LoadBigEndian(bytes_.data() + begin + index * reference_width_, reference_width_);
+  }
+
+  std::span<unsigned char const> bytes_;
+  PropertyListError& error_;
+  std::size_t table_ = 0;  // Where the objects end and their offsets begin.
+  std::size_t count_ = 0;
+  std::size_t root_ = 0;
+  std::size_t offset_width_ = 0;
+  std::size_t reference_width_ = 0;
+  std::size_t claimed_ = 0;
+  // What has been read, borrowed from the container that was the first to hold it, and how many
+  // containers deep it is.
+  std::vector<CFTypeRef> objects_;
+  std::vector<UInt16> heights_;
+  // Keys that occurred twice, and their values: others may still refer to them.
+  std::vector<CFTypeRef> dropped_;
+  std::vector<UniChar> units_;
+};
+
+bool Reader::ReadTrailer() {
+  if (!IsBinaryPropertyList(bytes_)) return Refuse(0, "not a binary property list");
+  if (std::memcmp(bytes_.data(), kMagic, kMagicSize) != 0) {
+    return Refuse(6, "a version of the binary form that is not known");
+  }
+  if (bytes_.size() < kMagicSize + 1 + 1 + kTrailerSize) {
+    return Refuse(bytes_.size(), "cut off before its trailer");
+  }
+  std::size_t const trailer = bytes_.size() - kTrailerSize;
+  offset_width_ = bytes_[trailer + 6];
+  reference_width_ = bytes_[trailer + 7];
+  if (offset_width_ - 1 >= 8) return Refuse(trailer + 6, "a width of offsets that is not 1 to 8");
+  if (reference_width_ - 1 >= 8) {
+    return Refuse(trailer + 7, "a width of references that is not 1 to 8");
+  }
+  UInt64 const count = LoadBigEndian(&bytes_[trailer + 8], 8);
+  UInt64 const root = LoadBigEndian(&bytes_[trailer + 16], 8);
+  UInt64 const table = LoadBigEndian(&bytes_[trailer + 24], 8);
+  if (table <= kMagicSize || table >= trailer) {
+    return Refuse(trailer + 24, "a table of offsets that lies outside the file");
+  }
+  if (count > table - kMagicSize || count * offset_width_ != trailer - table) {
+    return Refuse(trailer + 8, "a number of objects that does not fit the table of offsets");
+  }
+  if (root >= count) return Refuse(trailer + 16, "a root that does not exist");
+  table_ = table;
+  count_ = count;
+  root_ = root;
+  return true;
+}
+
+CFTypeRef Reader::ReadObject(UInt64 number, int enclosing) {
+  if (number >= count_) return Fail(table_, "a reference to an object that does not exist");
+  UInt16 const height = heights_[number];
+  if (height == kUnread) return ReadNewObject(number, enclosing);
+  std::size_t const entry = table_ + number * offset_width_;
+  if (height == kBeingRead) return Fail(entry, "a container that holds itself");
+  if (enclosing + height > kPropertyListNesting) return Fail(entry, kTooDeep);
+  CFObject::Of(objects_[number]).RetainUnshared();
+  return objects_[number];
+}
+
+CFTypeRef Reader::ReadNewObject(std::size_t number, int enclosing) {
+  std::size_t const entry = table_ + number * offset_width_;
+  UInt64 const at = LoadBigEndian(&bytes_[entry], offset_width_);
+  if (at < kMagicSize || at >= table_)
+    return Fail(entry, "an offset that lies outside the objects");
+  unsigned const kind = bytes_[at] >> 4;
+  CFTypeRef object = nullptr;
+  if (kind == kArray || kind == kDictionary) {
+    if (enclosing >= kPropertyListNesting) return Fail(at, kTooDeep);
+    heights_[number] = kBeingRead;
+    object =
+        kind == kArray ? ReadArray(at, number, enclosing) : ReadDictionary(at, number, enclosing);
+  } else {
+    object = ReadSimple(at);
+    heights_[number] = kind == kUid ? 1 : 0;
+    if (object != nullptr && enclosing + heights_[number] > kPropertyListNesting) {
+      CFRelease(object);
+      return Fail(at, kTooDeep);
+    }
+  }
+  objects_[number] = object;
+  return object;
+}
+
+CFTypeRef Reader::ReadSimple(std::size_t at) {
+  switch (bytes_[at] >> 4) {
+    case kSingle:
+      break;
+    case kInteger:
+      return ReadInteger(at);
+    case kReal:
+      return ReadReal(at);
+    case kDate:
+      return ReadDate(at);
+    case kData:
+      return ReadData(at);
+    case kAscii:
+      return ReadAscii(at);
+    case kUtf16:
+      return ReadUtf16(at);
+    case kUid:
+      return ReadUid(at);
+    default:
+      return Fail(at, "a kind of object that property lists do not have");
+  }
+  if (!Claim(at, at, 1)) return nullptr;
+  switch (bytes_[at]) {
+    case kNull:
+      return CFRetain(kCFNull);
+    case kFalse:
+      return CFRetain(kCFBooleanFalse);
+    case kTrue:
+      return CFRetain(kCFBooleanTrue);
+    default:
+      return Fail(at, "a kind of object that property lists do not have");
+  }
+}
+
+bool Reader::Claim(std::size_t at, std::size_t begin, UInt64 size) {
+  if (begin > table_ || size > table_ - begin) {
+    return Refuse(at, "an object that goes on behind the last");
+  }
+  claimed_ += begin - at + size;
+  if (claimed_ > table_) return Refuse(at, "objects that overlap");
+  return true;
+}
+
+bool Reader::ReadExtent(std::size_t at, std::size_t width, Extent& extent) {
+  extent = {bytes_[at] & 0xFu, at + 1};
+  if (extent.count == kCountFollows) {
+    if (!Claim(at, at, 2)) return false;
+    unsigned const marker = bytes_[at + 1];
+    std::size_t const size = std::size_t{1} << (marker & 0xF);
+    if (marker >> 4 != kInteger || size > 8) return Refuse(at + 1, "a count that is no integer");
+    if (!Claim(at + 2, at + 2, size)) return false;
+    extent = {LoadBigEndian(&bytes_[at + 2], size), at + 2 + size};
+    // Claimed again below with what is counted.
+    claimed_ -= 2 + size;
+  }
+  // No multiplication that could overflow: a file has fewer bytes than that.
+  if (extent.count > table_) return Refuse(at, "an object that goes on behind the last");
+  return Claim(at, extent.begin, extent.count * width);
+}
+
+CFTypeRef Reader::ReadInteger(std::size_t at) {
+  unsigned const power = bytes_[at] & 0xF;
+  if (power > 4) return Fail(at, "an integer wider than 16 bytes");
+  std::size_t const width = std::size_t{1} << power;
+  if (!Claim(at, at + 1, width)) return nullptr;
+  unsigned char const* const value = &bytes_[at + 1];
+  if (width <= 8) return __CFNumber::MakeSigned(static_cast<SInt64>(LoadBigEndian(value, width)));
+  UInt64 const high = LoadBigEndian(value, 8), low = LoadBigEndian(value + 8, 8);
+  CFSInt128Struct const whole = {static_cast<SInt64>(high), low};
+  CFNumberRef const number = CFNumberCreate(nullptr, kCFNumberSInt128Type, &whole);
+  return number != nullptr ? number : Fail(at, "an integer outside the 64 bits");
+}
+
+CFTypeRef Reader::ReadReal(std::size_t at) {
+  unsigned const power = bytes_[at] & 0xF;
+  if (power != 2 && power != 3) return Fail(at, "a real of neither 4 nor 8 bytes");
+  std::size_t const width = std::size_t{1} << power;
+  if (!Claim(at, at + 1, width)) return nullptr;
+  UInt64 const bits = LoadBigEndian(&bytes_[at + 1], width);
+  if (power == 3) return __CFNumber::MakeReal(std::bit_cast<double>(bits));
+  return __CFNumber::MakeReal(std::bit_cast<float>(static_cast<UInt32>(bits)),
+                              kCFNumberFloat32Type);
+}
+
+CFTypeRef Reader::ReadDate(std::size_t at) {
+  if (bytes_[at] != kDateMarker) return Fail(at, "a date that is not 8 bytes wide");
+  if (!Claim(at, at + 1, 8)) return nullptr;
+  auto const time = std::bit_cast<double>(LoadBigEndian(&bytes_[at + 1], 8));
+  return std::isfinite(time) ? CFDateCreate(nullptr, time) : Fail(at, "a date that is no time");
+}
+
+CFTypeRef Reader::ReadData(std::size_t at) {
+  Extent extent;
+  if (!ReadExtent(at, 1, extent)) return nullptr;
+  return CFDataCreate(nullptr, bytes_.data() + extent.begin, static_cast<CFIndex>(extent.count));
+}
+
+CFTypeRef Reader::ReadAscii(std::size_t at) {
+  Extent extent;
+  if (!ReadExtent(at, 1, extent)) return nullptr;
+  unsigned char const* const text = bytes_.data() + extent.begin;
+  if (!encodings::IsAscii(text, extent.count)) return Fail(at, "an ASCII string that is not ASCII");
+  return __CFString::MakeAscii(text, extent.count);
+}
+
+CFTypeRef Reader::ReadUtf16(std::size_t at) {
+  Extent extent;
+  if (!ReadExtent(at, 2, extent)) return nullptr;
+  unsigned char const* const text = bytes_.data() + extent.begin;
+  units_.resize(extent.count);
+  for (std::size_t i = 0; i < extent.count; ++i) {
+    units_[i] = static_cast<UniChar>(text[2 * i] << 8 | text[2 * i + 1]);
+  }
+  return __CFString::MakeUnits(units_.data(), units_.size());
+}
+
+CFTypeRef Reader::ReadUid(std::size_t at) {
+  std::size_t const width = (bytes_[at] & 0xF) + std::size_t{1};
+  if (width > 8) return Fail(at, "a UID wider than 8 bytes");
+  if (!Claim(at, at + 1, width)) return nullptr;
+  CFTypeRef const pair[] = {CFRetain(CFSTR("CF$UID")),
+                            __CFNumber::MakeUnsigned(LoadBigEndian(&bytes_[at + 1], width))};
+  return __CFDictionary::MakeTaking(pair, __CFDictionary::Keep::kFirst);
+}
+
+CFTypeRef Reader::ReadArray(std::size_t at, std::size_t number, int enclosing) {
+  Extent extent;
+  if (!ReadExtent(at, reference_width_, extent)) return nullptr;
+  __CFArray* const array = __CFArray::MakeUnfilled(extent.count);
+  int height = 0;
+  for (UInt64 i = 0; i < extent.count; ++i) {
+    UInt64 const reference = ReferenceAt(extent.begin, i);
+    CFTypeRef const object = ReadObject(reference, enclosing + 1);
+    if (object == nullptr) {
+      CFRelease(array);
+      return nullptr;
+    }
+    array->Take(object);
+    height = std::max<int>(height, heights_[reference]);
+  }
+  heights_[number] = static_cast<UInt16>(height + 1);
+  return array;
+}
+
+CFTypeRef Reader::ReadDictionary(std::size_t at, std::size_t number, int enclosing) {
+  Extent extent;
+  if (!ReadExtent(at, 2 * reference_width_, extent)) return nullptr;
+  __CFDictionary* const dictionary = __CFDictionary::MakeUnfilled(extent.count);
+  int height = 0;
+  if (!FillDictionary(*dictionary, extent, enclosing + 1, height)) {
+    CFRelease(dictionary);
+    return nullptr;
+  }
+  dictionary->Settle(__CFDictionary::Keep::kLast, &dropped_);
+  heights_[number] = static_cast<UInt16>(height + 1);
+  return dictionary;
+}
+
+// The references to all keys come first, those to their values behind.
+bool Reader::FillDictionary(__CFDictionary& dictionary, Extent extent, int enclosing, int& height) {
+  for (UInt64 i = 0; i < extent.count; ++i) {
+    CFTypeRef const key = ReadObject(ReferenceAt(extent.begin, i), enclosing);
+    if (key == nullptr) return false;
+    dictionary.TakeKey(i, key);
+    if (CFObject::Of(key).type() != kCFTypeString) {
+      return Refuse(extent.begin + i * reference_width_, "a key that is not a string");
+    }
+  }
+  for (UInt64 i = 0; i < extent.count; ++i) {
+    UInt64 const reference = ReferenceAt(extent.begin, extent.count + i);
+    CFTypeRef const value = ReadObject(reference, enclosing);
+    if (value == nullptr) return false;
+    dictionary.TakeValue(i, value);
+    height = std::max<int>(height, heights_[reference]);
+  }
+  return true;
+}
+
+}  // namespace
+
+bool IsBinaryPropertyList(std::span<unsigned char const> bytes) {
+  constexpr std::size_t kVersionSize = 2;
+  return bytes.size() >= kMagicSize &&
+         std::memcmp(bytes.data(), kMagic, kMagicSize - kVersionSize) == 0;
+}
+
+CFPropertyListRef ReadBinaryPropertyList(std::span<unsigned char const> bytes,
+                                         PropertyListError& error) {
+  return Reader(bytes, error).Read();
+}

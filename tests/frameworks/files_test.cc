@@ -1,0 +1,428 @@
+#include <BSD/BSD.h>
+#include <CoreServices/CoreServices.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "frameworks/CoreServices/file_names.h"
+#include "tests/machine/apple_double_text.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::UnorderedElementsAre;
+
+struct UnicodeText {
+  explicit UnicodeText(std::u16string const& text) : units(text.begin(), text.end()) {}
+  std::vector<UniChar> units;
+};
+
+// A folder of the running machine, and the calls in short.
+class FilesTest : public testing::Test {
+ protected:
+  FSRef Ref(std::string const& path) { return RefOf(tree_.At(path)); }
+  static FSRef RefOf(std::string const& path) {
+    FSRef ref = {};
+    EXPECT_EQ(PathCode(path, &ref), noErr) << path;
+    return ref;
+  }
+  static OSStatus PathCode(std::string const& path, FSRef* ref) {
+    return FSPathMakeRef(reinterpret_cast<UInt8 const*>(path.c_str()), ref, nullptr);
+  }
+  static std::string PathOf(FSRef const& ref) {
+    UInt8 path[4096] = "";
+    FSRefMakePath(&ref, path, sizeof path);
+    return reinterpret_cast<char*>(path);
+  }
+  static FSCatalogInfo Info(FSRef const& ref) {
+    FSCatalogInfo info = {};
+    EXPECT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoGettableInfo, &info, nullptr, nullptr, nullptr),
+              noErr);
+    return info;
+  }
+  static OSErr CodeOf(FSRef const& ref) {
+    return FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, nullptr, nullptr);
+  }
+  static OSErr Copy(FSRef const& ref, FSRef const& parent, std::u16string const& name,
+                    FSRef* copy = nullptr) {
+    UnicodeText const text(name);
+    return FSCopyObject(&ref, &parent, text.units.size(), text.units.data(), copy);
+  }
+  static OSErr Move(FSRef const& ref, FSRef const& parent, std::u16string const& name,
+                    FSRef* moved = nullptr) {
+    UnicodeText const text(name);
+    return FSMoveRenameObjectUnicode(&ref, &parent, text.units.size(), text.units.data(), 0, moved);
+  }
+  static OSErr Child(FSRef const& parent, std::u16string const& name, FSRef* child) {
+    UnicodeText const text(name);
+    return FSMakeFSRefUnicode(&parent, text.units.size(), text.units.data(), 0, child);
+  }
+  static OSErr CreateFile(FSRef const& parent, std::u16string const& name, FSRef* made = nullptr) {
+    UnicodeText const text(name);
+    return FSCreateFileUnicode(&parent, text.units.size(), text.units.data(), 0, nullptr, made,
+                               nullptr);
+  }
+  static OSErr CreateFolder(FSRef const& parent, std::u16string const& name) {
+    UnicodeText const text(name);
+    return FSCreateDirectoryUnicode(&parent, text.units.size(), text.units.data(), 0, nullptr,
+                                    nullptr, nullptr, nullptr);
+  }
+  static OSErr Open(FSRef const& ref, SInt8 permission, FSIORefNum* fork, bool resource = false) {
+    HFSUniStr255 name;
+    (resource ? FSGetResourceForkName : FSGetDataForkName)(&name);
+    return FSOpenFork(&ref, name.length, name.unicode, permission, fork);
+  }
+  static std::string Content(FSRef const& ref, bool resource = false) {
+    FSIORefNum fork = 0;
+    if (OSErr const code = Open(ref, fsRdPerm, &fork, resource); code != noErr) {
+      return "code " + std::to_string(code);
+    }
+    char text[64];
+    ByteCount count = 0;
+    EXPECT_EQ(FSReadFork(fork, fsAtMark, 0, sizeof text, text, &count), eofErr);
+    EXPECT_EQ(FSCloseFork(fork), noErr);
+    return std::string(text, count);
+  }
+  static std::vector<std::string> Names(FSRef const& folder) {
+    FSIterator iterator = nullptr;
+    EXPECT_EQ(FSOpenIterator(&folder, kFSIterateFlat, &iterator), noErr);
+    std::vector<std::string> names;
+    FSRef refs[2];
+    ItemCount count = 0;
+    while (FSGetCatalogInfoBulk(iterator, 2, &count, nullptr, 0, nullptr, refs, nullptr, nullptr) ==
+           noErr) {
+      for (ItemCount i = 0; i < count; ++i) names.emplace_back(refs[i].name);
+    }
+    EXPECT_EQ(FSCloseIterator(iterator), noErr);
+    EXPECT_EQ(FSCloseIterator(iterator), errFSIteratorNotFound);
+    return names;
+  }
+
+  RecordedTree tree_;
+  MachineInUse use_{machine::MakeLiveMachine()};
+};
+
+struct NameCase {
+  std::string bytes;
+  std::u16string units;
+};
+
+TEST(FileNames, SurviveTheRoundTripWhateverTheirBytes) {
+  NameCase const cases[] = {
+      {"a:b", u"a:b"},
+      {"\xc3\xa9\xe2\x82\xac\xf0\x9f\x98\x80", u"\u00e9\u20ac\U0001F600"},
+      {"\xff", {0xDCFF}},
+      {"x\xc3", {u'x', 0xDCC3}},
+      {"\xc0\xaf", {0xDCC0, 0xDCAF}},
+      {"\xed\xb3\xbf", {0xDCED, 0xDCB3, 0xDCBF}},
+      {"\xf4\x90\x80\x80", {0xDCF4, 0xDC90, 0xDC80, 0xDC80}},
+      {"\xf0\x9f\x98\x80\x80", {0xD83D, 0xDE00, 0xDC80}},
+      {std::string(255, 'n'), std::u16string(255, u'n')},
+  };
+  for (NameCase const& row : cases) {
+    HFSUniStr255 const name = UnicodeName(row.bytes);
+    EXPECT_EQ(std::u16string(name.unicode, name.unicode + name.length), row.units);
+    EXPECT_EQ(NameOnDisk(name.unicode, name.length), row.bytes);
+  }
+  std::u16string const bad[] = {u"",
+                                u".",
+                                u"..",
+                                u"a/b",
+                                std::u16string(1, 0),
+                                {0xD83D},
+                                {0xD83D, u'x'},
+                                {0xDC41},
+                                std::u16string(128, 0xE9),
+                                std::u16string(256, u'n')};
+  for (std::u16string const& text : bad) {
+    UnicodeText const name(text);
+    EXPECT_EQ(NameOnDisk(name.units.data(), name.units.size()), std::nullopt);
+  }
+}
+
+TEST_F(FilesTest, ReferencesLeadBackToPathsWithoutLinks) {
+  tree_.Write("/folder/\xff", "12");
+  tree_.Link("/link", "folder");
+  tree_.Link("/folder/to-file", tree_.At("/link/\xff"));
+  FSRef const file = Ref("/folder/\xff");
+  for (char const* spelling :
+       {"/link/\xff", "/folder/../link/./\xff", "/link/to-file", "//folder//\xff"}) {
+    FSRef const same = Ref(spelling);
+    EXPECT_EQ(FSCompareFSRefs(&file, &same), noErr) << spelling;
+    EXPECT_EQ(PathOf(same), tree_.At("/folder/\xff")) << spelling;
+  }
+  FSRef child, parent, root, root_parent;
+  EXPECT_EQ(Child(Ref("/folder"), {0xDCFF}, &child), noErr);
+  EXPECT_EQ(FSCompareFSRefs(&file, &child), noErr);
+  HFSUniStr255 name;
+  FSSpec spec;
+  ASSERT_EQ(FSGetCatalogInfo(&file, 0, nullptr, &name, &spec, &parent), noErr);
+  EXPECT_EQ(std::vector<UniChar>(name.unicode, name.unicode + name.length),
+            std::vector<UniChar>{0xDCFF});
+  EXPECT_EQ(PathOf(parent), tree_.At("/folder"));
+  EXPECT_EQ(FSpMakeFSRef(&spec, &child), noErr);
+  EXPECT_EQ(FSCompareFSRefs(&file, &child), noErr);
+  EXPECT_EQ(spec.parID, Info(parent).nodeID);
+  root = RefOf("/");
+  EXPECT_EQ(PathOf(root), "/");
+  ASSERT_EQ(FSGetCatalogInfo(&root, 0, nullptr, nullptr, nullptr, &root_parent), noErr);
+  EXPECT_EQ(CodeOf(root_parent), fnfErr);
+  UInt8 small[4];
+  EXPECT_EQ(FSRefMakePath(&file, small, sizeof small), bdNamErr);
+}
+
+TEST_F(FilesTest, CatalogInformationIsTheKernels) {
+  tree_.Write("/file", "12345");
+  struct stat status;
+  ASSERT_EQ(::chmod(tree_.At("/file").c_str(), 0444), 0);
+  timespec const times[] = {{86400, 0}, {-2'082'844'800 + 5, 500'000'000}};
+  ASSERT_EQ(::utimensat(AT_FDCWD, tree_.At("/file").c_str(), times, 0), 0);
+  ASSERT_EQ(::stat(tree_.At("/file").c_str(), &status), 0);
+  FSCatalogInfo const info = Info(Ref("/file"));
+  EXPECT_EQ(info.nodeFlags, kFSNodeLockedMask);
+  EXPECT_EQ(info.dataLogicalSize, 5u);
+  EXPECT_EQ(info.dataPhysicalSize, static_cast<UInt64>(status.st_blocks) * 512);
+  EXPECT_EQ(info.permissions.mode, status.st_mode);
+  EXPECT_EQ(info.accessDate.lowSeconds, 2'082'844'800u + 86400);
+  EXPECT_EQ(info.contentModDate.lowSeconds, 5u);
+  EXPECT_EQ(info.contentModDate.fraction, 0x8000);
+  EXPECT_EQ(info.parentDirID, Info(Ref("/")).nodeID);
+  FSCatalogInfo const folder = Info(Ref("/"));
+  EXPECT_EQ(folder.nodeFlags, kFSNodeIsDirectoryMask);
+  EXPECT_EQ(folder.valence, 1u);
+  EXPECT_EQ(folder.dataLogicalSize, 0u);
+
+  FSVolumeInfo volume;
+  FSRef root;
+  ASSERT_EQ(FSGetVolumeInfo(info.volume, 0, nullptr, kFSVolInfoSizes, &volume, nullptr, &root),
+            noErr);
+  struct statvfs space;
+  ASSERT_EQ(::statvfs(tree_.At("/file").c_str(), &space), 0);
+  EXPECT_EQ(volume.totalBytes, space.f_blocks * space.f_frsize);
+  EXPECT_NEAR(static_cast<double>(volume.freeBytes),
+              static_cast<double>(space.f_bavail * space.f_frsize), 1e9);
+  EXPECT_EQ(Info(root).volume, info.volume);
+  EXPECT_EQ(Info(RefOf("/")).volume, -100);
+  EXPECT_NE(Info(RefOf("/proc")).volume, -100);
+  EXPECT_EQ(FSGetVolumeInfo(-31000, 0, nullptr, 0, nullptr, nullptr, nullptr), nsvErr);
+}
+
+TEST_F(FilesTest, FinderInformationGoesWithItsItem) {
+  std::string const disk = std::string("APPLMACS\x40\x00\0\0\0\0\0\0", 16) + std::string(16, '\0');
+  tree_.Write("/from/item", "data");
+  tree_.Write("/from/._item", AppleDoubleText({{9, disk}, {2, "resource"}}));
+  auto const check = [&](FSRef const& ref, char const* what) {
+    FSCatalogInfo const info = Info(ref);
+    FileInfo finder;
+    std::memcpy(&finder, info.finderInfo, sizeof finder);
+    EXPECT_EQ(finder.fileType, 0x4150504Cu) << what;
+    EXPECT_EQ(finder.finderFlags, kIsInvisible) << what;
+    EXPECT_EQ(info.rsrcLogicalSize, 8u) << what;
+    EXPECT_EQ(Content(ref, true), "resource") << what;
+  };
+  check(Ref("/from/item"), "companion");
+  EXPECT_THAT(Names(Ref("/from")), ElementsAre("item"));
+  ASSERT_EQ(Copy(Ref("/from"), Ref("/"), u"to"), noErr);
+  check(Ref("/to/item"), "copied");
+  FSRef moved;
+  ASSERT_EQ(Move(Ref("/to/item"), Ref("/"), u"new", &moved), noErr);
+  check(moved, "moved");
+  EXPECT_THAT(Names(Ref("/to")), ElementsAre());
+  ASSERT_EQ(FSDeleteObject(&moved), noErr);
+  EXPECT_FALSE(std::filesystem::exists(tree_.At("/._new")));
+
+  FSRef item = Ref("/from/item");
+  FSCatalogInfo info = Info(item);
+  FileInfo finder = {0x54455854, 0x74747874, kIsStationery, {3, 4}, 0};
+  std::memcpy(info.finderInfo, &finder, sizeof finder);
+  if (FSSetCatalogInfo(&item, kFSCatInfoFinderInfo, &info) != noErr) GTEST_SKIP();
+  tree_.Write("/from/fresh", "fresh");
+  FSRef const fresh = Ref("/from/fresh");
+  ASSERT_EQ(::chmod(tree_.At("/from/item").c_str(), 0640), 0);
+  ASSERT_EQ(FSReplaceObject(&item, &fresh, nullptr, nullptr, nullptr, 0, &moved), noErr);
+  EXPECT_EQ(std::memcmp(Info(moved).finderInfo, &finder, sizeof finder), 0);
+  EXPECT_EQ(Info(moved).permissions.mode & 07777, 0640);
+  EXPECT_EQ(Content(moved), "fresh");
+  EXPECT_EQ(Content(moved, true), "resource");
+  EXPECT_EQ(CodeOf(item), fnfErr);
+}
+
+TEST_F(FilesTest, LockingTakesTheRightToWrite) {
+  tree_.Write("/file", "data");
+  FSRef const file = Ref("/file");
+  FSCatalogInfo info = Info(file);
+  info.nodeFlags = kFSNodeLockedMask;
+  ASSERT_EQ(FSSetCatalogInfo(&file, kFSCatInfoNodeFlags, &info), noErr);
+  EXPECT_EQ(Info(file).permissions.mode & 0777, 0444);
+  FSIORefNum fork;
+  EXPECT_EQ(Open(file, fsRdWrPerm, &fork), permErr);
+  info.nodeFlags = 0;
+  ASSERT_EQ(FSSetCatalogInfo(&file, kFSCatInfoNodeFlags, &info), noErr);
+  EXPECT_EQ(Info(file).permissions.mode & 0777, 0644);
+  FSRef const folder = Ref("/");
+  info.nodeFlags = kFSNodeLockedMask;
+  if (FSSetCatalogInfo(&folder, kFSCatInfoNodeFlags, &info) != noErr) return;  // not our right
+  EXPECT_EQ(Info(folder).nodeFlags, kFSNodeLockedMask | kFSNodeIsDirectoryMask);
+  EXPECT_NE(FSDeleteObject(&file), noErr);
+  info.nodeFlags = 0;
+  EXPECT_EQ(FSSetCatalogInfo(&folder, kFSCatInfoNodeFlags, &info), noErr);
+  EXPECT_EQ(FSDeleteObject(&file), noErr);
+}
+
+TEST_F(FilesTest, WholeFoldersAreCopiedAndMoved) {
+  tree_.Write("/a/b/file", "data");
+  tree_.Link("/a/b/link", "../../outside");
+  ASSERT_EQ(::chmod(tree_.At("/a/b").c_str(), 0555), 0);
+  FSRef const inner = Ref("/a/b/file");
+  FSRef copy;
+  ASSERT_EQ(Copy(Ref("/a"), Ref("/"), u"copy", &copy), noErr);
+  EXPECT_EQ(Info(Ref("/copy/b")).permissions.mode & 0777, 0555);
+  EXPECT_THAT(Names(Ref("/copy/b")), UnorderedElementsAre("file", "link"));
+  EXPECT_EQ(std::filesystem::read_symlink(tree_.At("/copy/b/link")), "../../outside");
+  EXPECT_EQ(Move(Ref("/a"), Ref("/a/b"), u"x"), badMovErr);
+  EXPECT_EQ(Copy(Ref("/a"), Ref("/a"), u"x"), badMovErr);
+  EXPECT_EQ(Move(Ref("/a"), copy, u"moved"), noErr);
+  EXPECT_EQ(PathOf(inner), tree_.At("/copy/moved/b/file"));
+  EXPECT_EQ(Content(inner), "data");
+}
+
+TEST_F(FilesTest, EachFailureHasItsCode) {
+  tree_.Write("/file", "data");
+  tree_.Write("/full/item", "");
+  FSRef const top = Ref("/"), file = Ref("/file"), full = Ref("/full"), item = Ref("/full/item");
+  FSRef ref;
+  FSIORefNum fork;
+  FSIterator iterator;
+  EXPECT_EQ(PathCode(tree_.At("/none"), &ref), fnfErr);
+  EXPECT_EQ(PathCode(tree_.At("/none/x"), &ref), dirNFErr);
+  EXPECT_EQ(PathCode(tree_.At("/file/x"), &ref), dirNFErr);
+  EXPECT_EQ(PathCode(tree_.At("/" + std::string(256, 'n')), &ref), bdNamErr);
+  EXPECT_EQ(PathCode("relative", &ref), paramErr);
+  EXPECT_EQ(Child(top, u"none", &ref), fnfErr);
+  EXPECT_EQ(Child(top, u"..", &ref), bdNamErr);
+  EXPECT_EQ(Child(file, u"x", &ref), errFSNotAFolder);
+  EXPECT_EQ(FSOpenIterator(&file, kFSIterateFlat, &iterator), errFSNotAFolder);
+  EXPECT_EQ(Open(top, fsRdPerm, &fork), notAFileErr);
+  EXPECT_EQ(FSOpenFork(&file, 1, UnicodeName("x").unicode, fsRdPerm, &fork), errFSBadForkName);
+  EXPECT_EQ(CreateFile(top, u"file"), dupFNErr);
+  EXPECT_EQ(CreateFolder(top, u"file"), dupFNErr);
+  EXPECT_EQ(Move(item, top, u"file"), dupFNErr);
+  EXPECT_EQ(Copy(item, top, u"file"), dupFNErr);
+  EXPECT_EQ(Copy(item, full, u"item"), dupFNErr);
+  EXPECT_EQ(FSDeleteObject(&full), fBsyErr);
+  EXPECT_EQ(Move(file, RefOf("/proc"), u"x"), diffVolErr);
+  std::filesystem::rename(tree_.At("/full/item"), tree_.At("/file"));
+  EXPECT_EQ(CodeOf(file), fnfErr);
+  EXPECT_EQ(CodeOf(item), fnfErr);
+  EXPECT_EQ(FSDeleteObject(&full), noErr);
+  EXPECT_EQ(CodeOf(item), dirNFErr);
+  EXPECT_EQ(CodeOf(FSRef{}), fnfErr);
+  EXPECT_EQ(FSCloseFork(1234), rfNumErr);
+}
+
+TEST_F(FilesTest, ForksAreReadAndWritten) {
+  FSRef file;
+  ASSERT_EQ(CreateFile(Ref("/"), u"file", &file), noErr);
+  FSIORefNum fork = 0;
+  ASSERT_EQ(Open(file, fsCurPerm, &fork), noErr);
+  ByteCount count = 0;
+  SInt64 number = 0;
+  char text[8];
+  EXPECT_EQ(FSWriteFork(fork, fsAtMark, 0, 6, "012345", &count), noErr);
+  EXPECT_EQ(FSReadFork(fork, fsFromLEOF, -2, 2, text, &count), noErr);
+  EXPECT_EQ(std::string(text, count), "45");
+  EXPECT_EQ(FSReadFork(fork, fsFromStart, 4, 8, text, &count), eofErr);
+  EXPECT_EQ(count, 2u);
+  EXPECT_EQ(FSReadFork(fork, fsFromMark, -99, 1, text, &count), posErr);
+  EXPECT_EQ(FSSetForkSize(fork, fsFromStart, 3), noErr);
+  EXPECT_EQ(FSGetForkPosition(fork, &number), noErr);
+  EXPECT_EQ(number, 3);
+  EXPECT_EQ(FSGetForkSize(fork, &number), noErr);
+  EXPECT_EQ(number, 3);
+  EXPECT_EQ(FSFlushFork(fork), noErr);
+  EXPECT_EQ(FSCloseFork(fork), noErr);
+  ASSERT_EQ(Open(file, fsRdPerm, &fork), noErr);
+  EXPECT_EQ(FSWriteFork(fork, fsAtMark, 0, 1, "x", &count), wrPermErr);
+  EXPECT_EQ(FSCloseFork(fork), noErr);
+  EXPECT_EQ(Content(file), "012");
+  EXPECT_EQ(Content(file, true), "");
+  EXPECT_EQ(Open(file, fsWrPerm, &fork, true), permErr);
+}
+
+TEST_F(FilesTest, ARecordedMachineIsNotChanged) {
+  tree_.Write("/tmp/file", "data");
+  tree_.Link("/escape", "/etc");
+  MachineInUse use(tree_.Machine());
+  FSRef const file = RefOf("/tmp/file"), folder = RefOf("/tmp");
+  EXPECT_EQ(PathOf(file), "/tmp/file");
+  EXPECT_EQ(Info(file).volume, -100);
+  FSRef ref;
+  EXPECT_EQ(FSFindFolder(kOnSystemDisk, kTemporaryFolderType, false, &ref), noErr);
+  EXPECT_EQ(FSCompareFSRefs(&ref, &folder), noErr);
+  EXPECT_EQ(PathCode("/escape/passwd", &ref), dirNFErr);
+  EXPECT_EQ(CreateFile(folder, u"x"), vLckdErr);
+  EXPECT_EQ(CreateFolder(folder, u"x"), vLckdErr);
+  EXPECT_EQ(FSDeleteObject(&file), vLckdErr);
+  EXPECT_EQ(Move(file, folder, u"x"), vLckdErr);
+  EXPECT_EQ(Copy(file, folder, u"x"), vLckdErr);
+  FSCatalogInfo info = Info(file);
+  EXPECT_EQ(FSSetCatalogInfo(&file, kFSCatInfoNodeFlags, &info), vLckdErr);
+  FSIORefNum fork;
+  EXPECT_EQ(Open(file, fsWrPerm, &fork), vLckdErr);
+  EXPECT_EQ(Open(file, fsCurPerm, &fork), noErr);
+  EXPECT_EQ(FSCloseFork(fork), noErr);
+  char path[] = "/tmp/aXXXXXX";
+  EXPECT_EQ(BSD::mkstemp(path), -1);
+  EXPECT_EQ(errno, EROFS);
+  EXPECT_EQ(BSD::mkdtemp(path), nullptr);
+}
+
+TEST_F(FilesTest, UniqueNamesAreMade) {
+  std::string const folder = tree_.At("/tempXXXXXX"), missing = tree_.At("/none/tempXXXXXX");
+  std::string first = folder, second = folder, third = missing;
+  int const file = BSD::mkstemp(first.data());
+  ASSERT_GE(file, 0);
+  EXPECT_EQ(::write(file, "x", 1), 1);
+  ::close(file);
+  ASSERT_NE(BSD::mkdtemp(second.data()), nullptr);
+  EXPECT_NE(first, folder);
+  EXPECT_TRUE(std::filesystem::is_regular_file(first));
+  EXPECT_TRUE(std::filesystem::is_directory(second));
+  EXPECT_EQ(BSD::mkstemp(third.data()), -1);
+  EXPECT_EQ(errno, ENOENT);
+}
+
+// Every call fails with one error number.
+class FailingFiles final : public machine::FileSource {
+ public:
+  int error = 0;
+  machine::Fact<machine::ItemStatus> Status(std::string const& path,
+                                            machine::Links) const override {
+    return machine::Absence{machine::Outcome::kAbsent, path, {}, error};
+  }
+};
+
+TEST(FileCodes, FollowTheSystemsNumbers) {
+  auto const files = std::make_shared<FailingFiles>();
+  auto const machine = std::make_shared<ScriptedMachine>();
+  machine->files = files;
+  MachineInUse use(machine);
+  std::pair<int, OSErr> const rows[] = {
+      {0, fnfErr},       {ENOENT, dirNFErr},        {ENOTDIR, dirNFErr}, {ELOOP, fnfErr},
+      {EIO, ioErr},      {EACCES, afpAccessDenied}, {ENOSPC, dskFulErr}, {ETXTBSY, opWrErr},
+      {EROFS, vLckdErr}, {ENAMETOOLONG, bdNamErr},  {EMFILE, tmfoErr},   {ENOMEM, memFullErr}};
+  FSRef const root = {0, 0, fsRtParID, {}};
+  for (auto const& [error, code] : rows) {
+    files->error = error;
+    EXPECT_EQ(FSGetCatalogInfo(&root, 0, nullptr, nullptr, nullptr, nullptr), code) << error;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,143 @@
+// Property lists that are damaged at random, and what reading takes.
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <random>
+#include <string>
+
+#include "tests/frameworks/property_list_print.h"
+
+namespace {
+
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kIsSanitized = true;
+#elif defined(__has_feature)
+constexpr bool kIsSanitized = __has_feature(address_sanitizer);
+#else
+constexpr bool kIsSanitized = false;
+#endif
+
+constexpr char const* kSources[] = {
+    "<?xml version='1.0' encoding='UTF-8'?><!DOCTYPE plist [<!ENTITY x 'y'>]><plist version='1.0'>"
+    "<dict><key>a</key><array><integer>-12</integer><real>1.5</real><true/></array>"
+    "<key>\xC3\xA9&amp;&#xE9;</key><string>a<![CDATA[<x>]]><!-- c -->&lt;</string>"
+    "<key>d</key><date>2001-02-03T04:05:06Z</date><key>e</key><data>AAECAw==</data></dict></plist>",
+    "// c\n{ a = (1, \"b\\U00e9\\341\\n\", <00 ff>, {}); 'q' = /* c */ x.y; \"\xC3\xA9\" = z; k; }",
+    "\"key\" = \"value\";\nother;\n",
+};
+
+// One edit: a byte changed, a piece taken out, or a piece repeated elsewhere.
+void Damage(std::string& text, std::mt19937& random) {
+  auto const below = [&](std::size_t bound) {
+    return bound == 0 ? 0 : static_cast<std::size_t>(random()) % bound;
+  };
+  std::size_t const at = below(text.size());
+  switch (random() % 4) {
+    case 0:
+      if (!text.empty()) text[at] = static_cast<char>(random());
+      break;
+    case 1:
+      text.erase(at, below(8) + 1);
+      break;
+    case 2:
+      text.insert(at, text.substr(below(text.size()), below(40)));
+      break;
+    default:
+      text.resize(at);
+  }
+}
+
+// The sanitizers watch; what is still read must be writable and come back equal.
+TEST(DamagedPropertyList, IsReadOrRefusedButNeverHarmful) {
+  std::mt19937 random(20010101);
+  int read = 0, refused = 0;
+  for (int round = 0; round < 30'000; ++round) {
+    std::string text = kSources[random() % std::size(kSources)];
+    for (std::size_t edits = 1 + random() % 3; edits > 0; --edits) Damage(text, random);
+    OwnedObject const data = MakeBytes(text);
+    OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(data.get()),
+                                                        round % 3, nullptr, nullptr));
+    if (root == nullptr) {
+      ++refused;
+      continue;
+    }
+    ++read;
+    OwnedObject const written(CFPropertyListCreateXMLData(nullptr, root.get()));
+    ASSERT_NE(written, nullptr) << text;
+    ASSERT_EQ(PrintParsed(BytesOfData(written.get())), Print(root.get())) << text;
+  }
+  EXPECT_GT(read, 1000);
+  EXPECT_GT(refused, 1000);
+}
+
+TEST(DamagedPropertyList, IsRefusedWhereverItIsCutOff) {
+  std::string const text = kSources[0];
+  EXPECT_EQ(PrintParsed(text)[0], '{');
+  for (std::size_t size = 1; size < text.size(); ++size) {
+    EXPECT_EQ(PrintParsed(text.substr(0, size))[0], '!') << size;
+  }
+}
+
+std::string Repeated(std::string_view head, std::string_view piece, std::string_view foot) {
+  std::string text(head);
+  while (text.size() < 8'000'000) text += piece;
+  return text += foot;
+}
+
+// By how much reading in a process of its own raises the peak, in parts of the text.
+double PeakOfReading(std::string const& text) {
+  int pipe_ends[2];
+  if (pipe(pipe_ends) != 0) return -1;
+  pid_t const child = fork();
+  if (child == 0) {
+    auto const peak = [] {
+      rusage usage = {};
+      getrusage(RUSAGE_SELF, &usage);
+      return static_cast<double>(usage.ru_maxrss) * 1024;
+    };
+    double const before = peak();
+    OwnedObject const data = MakeBytes(text);
+    OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(data.get()),
+                                                        0, nullptr, nullptr));
+    double const grown =
+        root == nullptr ? -1 : (peak() - before) / static_cast<double>(text.size());
+    _exit(write(pipe_ends[1], &grown, sizeof grown) == sizeof grown ? 0 : 1);
+  }
+  close(pipe_ends[1]);
+  double grown = -1;
+  if (read(pipe_ends[0], &grown, sizeof grown) != sizeof grown) grown = -1;
+  close(pipe_ends[0]);
+  waitpid(child, nullptr, 0);
+  return grown;
+}
+
+// The copy of the text that the reader is given counts as well.
+TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
+  if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
+  struct {
+    char const* name;
+    std::string text;
+  } const rows[] = {
+      {"settings", Repeated("<array>",
+                            "<dict>\n\t<key>Label</key>\n\t<string>org.example.service</string>\n"
+                            "\t<key>KeepAlive</key>\n\t<true/>\n\t<key>Nice</key>\n"
+                            "\t<integer>20000</integer>\n</dict>\n",
+                            "</array>")},
+      {"one string", Repeated("<string>", "text ", "</string>")},
+      {"one string with one accent", Repeated("<string>\xC3\xA9", "text ", "</string>")},
+      {"data", Repeated("<data>", "AAAA\n", "</data>")},
+      {"empty containers", Repeated("<array>", "<array/><dict/>", "</array>")},
+      {"small numbers", Repeated("<array>", "<integer>1</integer>", "</array>")},
+      {"booleans", Repeated("<array>", "<true/>", "</array>")},
+  };
+  for (auto const& row : rows) {
+    double const grown = PeakOfReading(row.text);
+    EXPECT_GT(grown, 0) << row.name;
+    EXPECT_LE(grown, 4) << row.name;
+  }
+}
+
+}  // namespace

@@ -1,0 +1,316 @@
+// Property lists in XML and in the old text form, read and written.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <string>
+
+#include "tests/frameworks/property_list_print.h"
+
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+
+struct Row {
+  std::string text;
+  std::string printed;
+};
+
+template <std::size_t kCount>
+void ExpectEach(Row const (&rows)[kCount], std::string const& before = "",
+                std::string const& behind = "") {
+  for (Row const& row : rows) {
+    EXPECT_EQ(PrintParsed(before + row.text + behind), row.printed) << row.text;
+  }
+}
+
+TEST(XmlPropertyList, ReadsEveryKindOfValue) {
+  Row const rows[] = {
+      {"<string>a &lt;&amp;&gt;&quot;&apos; b</string>", R"("a <&>\u0022' b")"},
+      {"<string>&#65;&#x1F600;&#xd800;&#0;</string>", R"("A\ud83d\ude00\ud800\u0000")"},
+      {"<string> <![CDATA[<&amp;]] >]]>&#x21;<!-- no --> é\xF0\x9F\x98\x80</string>",
+       R"(" <&amp;]] >!\u00e9\ud83d\ude00")"},
+      {"<string/>", R"("")"},
+      {"<string>a<!-- < -->b<?pi?></string>", R"("ab")"},
+      {"<integer> -9223372036854775808 </integer>", "-9223372036854775808"},
+      {"<integer>18446744073709551615</integer>", "18446744073709551615"},
+      {"<integer>+0xFFFFffffFFFFffff</integer>", "18446744073709551615"},
+      {"<integer>-0x10</integer>", "-16"},
+      {"<integer>007</integer>", "7"},
+      {"<real>1.5</real>", "r3ff8000000000000"},
+      {"<real> 1e-3\n</real>", "r3f50624dd2f1a9fc"},
+      {"<real>-0.0</real>", "r8000000000000000"},
+      {"<real>.5</real>", "r3fe0000000000000"},
+      {"<real>+infinity</real>", "r7ff0000000000000"},
+      {"<real>-Inf</real>", "rfff0000000000000"},
+      {"<real>nan</real>", "r7ff8000000000000"},
+      {"<true/>", "true"},
+      {"<false ></false >", "false"},
+      {"<date>2001-01-01T00:00:00Z</date>", "@0"},
+      {"<date>1969-12-31T23:59:59Z</date>", "@-978307201"},
+      {"<date>2024-02-29T12:34:56Z</date>", "@730902896"},
+      {"<date>0001-01-01T00:00:00Z</date>", "@-63113904000"},
+      {"<date>-0001-03-01T00:00:00Z</date>", "@-63171964800"},
+      {"<data>\n\tAAEC\n\t/+8=\n</data>", "<000102ffef>"},
+      {"<data></data>", "<>"},
+      {"<array/>", "[]"},
+      {"<dict></dict>", "{}"},
+      {"<array><dict/><array><true/></array><string>x</string></array>", R"([{},[true],"x"])"},
+      {"<dict a='>' b=\"/\"><key>b</key><true/><key>a</key><integer>1</integer></dict>",
+       R"({"a":1,"b":true})"},
+      {"<dict><key>a</key><false/><key>b</key><array/><key>a</key><true/></dict>",
+       R"({"a":true,"b":[]})"},
+      {"<dict><key/><string>empty</string><key>&#233;</key><true/></dict>",
+       R"({"":"empty","\u00e9":true})"},
+  };
+  ExpectEach(rows);
+  ExpectEach(rows,
+             "<?xml version='1.0'?><!-- c --><!DOCTYPE plist [ <!-- ]> \" -->\n"
+             "<!ENTITY a \"]>\"> ]><plist version='1.0'>\n",
+             "\n</plist> <!-- end -->\n");
+  for (Row const& row : rows) {
+    for (CFOptionFlags options : {1, 2}) EXPECT_EQ(PrintParsed(row.text, options), row.printed);
+  }
+}
+
+TEST(XmlPropertyList, RefusesWhatIsNoneWithTheLine) {
+  Row const rows[] = {
+      {"<string>a", "! Unexpected end on line 1"},
+      {"<array>\n<true/>\n", "! Unexpected end on line 3"},
+      {"<string>\n&nbsp;</string>", "! Unknown entity or character number on line 2"},
+      {"<string>&#x110000;</string>", "! Unknown entity or character number on line 1"},
+      {"<string>&#;</string>", "! Unknown entity or character number on line 1"},
+      {"<string>&amp</string>", "! Unknown entity or character number on line 1"},
+      {"<string><![CDATA[x</string>", "! Unexpected end on line 1"},
+      {"<string>\xC0\x80</string>", "! Malformed UTF-8 on line 1"},
+      {"<string>\xED\xA0\x80</string>", "! Malformed UTF-8 on line 1"},
+      {"<string>a</key>", "! Closing tag expected on line 1"},
+      {"<string>a<b/></string>", "! Closing tag expected on line 1"},
+      {"<integer></integer>", "! Malformed or too large <integer> on line 1"},
+      {"<integer>--1</integer>", "! Malformed or too large <integer> on line 1"},
+      {"<integer>1 2</integer>", "! Malformed or too large <integer> on line 1"},
+      {"<integer>18446744073709551616</integer>", "! Malformed or too large <integer> on line 1"},
+      {"<integer>-9223372036854775809</integer>", "! Malformed or too large <integer> on line 1"},
+      {"<real>1,5</real>", "! Malformed <real> on line 1"},
+      {"<real>--inf</real>", "! Malformed <real> on line 1"},
+      {"<date>2001-13-01T00:00:00Z</date>", "! Malformed <date> on line 1"},
+      {"<date>2001-00-01T00:00:00Z</date>", "! Malformed <date> on line 1"},
+      {"<date>2023-02-29T00:00:00Z</date>", "! Malformed <date> on line 1"},
+      {"<date>2001-01-01T24:00:00Z</date>", "! Malformed <date> on line 1"},
+      {"<date>2001-01-01T00:60:00Z</date>", "! Malformed <date> on line 1"},
+      {"<date>2001-01-01</date>", "! Malformed <date> on line 1"},
+      {"<data>A</data>", "! Malformed <data> on line 1"},
+      {"<data>AA=A</data>", "! Malformed <data> on line 1"},
+      {"<data>AA*=</data>", "! Malformed <data> on line 1"},
+      {"<data>AAA==</data>", "! Malformed <data> on line 1"},
+      {"<dict><true/></dict>", "! Value without key in <dict> on line 1"},
+      {"<dict><key>a</key></dict>", "! Key without value in <dict> on line 1"},
+      {"<dict><key>a</key><key>b</key></dict>", "! Misplaced <key> on line 1"},
+      {"<array><key>a</key></array>", "! Misplaced <key> on line 1"},
+      {"<key>a</key>", "! Misplaced <key> on line 1"},
+      {"<array>x</array>", "! Text between elements on line 1"},
+      {"<array></dict>", "! Closing tag of another element on line 1"},
+      {"</array>", "! Closing tag without its element on line 1"},
+      {"<set/>", "! Unknown element on line 1"},
+      {"<plist/>", "! Empty <plist> on line 1"},
+      {"<plist></plist>", "! Empty <plist> on line 1"},
+      {"<plist><plist><true/></plist></plist>", "! <plist> inside <plist> on line 1"},
+      {"<plist><true/><true/></plist>", "! More than one value in <plist> on line 1"},
+      {"<plist><true/>\n\n</plist>\nx", "! Text behind the end of the property list on line 4"},
+      {"<true/><true/>", "! Text behind the end of the property list on line 1"},
+      {"<!DOCTYPE plist [", "! Unterminated document type on line 1"},
+      {"<!-- ", "! Unterminated comment on line 1"},
+      {"<?xml ", "! Unterminated processing instruction on line 1"},
+      {"<true", "! Unterminated tag on line 1"},
+      {"<array a='>", "! Unterminated quotation on line 1"},
+      {"", "! There is nothing to read"},
+      {"\xFF\xFE<\0s"s, "! The bytes are not text in their encoding"},
+      {"<?xml version='1.0' encoding='x-none'?><true/>", "! Unknown encoding"},
+  };
+  ExpectEach(rows);
+}
+
+TEST(XmlPropertyList, BoundsNesting) {
+  auto const nested = [](std::string_view open, std::string_view close, int levels) {
+    std::string text;
+    for (int i = 0; i < levels; ++i) text += open;
+    for (int i = 0; i < levels; ++i) text += close;
+    return text;
+  };
+  for (auto const& [open, close] :
+       {std::pair("<array>"sv, "</array>"sv), std::pair("("sv, ")"sv)}) {
+    EXPECT_EQ(PrintParsed(nested(open, close, 512)), nested("[", "]", 512));
+    EXPECT_EQ(PrintParsed(nested(open, close, 513)), "! Nested too deeply on line 1");
+    EXPECT_EQ(PrintParsed(nested(open, close, 1'000'000)), "! Nested too deeply on line 1");
+  }
+}
+
+TEST(PropertyListSource, IsUnderstoodInEveryEncoding) {
+  std::string const body = "<string>Zo\xC3\xAB\xE2\x82\xAC</string>";
+  std::string const printed = R"("Zo\u00eb\u20ac")";
+  OwnedString const text = Make(body, kCFStringEncodingUTF8);
+  struct Encoded {
+    CFStringEncoding encoding;
+    std::string mark;
+  } const rows[] = {
+      {kCFStringEncodingUTF8, "\xEF\xBB\xBF"},     {kCFStringEncodingUTF16LE, "\xFF\xFE"},
+      {kCFStringEncodingUTF16BE, "\xFE\xFF"},      {kCFStringEncodingUTF32LE, "\xFF\xFE\0\0"s},
+      {kCFStringEncodingUTF32BE, "\0\0\xFE\xFF"s},
+  };
+  for (Encoded const& row : rows) {
+    std::string const bytes = BytesOf(text.get(), row.encoding);
+    EXPECT_EQ(PrintParsed(bytes), printed) << row.encoding;
+    EXPECT_EQ(PrintParsed(row.mark + bytes), printed) << row.encoding;
+  }
+  EXPECT_EQ(
+      PrintParsed(" \n<?xml version=\"1.0\" encoding = 'Macintosh' ?><string>Zo\x91\xDB</string>"),
+      printed);
+  EXPECT_EQ(
+      PrintParsed("<?xml version='1.0' encoding=\"windows-1252\"?><string>Zo\xEB\x80</string>"),
+      printed);
+  EXPECT_EQ(PrintParsed("<?xml version='1.0' encoding='UTF-16'?>" + body), printed);
+}
+
+TEST(TextPropertyList, IsReadAsStringsFilesHaveIt) {
+  Row const rows[] = {
+      {"// only\n/* comments */ ", "{}"},
+      {"word", R"("word")"},
+      {"'it \"is\"'", R"("it \u0022is\u0022")"},
+      {R"("a\"\\\n\t\U00e9\U1F4A9\341\101\q")",
+       R"("a\u0022\u005c\u000a\u0009\u00e9\u1f4a9\u00c6Aq")"},
+      {"<0fbd 77\n>", "<0fbd77>"},
+      {"<>", "<>"},
+      {"(a, (), {b = c;}, <00>,)", R"(["a",[],{"b":"c"},<00>])"},
+      {"{ a = 1; /* c */ \"b\" = (x); }", R"({"a":"1","b":["x"]})"},
+      {"\"Zo\xC3\xAB\" = \"\xE2\x82\xAC\";\nsame;\n// end",
+       R"({"Zo\u00eb":"\u20ac","same":"same"})"},
+      {"a = 1; a = com.x/y:z_$-2;", R"({"a":"com.x/y:z_$-2"})"},
+      {"\xFF\xFE\"\0a\0\"\0=\0b\0;\0"s, R"({"a":"b"})"},
+      {"\0\"\0a\0\"\0;"s, R"({"a":"a"})"},
+      {"{a=1}", "! Missing ; in a dictionary on line 1"},
+      {"a=1;\nb=2", "! Missing ; in a dictionary on line 2"},
+      {"a b", "! Missing ; in a dictionary on line 1"},
+      {"a=1; }", "! Text behind the end of the property list on line 1"},
+      {"(a b)", "! Missing ) of an array on line 1"},
+      {"{a=1;", "! Missing } of a dictionary on line 1"},
+      {"(a) x", "! Text behind the end of the property list on line 1"},
+      {"\n\"a", "! Unterminated string on line 2"},
+      {"\"a\\", "! Unterminated string on line 1"},
+      {"<abc>", "! Half a byte in data on line 1"},
+      {"(<zz>)", "! Malformed data on line 1"},
+      {"(<ab", "! Unterminated data on line 1"},
+      {"/* a", "! Unterminated comment on line 1"},
+      {"\"\xFF\"", "! Malformed UTF-8 on line 1"},
+      {"%", "! Unexpected character on line 1"},
+      {"a = ", "! Unexpected end on line 1"},
+  };
+  ExpectEach(rows);
+}
+
+// A string of every unit but the surrogates that would pair up.
+OwnedObject EveryUnit() {
+  std::vector<UniChar> units;
+  for (int unit = 0xFFFF; unit >= 0; --unit) units.push_back(static_cast<UniChar>(unit));
+  for (UniChar unit : {0xD83D, 0xDE00, 0xDBFF, 0xDFFF}) units.push_back(unit);
+  return OwnedObject(
+      CFStringCreateWithCharacters(nullptr, units.data(), static_cast<CFIndex>(units.size())));
+}
+
+TEST(XmlPropertyList, ComesBackAsItWasWritten) {
+  OwnedObject const every_unit = EveryUnit();
+  CFMutableArrayRef const array = CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks);
+  OwnedObject const owned(array);
+  CFArrayAppendValue(array, every_unit.get());
+  auto const append = [&](CFNumberType type, auto value) {
+    CFArrayAppendValue(array, OwnedObject(CFNumberCreate(nullptr, type, &value)).get());
+  };
+  for (SInt64 value : {std::numeric_limits<SInt64>::min(), SInt64{-1}, SInt64{0},
+                       std::numeric_limits<SInt64>::max()}) {
+    append(kCFNumberSInt64Type, value);
+  }
+  append(kCFNumberSInt128Type, CFSInt128Struct{0, ~UInt64{0}});
+  for (double value : {0.1, -0.0, 1.0, 5e-324, 1.7976931348623157e308, -HUGE_VAL, HUGE_VAL,
+                       std::nan(""), 123456789012345680.0}) {
+    append(kCFNumberFloat64Type, value);
+  }
+  for (double time : {0.0, -1.0, 86399.0, -63113904000.0, 1e12, -1e12, 6.3e10}) {
+    CFArrayAppendValue(array, OwnedObject(CFDateCreate(nullptr, time)).get());
+  }
+  for (std::size_t size : {0, 1, 2, 3, 56, 57, 58, 200}) {
+    CFArrayAppendValue(array, MakeBytes(std::string(size, '\xFE')).get());
+  }
+  OwnedObject const written(CFPropertyListCreateXMLData(nullptr, array));
+  ASSERT_NE(written, nullptr);
+  EXPECT_EQ(PrintParsed(BytesOfData(written.get())), Print(array));
+}
+
+TEST(XmlPropertyList, IsLaidOutAsThePlatformDoes) {
+  OwnedObject const source = MakeBytes("{ b = (x, <00>); a = {}; \"<&>\" = (); A = \"\\r\"; }");
+  OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(source.get()),
+                                                      0, nullptr, nullptr));
+  OwnedObject const written(CFPropertyListCreateXMLData(nullptr, root.get()));
+  EXPECT_EQ(BytesOfData(written.get()),
+            R"(<?xml version="1.0" encoding="UTF-8"?>
+<!DOCTYPE plist PUBLIC "-//Apple//DTD PLIST 1.0//EN" "http://www.apple.com/DTDs/PropertyList-1.0.dtd">
+<plist version="1.0">
+<dict>
+	<key>&lt;&amp;&gt;</key>
+	<array/>
+	<key>A</key>
+	<string>&#13;</string>
+	<key>a</key>
+	<dict/>
+	<key>b</key>
+	<array>
+		<string>x</string>
+		<data>
+		AA==
+		</data>
+	</array>
+</dict>
+</plist>
+)");
+}
+
+TEST(XmlPropertyList, IsNotWrittenOfWhatIsNone) {
+  OwnedObject const date(CFDateCreate(nullptr, std::nan("")));
+  OwnedObject const set(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
+  auto const inside_itself = static_cast<CFMutableArrayRef>(const_cast<void*>(set.get()));
+  CFArrayAppendValue(inside_itself, inside_itself);
+  // Each holds the one before it twice: 2^40 values of few objects.
+  OwnedObject shared(CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks));
+  for (int i = 0; i < 40; ++i) {
+    void const* twice[] = {shared.get(), shared.get()};
+    shared.reset(CFArrayCreate(nullptr, twice, 2, &kCFTypeArrayCallBacks));
+  }
+  void const* keys[] = {kCFBooleanTrue};
+  OwnedObject const keyed(CFDictionaryCreate(nullptr, keys, keys, 1, &kCFTypeDictionaryKeyCallBacks,
+                                             &kCFTypeDictionaryValueCallBacks));
+  for (CFTypeRef value : {CFTypeRef{kCFNull}, date.get(), set.get(), shared.get(), keyed.get()}) {
+    EXPECT_EQ(CFPropertyListCreateXMLData(nullptr, value), nullptr);
+  }
+  EXPECT_EQ(
+      CFPropertyListCreateData(nullptr, kCFBooleanTrue, kCFPropertyListOpenStepFormat, 0, nullptr),
+      nullptr);
+  CFArrayRemoveAllValues(inside_itself);
+}
+
+TEST(PropertyList, TellsTheFormItFound) {
+  auto const form_of = [](CFTypeRef data) {
+    CFPropertyListFormat format = {};
+    OwnedObject const root(
+        CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(data), 0, &format, nullptr));
+    bool const is_right = root != nullptr && CFEqual(root.get(), CFSTR("a"));
+    return is_right ? format : CFPropertyListFormat{};
+  };
+  EXPECT_EQ(form_of(MakeBytes("a").get()), kCFPropertyListOpenStepFormat);
+  for (auto format : {kCFPropertyListXMLFormat_v1_0, kCFPropertyListBinaryFormat_v1_0}) {
+    OwnedObject const data(CFPropertyListCreateData(nullptr, CFSTR("a"), format, 0, nullptr));
+    ASSERT_NE(data, nullptr);
+    EXPECT_EQ(form_of(data.get()), format);
+  }
+}
+
+}  // namespace

@@ -1,0 +1,250 @@
+// Property lists as the command shows them, against what Python's own library says.
+#include <CoreFoundation/CFPropertyList.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "host/property_list_json.h"
+#include "tests/host/child_process.h"
+
+namespace gatotu::tests {
+namespace {
+
+using testing::AllOf;
+using testing::HasSubstr;
+
+template <class Make>
+std::string Json(Make const& make, std::size_t most = host::kMostPropertyListBytes) {
+  CFTypeRef const object = make();
+  std::string text;
+  bool const is_whole = host::AppendPropertyListJson(object, text, most);
+  CFRelease(object);
+  return is_whole ? text : "too long";
+}
+
+std::string JsonOfXml(std::string const& value, std::size_t most = host::kMostPropertyListBytes) {
+  return Json(
+      [&] {
+        std::string const xml = "<plist>" + value + "</plist>";
+        CFDataRef const data = CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(xml.data()),
+                                            static_cast<CFIndex>(xml.size()));
+        CFTypeRef const object =
+            CFPropertyListCreateFromXMLData(nullptr, data, kCFPropertyListImmutable, nullptr);
+        CFRelease(data);
+        return object;
+      },
+      most);
+}
+
+TEST(PropertyListJson, WritesEveryKindOfValue) {
+  struct {
+    std::string xml, json;
+  } const cases[] = {
+      {"<string>a\"\\\t\n&#127;/\u00e9\u2603\U0001F600</string>",
+       "\"a\\\"\\\\\\t\\n\\u007f/\u00e9\u2603\U0001F600\""},
+      {"<string/>", "\"\""},
+      {"<integer>-9223372036854775808</integer>", "-9223372036854775808"},
+      {"<integer>9223372036854775808</integer>", "9223372036854775808"},
+      {"<integer>18446744073709551615</integer>", "18446744073709551615"},
+      {"<real>1</real>", "1.0"},
+      {"<real>0.1</real>", "0.1"},
+      {"<real>-1e300</real>", "-1e+300"},
+      {"<real>nan</real>", "\"NaN\""},
+      {"<real>-inf</real>", "\"-Infinity\""},
+      {"<true/>", "true"},
+      {"<date>1969-12-31T23:59:59Z</date>", "\"1969-12-31T23:59:59.000000+00:00\""},
+      {"<data></data>", "\"\""},
+      {"<data>AP8=</data>", "\"AP8=\""},
+      {"<data>+/++</data>", "\"+/++\""},
+      {"<data>AA==</data>", "\"AA==\""},
+      {"<array/>", "[]"},
+      {"<dict/>", "{}"},
+      {"<array><array/><dict><key>k</key><array><true/><false/></array></dict></array>",
+       "[[],{\"k\":[true,false]}]"},
+  };
+  for (auto const& row : cases) EXPECT_EQ(JsonOfXml(row.xml), row.json) << row.xml;
+
+  UniChar const units[] = {0xD800, 'a', 0xDC80, 0xD83D, 0xDE00, 0xDBFF};
+  EXPECT_EQ(Json([&] { return CFStringCreateWithCharacters(nullptr, units, 6); }),
+            "\"\\ud800a\\udc80\U0001F600\\udbff\"");
+  // A pair that lies across the parts in which a string is read.
+  EXPECT_EQ(JsonOfXml("<string>" + std::string(255, 'x') + "\U0001F600</string>"),
+            '"' + std::string(255, 'x') + "\U0001F600\"");
+  EXPECT_EQ(Json([] { return CFDateCreate(nullptr, 1e300); }),
+            "\"1e+300 seconds since 2001-01-01T00:00:00Z\"");
+}
+
+TEST(PropertyListJson, StopsAtItsBound) {
+  for (std::string const& xml :
+       {std::string("<array><string>abc</string></array>"), std::string("<data>AAAA</data>"),
+        std::string("<dict><key>abcdef</key><true/></dict>"), std::string("<array/>"),
+        std::string("<array><array><array/></array><true/></array>")}) {
+    std::string const whole = JsonOfXml(xml);
+    EXPECT_EQ(JsonOfXml(xml, whole.size()), whole);
+    for (std::size_t most = 0; most < whole.size(); ++most) {
+      EXPECT_EQ(JsonOfXml(xml, most), "too long") << xml << most;
+    }
+  }
+}
+
+TEST(PropertyListJson, GoesAsDeepAsTheList) {
+  CFTypeRef deep = CFRetain(kCFBooleanTrue);
+  constexpr std::size_t kDepth = 1000000;
+  for (std::size_t i = 0; i < kDepth; ++i) {
+    CFTypeRef const inner = deep;
+    deep = CFArrayCreate(nullptr, const_cast<void const**>(&inner), 1, &kCFTypeArrayCallBacks);
+    CFRelease(inner);
+  }
+  EXPECT_EQ(Json([&] { return deep; }),
+            std::string(kDepth, '[') + "true" + std::string(kDepth, ']'));
+}
+
+class ListFile : public testing::Test {
+ protected:
+  ListFile() {
+    std::string pattern = std::filesystem::temp_directory_path() / "gatotu-list-XXXXXX";
+    folder_ = ::mkdtemp(pattern.data());
+  }
+  ~ListFile() override { std::filesystem::remove_all(folder_); }
+
+  // `EXPRESSION of file "..."` in JSON.
+  nlohmann::json Ask(std::string const& expression, std::string const& name) const {
+    std::string const path = folder_ / name;
+    std::string const text = expression + " of file \"" + path + "\"";
+    return nlohmann::json::parse(Gatotu({"--format", "json", text}).output);
+  }
+  void Write(std::string const& name, std::string const& content) const {
+    std::ofstream(folder_ / name) << content;
+  }
+
+  std::filesystem::path folder_;
+};
+
+constexpr char kPython[] = R"python(
+import base64, datetime, json, plistlib, random, sys
+random.seed(5)
+every = [chr(c) for c in range(0x20, 0x110000) if not 0xD800 <= c < 0xE000 and c & 0xFFFE != 0xFFFE]
+def text(n):
+    return ''.join(random.choice(every) for _ in range(n))
+values = [0, 1, -1, 2**31, -2**31 - 1, 2**63 - 1, -2**63, 2**63, 2**64 - 1, 0.5, -1e300, 5e-324, 1.0,
+          True, False, '', 'caf\u00e9 \u4e2d \U0001f600', b'', b'\0\xff' * 500, [], {},
+          datetime.datetime(1601, 2, 3, 4, 5, 6), datetime.datetime(2262, 5, 6, 7, 8, 9)]
+values += [text(20) for _ in range(200)]
+root = {text(7): [v, {'x': v}] for v in values}
+def shown(v):
+    if isinstance(v, bytes): return base64.b64encode(v).decode()
+    if isinstance(v, datetime.datetime): return v.strftime('%Y-%m-%dT%H:%M:%S.000000+00:00')
+    if isinstance(v, list): return [shown(x) for x in v]
+    if isinstance(v, dict): return {k: shown(x) for k, x in v.items()}
+    return v
+folder = sys.argv[1]
+for name, form in (('xml', plistlib.FMT_XML), ('binary', plistlib.FMT_BINARY)):
+    plistlib.dump(root, open(folder + '/' + name, 'wb'), fmt=form)
+json.dump(shown(root), open(folder + '/expected', 'w'))
+)python";
+
+TEST_F(ListFile, ComesOutAsPythonWroteIt) {
+  Write("make.py", kPython);
+  Launch launch;
+  launch.program = "python3";
+  launch.arguments = {folder_ / "make.py", folder_};
+  if (RunCommand(launch).status != 0) GTEST_SKIP() << "no python3 with plistlib here";
+  nlohmann::json const expected = nlohmann::json::parse(std::ifstream(folder_ / "expected"));
+  for (std::string const name : {"xml", "binary"}) {
+    EXPECT_EQ(Ask("dictionary", name)["values"][0], expected) << name;
+    nlohmann::json const as_text = Ask("(it as json) of dictionary", name)["values"][0];
+    EXPECT_EQ(nlohmann::json::parse(as_text.get<std::string>()), expected) << name;
+  }
+}
+
+TEST_F(ListFile, HasNoTextButJson) {
+  Write("list",
+        "<plist><dict><key>a</key><array><integer>1</integer><string>\u2603</string></array>"
+        "</dict></plist>");
+  struct {
+    std::string expression, values;
+  } const cases[] = {
+      {"dictionary", "[{\"a\":[1,\"\u2603\"]}]"},
+      {"array \"a\" of dictionary", "[[1,\"\u2603\"]]"},
+      {"values of array \"a\" of dictionary", "[1,\"\u2603\"]"},
+      {"(it, size of it) of dictionary", "[[{\"a\":[1,\"\u2603\"]},1]]"},
+      {"(it as json) of value of entry of dictionary", "[\"[1,\\\"\u2603\\\"]\"]"},
+      {"strings of values of array \"a\" of dictionary", "[\"?\"]"},
+  };
+  for (auto const& row : cases) {
+    EXPECT_EQ(Ask(row.expression, "list")["values"], nlohmann::json::parse(row.values))
+        << row.expression;
+  }
+  EXPECT_EQ(Ask("entry of dictionary", "list")["error"]["code"], "not-showable");
+
+  std::string const path = folder_ / "list";
+  ProcessResult const run = Gatotu({"dictionary of file \"" + path + "\""});
+  EXPECT_THAT(run.errors, AllOf(HasSubstr("a dictionary cannot be shown as text"),
+                                HasSubstr("as: json"), HasSubstr("entry")));
+  EXPECT_EQ(run.status, 2);
+}
+
+TEST_F(ListFile, ThatIsNoneSaysWhy) {
+  struct {
+    std::string content, source;
+  } const cases[] = {{"<plist><array/></plist>", "the list is no dictionary"},
+                     {"<plist><dict><key>a</ke", "line 1"},
+                     {"", "malformed"}};
+  for (auto const& row : cases) {
+    Write("bad", row.content);
+    auto const answer = Ask("size of dictionary", "bad");
+    EXPECT_THAT(answer["error"]["message"].get<std::string>(),
+                HasSubstr("DictionaryCreateFromXMLDataFailed"));
+    EXPECT_THAT(answer["error"]["reasons"].dump(),
+                AllOf(HasSubstr(folder_ / "bad"), HasSubstr(row.source)));
+  }
+}
+
+// 28 arrays, each holding the next one twice.
+std::string SharedList() {
+  constexpr char kLevels = 28;
+  std::string list = "bplist00";
+  std::string offsets;
+  for (char level = 0; level <= kLevels; ++level) {
+    offsets += static_cast<char>(list.size());
+    if (level == kLevels) {
+      list += '\x09';
+    } else {
+      list += '\xa2';
+      list += std::string(2, static_cast<char>(level + 1));
+    }
+  }
+  std::string const table_start(1, static_cast<char>(list.size()));
+  std::string const count(1, kLevels + 1);
+  return list + offsets + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') + count +
+         std::string(8, '\0') + std::string(7, '\0') + table_start;
+}
+
+TEST_F(ListFile, WhoseSharingIsEndlessIsRefusedClearly) {
+  Write("list", SharedList());
+  EXPECT_EQ(Ask("size of array", "list")["values"][0], 2);
+  nlohmann::json const whole = Ask("array", "list");
+  EXPECT_EQ(whole["error"]["code"], "answer-too-long");
+  EXPECT_EQ(whole["values"], nlohmann::json::array());
+  EXPECT_THAT(Ask("(it as json) of array", "list")["error"]["message"].get<std::string>(),
+              HasSubstr("268435456 bytes"));
+
+  std::string const text = "array of file \"" + (folder_ / "list").string() + "\"";
+  auto const run = Gatotu({"--format", "json", "--time-limit", "50ms", text});
+  EXPECT_EQ(nlohmann::json::parse(run.output)["error"]["code"], "time-limit");
+  EXPECT_EQ(run.status, 3);
+}
+
+TEST(Vocabulary, NamesTheCommandsOwnCasts) {
+  auto const lines = Lines(Gatotu({"vocabulary", "--format", "tsv", "json"}).output);
+  EXPECT_THAT(lines, testing::IsSupersetOf({"cast\tjson\t\t\tarray\tstring\t\thost",
+                                            "cast\tjson\t\t\tdictionary\tstring\t\thost",
+                                            "cast\tjson\t\t\tosxvalue\tstring\t\thost"}));
+}
+
+}  // namespace
+}  // namespace gatotu::tests

@@ -1,0 +1,132 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "portable/file_operations.h"
+#include "tests/portable/temporary_folder.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// A folder "tree" of all sorts, with links that lead out of it and around in it.
+void MakeTree(TemporaryFolder const& folder) {
+  for (int i = 0; i < 200; ++i) folder.Write("tree/wide/" + std::to_string(i));
+  folder.Write("tree/a/b/c/file", "deep");
+  folder.Write("kept/file", "kept");
+  fs::create_directory_symlink(folder.Path("kept"), folder.Path("tree/a/out"));
+  fs::create_directory_symlink(folder.Path("tree"), folder.Path("tree/a/b/around"));
+  fs::create_symlink("nowhere", folder.Path("tree/dangling"));
+  mkfifo(folder.Path("tree/pipe").c_str(), 0600);
+  std::ofstream(folder.Path("tree/\xFF\xFE")) << "no text";
+}
+
+TEST(FolderContents, AreDeletedWithoutFollowingLinks) {
+  struct {
+    char const* name;
+    void (*remove)(FileLocation const&);
+    bool keeps_folder;
+    std::string missing, of_file;
+  } const rows[] = {
+      {"contents", DeleteContents, true, Named<FileNotFoundError>(-43),
+       Named<MacintoshPlatform::FileLoopFailed>(-1407)},
+      {"recursive", DeleteRecursive, false, Named<FileNotFoundError>(-43), ""},
+      {"force contents", ForceDeleteContents, true, "",
+       Named<MacintoshPlatform::FileLoopFailed>(-1407)},
+      {"force recursive", ForceDeleteRecursive, false, "", ""},
+  };
+  for (auto const& row : rows) {
+    TemporaryFolder folder;
+    MakeTree(folder);
+    row.remove(folder.At("tree"));
+    EXPECT_EQ(folder.Has("tree"), row.keeps_folder) << row.name;
+    if (row.keeps_folder) {
+      EXPECT_TRUE(fs::is_empty(folder.Path("tree"))) << row.name;
+    }
+    EXPECT_EQ(folder.Read("kept/file"), "kept") << row.name;
+
+    fs::create_directory_symlink("kept", folder.Path("link"));
+    folder.Write("plain");
+    EXPECT_EQ(ThrownBy([&] { row.remove(folder.At("none")); }), row.missing) << row.name;
+    EXPECT_EQ(ThrownBy([&] { row.remove(folder.At("link")); }), row.of_file) << row.name;
+    EXPECT_EQ(ThrownBy([&] { row.remove(folder.At("plain")); }), row.of_file) << row.name;
+    EXPECT_EQ(folder.Read("kept/file"), "kept") << row.name;
+    EXPECT_EQ(folder.Has("plain"), row.keeps_folder) << row.name;
+  }
+}
+
+TEST(FolderContents, OfDeepTreesAreDeletedAndCopied) {
+  TemporaryFolder folder;
+  constexpr int kDepth = 600;
+  std::string const name(10, 'd');
+  fs::create_directory(folder.Path("deep"));
+  int at = open(folder.Path("deep").c_str(), O_RDONLY | O_DIRECTORY);
+  for (int i = 0; i < kDepth; ++i) {
+    mkdirat(at, name.c_str(), 0700);
+    int const below = openat(at, name.c_str(), O_RDONLY | O_DIRECTORY);
+    close(at);
+    at = below;
+  }
+  close(at);
+  fs::create_directory(folder.Path("copy"));
+  CopyDirectoryContents(folder.At("deep"), folder.At("copy"));
+  for (char const* tree : {"deep", "copy"}) {
+    DeleteRecursive(folder.At(tree));
+    EXPECT_FALSE(folder.Has(tree));
+  }
+}
+
+TEST(FolderContents, AreCopiedInto) {
+  TemporaryFolder folder;
+  MakeTree(folder);
+  folder.Write("target/a/other", "other");
+  CopyDirectoryContents(folder.At("tree/a"), folder.At("target/a"));
+  EXPECT_EQ(folder.Read("target/a/b/c/file"), "deep");
+  EXPECT_EQ(folder.Read("target/a/other"), "other");
+  EXPECT_EQ(fs::read_symlink(folder.Path("target/a/out")), folder.Path("kept"));
+  EXPECT_EQ(fs::read_symlink(folder.Path("target/a/b/around")), folder.Path("tree"));
+
+  struct {
+    char const *from, *to;
+    std::string error;
+  } const rows[] = {
+      {"kept", "kept", Named<FileCopyFailed>(-122)},
+      {"tree", "tree/a", Named<FileCopyFailed>(-122)},
+      {"none", "kept", Named<FileNotFoundError>(-43)},
+      {"kept", "none", Named<FileNotFoundError>(-43)},
+      {"kept/file", "target", Named<MacintoshPlatform::FileLoopFailed>(-1407)},
+      {"tree/a/b", "target/a/b", Named<FileExists>(-48)},
+  };
+  for (auto const& row : rows) {
+    EXPECT_EQ(ThrownBy([&] { CopyDirectoryContents(folder.At(row.from), folder.At(row.to)); }),
+              row.error)
+        << row.from;
+  }
+}
+
+// As a user for whom permissions count.
+TEST(FolderContents, ThatMayNotBeDeletedSaySo) {
+  TemporaryFolder folder;
+  folder.Write("unreadable/file");
+  folder.Write("unwritable/file");
+  folder.Write("parent/unwritable/sub/file");
+  for (char const* name : {"", "unreadable", "unwritable", "parent", "parent/unwritable"}) {
+    fs::permissions(folder.Path(name), fs::perms::all);
+  }
+  fs::permissions(folder.Path("unreadable"), fs::perms::none);
+  fs::permissions(folder.Path("unwritable"), fs::perms(0555));
+  fs::remove(folder.Path("parent/unwritable/sub/file"));
+  fs::permissions(folder.Path("parent/unwritable"), fs::perms(0555));
+  bool const is_root = geteuid() == 0;
+  if (is_root && seteuid(65534) != 0) GTEST_SKIP();
+  std::string const unreadable = ThrownBy([&] { DeleteRecursive(folder.At("unreadable")); });
+  std::string const unwritable = ThrownBy([&] { ForceDeleteRecursive(folder.At("unwritable")); });
+  std::string const sub = ThrownBy([&] { DeleteContents(folder.At("parent")); });
+  ASSERT_TRUE(!is_root || seteuid(0) == 0);
+  EXPECT_EQ(unreadable, Named<MacintoshPlatform::FileLoopFailed>(-5000));
+  EXPECT_EQ(unwritable, Named<FileDeleteFailed>(-5000));
+  EXPECT_EQ(sub, Named<DirectoryDeleteFailed>(-5000));
+  fs::permissions(folder.Path("unreadable"), fs::perms::all);
+}
+
+}  // namespace

@@ -1,0 +1,168 @@
+// Files and folders of the machine at hand: finding them, listing them, and what is said of them.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "program_output.h"
+#include "temporary_folder.h"
+
+namespace {
+
+using Table = std::vector<std::pair<char const*, char const*>>;
+
+void ExpectAnswers(TemporaryFolder const& folder, Table const& table) {
+  for (auto const& [expression, answer] : table) {
+    EXPECT_EQ(folder.Ask(expression), answer) << expression;
+  }
+}
+
+class Files : public testing::Test {
+ protected:
+  Files() {
+    folder_.AddFile("a.txt", "alpha\n");
+    folder_.AddFolder("sub/deep");
+    folder_.AddFile("sub/b.txt");
+    folder_.AddFile("sub/deep/c.conf");
+    folder_.AddLink("to file", "sub/../a.txt");
+    folder_.AddLink("to folder", "sub");
+    folder_.AddLink("sub/up", "..");
+    folder_.AddLink("broken", "nowhere");
+    folder_.AddLink("loop", "loop");
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(Files, AreFoundByPathAndByName) {
+  ExpectAnswers(
+      folder_,
+      {{R"(exists file "%/a.txt")", "true"},
+       {R"(exists folder "%/a.txt")", "false"},
+       {R"(exists file "%/sub")", "false"},
+       {R"(name of folder "%/sub/")", "sub"},
+       {R"(exists file "%/a.txt/")", "false"},
+       {R"(exists file "%/none")", "false"},
+       {R"(exists file "a.txt")", "false"},
+       {R"(exists file "")", "false"},
+       {R"(exists file "%/a.txt\x00")", "false"},
+       {R"(name of file "%/to file")", "a.txt"},
+       {R"(name of folder "%/to folder")", "sub"},
+       {R"(exists file "%/to folder")", "false"},
+       {R"(exists file "%/broken", exists folder "%/loop")", "false, false"},
+       {R"(name of filesystem object "%/loop")", "loop"},
+       {R"(name of folder "%/sub/deep/../../to folder/..//./sub")", "sub"},
+       {R"(name of file "%/to folder/up/a.txt")", "a.txt"},
+       {R"(name of folder "/", name of folder "/..")", "/, /"},
+       {R"(name of file "b.txt" of folder "sub" of folder "%")", "b.txt"},
+       {R"(link target of filesystem object "to file" of folder "%")", "sub/../a.txt"},
+       {R"(exists link target of file "%/a.txt")", "false"},
+       {R"(exists file "sub/b.txt" of folder "%", exists folder ".." of folder "%")",
+        "false, false"},
+       {R"(name of parent folder of file "%/sub/b.txt")", "sub"},
+       {R"(exists parent folder of folder "/", exists location of folder "/")", "false, false"},
+       {R"((location of file "%/sub/b.txt" = "%/sub", location of folder "/usr"))", "true, /"}});
+}
+
+TEST_F(Files, AreListed) {
+  ExpectAnswers(
+      folder_,
+      {{R"(unique values of names of files of folder "%")",
+        "a.txt\nbroken\nloop\nto file\nto folder"},
+       {R"(names of folders of folder "%")", "sub"},
+       {R"(number of items of folder "%")", "6"},
+       {R"(unique values of names of descendants of folder "%")",
+        "a.txt\nb.txt\nbroken\nc.conf\ndeep\nloop\nsub\nto file\nto folder\nup"},
+       {R"(names of find files "?.txt" of folder "%")", "a.txt"},
+       {R"(unique values of names of find items "*o*" of folder "%")",
+        "broken\nloop\nto file\nto folder"},
+       {R"(names of find folders "S*" of folder "%")", ""},
+       {R"(unique values of names of find descendants "*.*" of folder "%")",
+        "a.txt\nb.txt\nc.conf"},
+       {R"(number of files of folder "%/sub/deep", number of folders of folder "%/sub/deep")",
+        "1, 0"}});
+}
+
+// What other systems leave beside a file belongs to that file.
+TEST_F(Files, HaveCompanionsThatAreNotListed) {
+  folder_.AddFile("._a.txt", std::string("\0\5\26\7\0\2\0\0", 8));
+  folder_.AddFile("._none", std::string("\0\5\26\7\0\2\0\0", 8));
+  folder_.AddFile("._sub", "plain text");
+  folder_.AddFile("._");
+  EXPECT_EQ(folder_.Ask(R"(unique values of names of find files "._*" of folder "%")"),
+            "._\n._none\n._sub");
+}
+
+TEST_F(Files, SayWhatTheStatProgramSays) {
+  chmod(folder_.Path("a.txt").c_str(), 06751);
+  chmod(folder_.Path("sub").c_str(), 01776);
+  folder_.AddFifo("fifo");
+  for (char const* name : {"a.txt", "sub", "loop", "fifo"}) {
+    std::string const path = folder_.Path(name);
+    EXPECT_EQ(
+        folder_.Ask(
+            std::string(
+                R"((symbolic mode of it, mode of it, owner of it, group of it, owner id of )"
+                R"(it, group id of it, modification time of it as string, change time of )"
+                R"(it as string, access time of it as string, birth time of it = creation )"
+                R"(time of it) of filesystem object "%/)") +
+            name + '"'),
+        FirstLineOf("TZ=UTC stat -c '%A, '$((0$(stat -c %a '" + path +
+                    "')))', %U, %G, %u, %g, %y, %z, %x, true' '" + path +
+                    "' | sed -E 's/ ([0-9:]+\\.[0-9]{6})[0-9]{3} ([+-]..)(..)/T\\1\\2:\\3/g'"))
+        << name;
+  }
+}
+
+TEST_F(Files, MayHaveAnyName) {
+  std::string const longest(255, 'n');
+  folder_.AddFile("sub/" + longest);
+  folder_.AddFile("sub/\xff\xfe\x80 x");
+  folder_.AddFolder("sub/line\nfeed");
+  EXPECT_EQ(folder_.Ask("exists file \"" + longest + R"(" of folder "%/sub")"), "true");
+  EXPECT_EQ(folder_.Ask("exists file \"" + longest + R"(n" of folder "%/sub")"), "false");
+  EXPECT_EQ(folder_.Ask(R"(name of file "\xff\xfe\x80 x" of folder "%/sub" = "\xff\xfe\x80 x")"),
+            "true");
+  EXPECT_EQ(folder_.Ask(R"(number of find items "*x" of folder "%/sub")"), "1");
+  EXPECT_EQ(folder_.Ask(R"(number of descendants of folder "%/sub")"), "7");
+}
+
+// Deeper than files may be open at once and than the kernel takes as one path.
+TEST(DeepFolders, AreWalkedToTheEnd) {
+  constexpr int kDepth = 600;
+  TemporaryFolder folder;
+  int at = open(folder.Path().c_str(), O_DIRECTORY);
+  for (int i = 0; i < kDepth; ++i) {
+    ASSERT_EQ(mkdirat(at, "directory", 0700), 0);
+    close(openat(at, "x", O_CREAT | O_WRONLY, 0600));
+    int const next = openat(at, "directory", O_DIRECTORY);
+    close(at);
+    at = next;
+  }
+  close(at);
+  EXPECT_EQ(folder.Ask(R"(number of descendants of folder "%")"), std::to_string(2 * kDepth));
+  EXPECT_EQ(folder.Ask(R"(number of descendants whose (name of it = "x") of folder "%")"),
+            std::to_string(kDepth));
+  FirstLineOf("rm -rf '" + folder.Path() + "'");
+}
+
+TEST(Descendants, AreThoseThatFindFinds) {
+  EXPECT_EQ(Answer(R"(number of descendants of folder "/usr/lib")"),
+            FirstLineOf("find /usr/lib -mindepth 1 -printf 'x\\n' | wc -l"));
+}
+
+TEST(UnreadableFolders, DoNotPassForEmptyOnes) {
+  if (geteuid() == 0) GTEST_SKIP() << "the superuser may read everything";
+  TemporaryFolder folder;
+  folder.AddFolder("closed/inside");
+  chmod(folder.Path("closed").c_str(), 0);
+  EXPECT_NE(folder.Ask(R"(number of items of folder "%/closed")").find("FileLoopFailed"),
+            std::string::npos);
+  EXPECT_EQ(folder.Ask(R"(names of descendants of folder "%")"), "closed");
+  chmod(folder.Path("closed").c_str(), 0700);
+}
+
+}  // namespace
