@@ -108,13 +108,19 @@ std::optional<PropertyListInteger> ReadXmlInteger(std::string_view text) {
 std::optional<double> ReadXmlReal(std::string_view text) {
   text = Trimmed(text);
   bool const is_negative = TakeSign(text);
+  // Wider than the result, so that what is too large or too small for that is read and becomes an
+  // infinity or zero.
+  long double wide;
   double value;
   if (EqualsWithoutCase(text, "nan")) {
     value = std::numeric_limits<double>::quiet_NaN();
   } else if (EqualsWithoutCase(text, "inf") || EqualsWithoutCase(text, "infinity")) {
     value = std::numeric_limits<double>::infinity();
-  } else if (text.empty() || (text[0] != '.' && !IsDigit(text[0])) || !ReadWhole(text, value)) {
+  } else if (text.empty() || (text[0] != '.' && !IsDigit(text[0]))) {
     return {};
+  } else if (!ReadWhole(text, value)) {
+    if (!ReadWhole(text, wide)) return {};
+    value = static_cast<double>(wide);
   }
   return is_negative ? -value : value;
 }

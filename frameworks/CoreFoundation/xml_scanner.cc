@@ -219,8 +219,13 @@ bool XmlScanner::WalkText(Sink&& sink) {
       is_in_section = true;
       at_ += kSection.size();
       continue;
-    } else if (StartsWith("<!--") || StartsWith("<?")) {
-      if (!SkipSpaceAndComments()) return false;
+    } else if (StartsWith("<!--")) {
+      // The space behind belongs to the text.
+      at_ += 4;
+      if (!SkipComment()) return false;
+      continue;
+    } else if (StartsWith("<?")) {
+      if (!SkipInstruction()) return false;
       continue;
     } else {
       return true;

@@ -115,7 +115,12 @@ class ListFile : public testing::Test {
   nlohmann::json Ask(std::string const& expression, std::string const& name) const {
     std::string const path = folder_ / name;
     std::string const text = expression + " of file \"" + path + "\"";
-    return nlohmann::json::parse(Gatotu({"--format", "json", text}).output);
+    Launch launch;
+    launch.arguments = {"--format", "json", text};
+    launch.environment = {"LSAN_OPTIONS=suppressions=" LEAKS_ON_PURPOSE};
+    ProcessResult const run = RunCommand(launch);
+    EXPECT_LE(run.status, 2) << run.errors;
+    return nlohmann::json::parse(run.output);
   }
   void Write(std::string const& name, std::string const& content) const {
     std::ofstream(folder_ / name) << content;
