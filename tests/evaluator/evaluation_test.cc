@@ -159,8 +159,7 @@ TEST(Callback, MayEvaluateAnother) {
       return true;
     });
     EXPECT_TRUE(gatotu::Evaluate(*outer, [](auto const&) { return false; }).IsAnswered());
-    EXPECT_EQ(gatotu::Evaluate(*endless, Ignore, {.time_limit = 1ms}).outcome,
-              Outcome::kTimeLimit);
+    EXPECT_EQ(gatotu::Evaluate(*endless, Ignore, {.time_limit = 1ms}).outcome, Outcome::kTimeLimit);
     // The value is valid until this returns.
     seen.append("=").append(value.Text()).append(" ");
     return seen.size() < 20;
