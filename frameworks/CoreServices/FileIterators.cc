@@ -52,17 +52,17 @@ struct Results {
   FSCatalogInfoBitmap fields;
   FSCatalogInfo* infos;
   FSRef* refs;
-  FSSpec* specs;
+  FSSpec* fs_specs;
   HFSUniStr255* names;
 
   void Put(ItemCount i, OpaqueFSIterator const& iterator, machine::FolderEntry const& entry) const {
     FSRef const ref = MakeRef(iterator.number, entry.name, entry.item.status);
     if (refs != nullptr) refs[i] = ref;
     if (names != nullptr) names[i] = UnicodeName(entry.name);
-    if (infos == nullptr && specs == nullptr) return;
+    if (infos == nullptr && fs_specs == nullptr) return;
     std::string const path = ItemPath(iterator.path, entry.name);
     if (infos != nullptr) infos[i] = MakeCatalogInfo(fields, ref, entry.item, path);
-    if (specs != nullptr) specs[i] = MakeSpec(ref, VolumeOf(entry.item.status, path));
+    if (fs_specs != nullptr) fs_specs[i] = MakeSpec(ref, VolumeOf(entry.item.status, path));
   }
 };
 
@@ -85,7 +85,7 @@ OSErr FSCloseIterator(FSIterator iterator) {
 
 OSErr FSGetCatalogInfoBulk(FSIterator iterator, ItemCount maximumObjects, ItemCount* actualObjects,
                            Boolean* containerChanged, FSCatalogInfoBitmap whichInfo,
-                           FSCatalogInfo* catalogInfos, FSRef* refs, FSSpec* specs,
+                           FSCatalogInfo* catalogInfos, FSRef* refs, FSSpec* fs_specs,
                            HFSUniStr255* names) {
   if (!Open().Has(iterator)) return errFSIteratorNotFound;
   if (maximumObjects == 0) return errFSBadItemCount;
@@ -93,7 +93,7 @@ OSErr FSGetCatalogInfoBulk(FSIterator iterator, ItemCount maximumObjects, ItemCo
   *actualObjects = 0;
   machine::Detail const detail =
       catalogInfos == nullptr ? machine::Detail::kStatus : DetailFor(whichInfo);
-  Results const results = {whichInfo, catalogInfos, refs, specs, names};
+  Results const results = {whichInfo, catalogInfos, refs, fs_specs, names};
   while (*actualObjects < maximumObjects) {
     auto const entry = iterator->folder->Next(detail);
     if (!entry) return CodeOf(entry.absence(), iterator->path);

@@ -231,7 +231,7 @@ CF_EXPORT OSErr FSCloseIterator(FSIterator iterator);
 CF_EXPORT OSErr FSGetCatalogInfoBulk(FSIterator iterator, ItemCount maximumObjects,
                                      ItemCount* actualObjects, Boolean* containerChanged,
                                      FSCatalogInfoBitmap whichInfo, FSCatalogInfo* catalogInfos,
-                                     FSRef* refs, FSSpec* specs, HFSUniStr255* names);
+                                     FSRef* refs, FSSpec* fs_specs, HFSUniStr255* names);
 
 // --- Changing items. A machine that is not the running one answers `vLckdErr`.
 

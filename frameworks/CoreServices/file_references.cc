@@ -157,11 +157,11 @@ OSErr MakeParentRef(FSRef const& ref, FSRef* parent) {
 }
 
 FSSpec MakeSpec(FSRef const& ref, FSVolumeRefNum volume) {
-  FSSpec spec = {};
+  FSSpec fs_spec = {};
   std::string_view const name = NameOf(ref);
-  spec.vRefNum = volume;
-  spec.parID = ref.folder;
-  spec.name[0] = static_cast<unsigned char>(name.size());
-  std::memcpy(spec.name + 1, name.data(), name.size());
-  return spec;
+  fs_spec.vRefNum = volume;
+  fs_spec.parID = ref.folder;
+  fs_spec.name[0] = static_cast<unsigned char>(name.size());
+  std::memcpy(fs_spec.name + 1, name.data(), name.size());
+  return fs_spec;
 }

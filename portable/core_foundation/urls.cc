@@ -20,7 +20,7 @@ AutoCFURL MakeURL(FSRef const& ref) {
   return Checked<CFURLCreateFromFSRefFailed>(CFURLCreateFromFSRef(kCFAllocatorDefault, &ref));
 }
 
-AutoCFURL MakeURL(FSSpec const& spec) { return MakeURL(MakeFSRef(spec)); }
+AutoCFURL MakeURL(FSSpec const& fs_spec) { return MakeURL(MakeFSRef(fs_spec)); }
 
 AutoCFURL MakeURLFromFileSystemPath(CFStringRef path, CFURLPathStyle style, bool isDirectory) {
   return Checked<CFURLCreateWithFileSystemPathFailed>(
@@ -50,9 +50,9 @@ FSRef MakeFSRef(CFURLRef url) {
   return ref;
 }
 
-FSRef MakeFSRef(FSSpec const& spec) {
+FSRef MakeFSRef(FSSpec const& fs_spec) {
   FSRef ref;
-  if (OSErr const code = FSpMakeFSRef(&spec, &ref); code != noErr) ThrowRealOSError(code);
+  if (OSErr const code = FSpMakeFSRef(&fs_spec, &ref); code != noErr) ThrowRealOSError(code);
   return ref;
 }
 

@@ -12,8 +12,8 @@ struct FSSpec;
 
 GATOTU_API AutoCFURL MakeURL(CFStringRef text);
 GATOTU_API AutoCFURL MakeURL(FSRef const& ref);
-// `OSError` when the item of the specification does not exist.
-GATOTU_API AutoCFURL MakeURL(FSSpec const& spec);
+// `OSError` when the item it names does not exist.
+GATOTU_API AutoCFURL MakeURL(FSSpec const& fs_spec);
 GATOTU_API AutoCFURL MakeURLFromFileSystemPath(CFStringRef path, CFURLPathStyle style,
                                                bool isDirectory);
 GATOTU_API AutoCFURL MakeURLFromFileSystemPathRelativeToBase(CFStringRef path, CFURLPathStyle style,
@@ -24,7 +24,7 @@ GATOTU_API AutoCFURL CreateCopyDeletingLastPathComponent(CFURLRef url);
 
 GATOTU_API FSRef MakeFSRef(CFURLRef url);
 // `OSError` with the platform's code.
-GATOTU_API FSRef MakeFSRef(FSSpec const& spec);
+GATOTU_API FSRef MakeFSRef(FSSpec const& fs_spec);
 
 GATOTU_API AutoCFString CopyLastPathComponent(CFURLRef url);
 GATOTU_API AutoCFString FileSystemPath(CFURLRef url, CFURLPathStyle style);

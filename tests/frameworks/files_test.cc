@@ -162,14 +162,14 @@ TEST_F(FilesTest, ReferencesLeadBackToPathsWithoutLinks) {
   EXPECT_EQ(Child(Ref("/folder"), {0xDCFF}, &child), noErr);
   EXPECT_EQ(FSCompareFSRefs(&file, &child), noErr);
   HFSUniStr255 name;
-  FSSpec spec;
-  ASSERT_EQ(FSGetCatalogInfo(&file, 0, nullptr, &name, &spec, &parent), noErr);
+  FSSpec fs_spec;
+  ASSERT_EQ(FSGetCatalogInfo(&file, 0, nullptr, &name, &fs_spec, &parent), noErr);
   EXPECT_EQ(std::vector<UniChar>(name.unicode, name.unicode + name.length),
             std::vector<UniChar>{0xDCFF});
   EXPECT_EQ(PathOf(parent), tree_.At("/folder"));
-  EXPECT_EQ(FSpMakeFSRef(&spec, &child), noErr);
+  EXPECT_EQ(FSpMakeFSRef(&fs_spec, &child), noErr);
   EXPECT_EQ(FSCompareFSRefs(&file, &child), noErr);
-  EXPECT_EQ(spec.parID, Info(parent).nodeID);
+  EXPECT_EQ(fs_spec.parID, Info(parent).nodeID);
   root = RefOf("/");
   EXPECT_EQ(PathOf(root), "/");
   ASSERT_EQ(FSGetCatalogInfo(&root, 0, nullptr, nullptr, nullptr, &root_parent), noErr);

@@ -126,9 +126,9 @@ TEST(URLs, AreMadeAndAsked) {
   AutoCFURL const spelt = MakeURL(CFSTR("file:///folder/file"));
   FSRef const ref = MakeFSRef(spelt.Get());
   EXPECT_TRUE(CFEqual(MakeURL(ref).Get(), file.Get()));
-  FSSpec spec = {};
-  ASSERT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, &spec, nullptr), noErr);
-  EXPECT_TRUE(CFEqual(MakeURL(spec).Get(), file.Get()));
+  FSSpec fs_spec = {};
+  ASSERT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, &fs_spec, nullptr), noErr);
+  EXPECT_TRUE(CFEqual(MakeURL(fs_spec).Get(), file.Get()));
 }
 
 TEST(URLs, FailWithTheirOwnClass) {
