@@ -22,6 +22,7 @@ std::shared_ptr<Machine const>& Owner() {
 }
 
 std::atomic<Machine const*> current = nullptr;
+std::atomic<std::uint64_t> current_number = 0;
 
 template <typename Source>
 Source const& Unsupported() {
@@ -70,8 +71,11 @@ Machine const& CurrentMachine() {
 std::shared_ptr<Machine const> SetCurrentMachine(std::shared_ptr<Machine const> machine) {
   std::lock_guard lock(Guard());
   current.store(machine.get(), std::memory_order_release);
+  current_number.fetch_add(1, std::memory_order_release);
   return std::exchange(Owner(), std::move(machine));
 }
+
+std::uint64_t CurrentMachineNumber() { return current_number.load(std::memory_order_acquire); }
 
 Fact<std::int64_t> ClockSource::MicrosecondsSince1970() const { return NotSupported("clock"); }
 Fact<std::int64_t> ClockSource::BootSecondsSince1970() const { return NotSupported("boot time"); }
@@ -84,6 +88,15 @@ Fact<std::vector<std::string>> EnvironmentSource::VariableNames() const {
 }
 Fact<std::string> NameSource::HostName() const { return NotSupported("host name"); }
 Fact<std::string> NameSource::ComputerName() const { return NotSupported("computer name"); }
+Fact<std::string> NameSource::HostIdentifier() const { return NotSupported("host identifier"); }
+Fact<Platform> SystemSource::SystemPlatform() const { return NotSupported("platform"); }
+Fact<std::vector<std::pair<std::string, std::string>>> SystemSource::Version() const {
+  return NotSupported("system version");
+}
+Fact<std::string> SystemSource::KernelRelease() const { return NotSupported("kernel release"); }
+Fact<std::string> UserSource::CurrentUser() const { return NotSupported("current user"); }
+Fact<std::string> UserSource::CurrentHome() const { return NotSupported("current user"); }
+Fact<std::string> UserSource::HomeOf(std::string const&) const { return NotSupported("users"); }
 Fact<std::uint64_t> MemorySource::PhysicalBytes() const { return NotSupported("memory"); }
 Fact<std::uint64_t> MemorySource::SwapBytes() const { return NotSupported("swap"); }
 Fact<std::uint32_t> ProcessorSource::OnlineCount() const { return NotSupported("processors"); }
@@ -112,5 +125,7 @@ HardwareSource const& Machine::Hardware() const { return Unsupported<HardwareSou
 ProcessSource const& Machine::Processes() const { return Unsupported<ProcessSource>(); }
 GestaltSource const& Machine::Gestalt() const { return Unsupported<GestaltSource>(); }
 FileSource const& Machine::Files() const { return Unsupported<FileSource>(); }
+SystemSource const& Machine::System() const { return Unsupported<SystemSource>(); }
+UserSource const& Machine::Users() const { return Unsupported<UserSource>(); }
 
 }  // namespace machine

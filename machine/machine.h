@@ -2,6 +2,7 @@
 // test scripts. One is in use at a time in a process, chosen by the host between evaluations.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 
@@ -28,6 +29,8 @@ class MACHINE_API Machine {
   virtual ProcessSource const& Processes() const;
   virtual GestaltSource const& Gestalt() const;
   virtual FileSource const& Files() const;
+  virtual SystemSource const& System() const;
+  virtual UserSource const& Users() const;
 };
 
 // The machine in use; the live machine with root "/" when none was chosen, made at the first call.
@@ -38,6 +41,9 @@ MACHINE_API Machine const& CurrentMachine();
 // between evaluations.
 MACHINE_API std::shared_ptr<Machine const> SetCurrentMachine(
     std::shared_ptr<Machine const> machine);
+
+// Another number after each `SetCurrentMachine`, for what is kept of one machine's facts.
+MACHINE_API std::uint64_t CurrentMachineNumber();
 
 // The Linux machine whose files lie below `root`. With "/" it is the running one and system calls
 // are asked too; below any other root only files are, and no path leads out of it. A root that

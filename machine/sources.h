@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -43,6 +44,33 @@ class MACHINE_API NameSource {
   virtual Fact<std::string> HostName() const;
   // The name people gave the machine, UTF-8.
   virtual Fact<std::string> ComputerName() const;
+  // What tells this machine from every other, as it stands in the names of files that hold for one
+  // host only.
+  virtual Fact<std::string> HostIdentifier() const;
+};
+
+// Decides which folders the system's own are.
+enum class Platform { kLinux, kMacOS };
+
+class MACHINE_API SystemSource {
+ public:
+  virtual ~SystemSource() = default;
+  virtual Fact<Platform> SystemPlatform() const;
+  // "ProductName", "ProductVersion", "ProductBuildVersion" and what else the system says of itself,
+  // UTF-8, each key once.
+  virtual Fact<std::vector<std::pair<std::string, std::string>>> Version() const;
+  // Of the kernel, "6.1.0-13-amd64".
+  virtual Fact<std::string> KernelRelease() const;
+};
+
+// The users, as far as paths need them. Homes are absolute paths of the machine.
+class MACHINE_API UserSource {
+ public:
+  virtual ~UserSource() = default;
+  // The user whose home "~" means.
+  virtual Fact<std::string> CurrentUser() const;
+  virtual Fact<std::string> CurrentHome() const;
+  virtual Fact<std::string> HomeOf(std::string const& user) const;
 };
 
 class MACHINE_API MemorySource {

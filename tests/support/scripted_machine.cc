@@ -34,6 +34,12 @@ machine::Fact<std::vector<std::string>> ScriptedMachine::VariableNames() const {
   return names;
 }
 
+machine::Fact<std::string> ScriptedMachine::HomeOf(std::string const& user) const {
+  auto const found = homes.find(user);
+  if (found == homes.end()) return Missing();
+  return found->second;
+}
+
 machine::Fact<bool> ScriptedMachine::HasUsb() const {
   if (!usb_release) return Missing();
   return true;

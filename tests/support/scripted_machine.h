@@ -22,7 +22,9 @@ class ScriptedMachine final : public machine::Machine,
                               private machine::ProcessorSource,
                               private machine::HardwareSource,
                               private machine::ProcessSource,
-                              private machine::GestaltSource {
+                              private machine::GestaltSource,
+                              private machine::SystemSource,
+                              private machine::UserSource {
  public:
   std::optional<std::int64_t> microseconds, boot_seconds;
   std::optional<machine::TimeZone> zone;
@@ -36,6 +38,10 @@ class ScriptedMachine final : public machine::Machine,
   std::shared_ptr<machine::FileSource const> files;
   // By selector; one that is not here follows from the other facts.
   std::map<std::string, machine::GestaltResponse> gestalt;
+
+  std::optional<machine::Platform> platform;
+  std::optional<std::string> host_identifier, kernel_release, current_user, current_home;
+  std::map<std::string, std::string> homes;
 
   // Why everything that is not set is missing.
   machine::Outcome reason = machine::Outcome::kAbsent;
@@ -60,6 +66,8 @@ class ScriptedMachine final : public machine::Machine,
   machine::HardwareSource const& Hardware() const override { return *this; }
   machine::ProcessSource const& Processes() const override { return *this; }
   machine::GestaltSource const& Gestalt() const override { return *this; }
+  machine::SystemSource const& System() const override { return *this; }
+  machine::UserSource const& Users() const override { return *this; }
   machine::FileSource const& Files() const override {
     return files != nullptr ? *files : Machine::Files();
   }
@@ -82,6 +90,12 @@ class ScriptedMachine final : public machine::Machine,
   Fact<std::vector<std::string>> VariableNames() const override;
   Fact<std::string> HostName() const override { return Of(host_name); }
   Fact<std::string> ComputerName() const override { return Of(computer_name); }
+  Fact<std::string> HostIdentifier() const override { return Of(host_identifier); }
+  Fact<machine::Platform> SystemPlatform() const override { return Of(platform); }
+  Fact<std::string> KernelRelease() const override { return Of(kernel_release); }
+  Fact<std::string> CurrentUser() const override { return Of(current_user); }
+  Fact<std::string> CurrentHome() const override { return Of(current_home); }
+  Fact<std::string> HomeOf(std::string const& user) const override;
   Fact<std::uint64_t> PhysicalBytes() const override { return Of(physical_bytes); }
   Fact<std::uint64_t> SwapBytes() const override { return Of(swap_bytes); }
   Fact<std::uint32_t> OnlineCount() const override { return Of(online_processors); }
