@@ -1,0 +1,47 @@
+// Records what a machine is asked and what it answers, to be laid down as a capture.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "machine/capture/record.h"
+#include "machine/files.h"
+#include "machine/machine.h"
+
+namespace machine {
+
+struct RecordingLimits {
+  // Of the contents of all files together. What does not fit is absent from the capture, "not
+  // recorded: larger than ...".
+  std::uint64_t content_bytes = std::uint64_t{64} << 20;
+  // Of the items looked at. Folders are not recorded further than that.
+  std::uint64_t items = 1'000'000;
+};
+
+class MACHINE_API Recorder {
+ public:
+  explicit Recorder(std::shared_ptr<Machine const> machine, RecordingLimits limits = {});
+  ~Recorder();
+  Recorder(Recorder const&) = delete;
+  Recorder& operator=(Recorder const&) = delete;
+
+  // Passes every question on and remembers the answer, an absence with its reason too. It may
+  // outlive the recorder. Where one thing is asked again, the last answer counts, but the clock
+  // stands where it was read first.
+  std::shared_ptr<Machine const> RecordingMachine() const;
+
+  // Asks the machine all that it has sources for, except its files: of those only what identifies
+  // the system and tells where its users live.
+  void RecordEverything();
+
+  // Lays the capture down in a folder that does not exist yet or is empty. `machine.plist` comes
+  // last, so that one that was broken off is no capture. To be called once nobody asks any more.
+  Fact<Done> Write(std::string const& folder, RecordWriter writer) const;
+
+ private:
+  struct State;
+  std::shared_ptr<State> state_;
+};
+
+}  // namespace machine
