@@ -1,12 +1,12 @@
 #include "host/session.h"
 
-#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <optional>
 
+#include "host/expression_file.h"
 #include "host/expression_lines.h"
 #include "host/host_context.h"
 #include "host/plug_ins.h"
@@ -16,21 +16,6 @@ namespace gatotu::host {
 namespace {
 
 constexpr std::string_view kPrompt = "gatotu> ";
-
-// An open file, closed at the end.
-class File {
- public:
-  explicit File(int descriptor) : descriptor_(descriptor) {}
-  ~File() {
-    if (descriptor_ > STDERR_FILENO) ::close(descriptor_);
-  }
-  File(File const&) = delete;
-  File& operator=(File const&) = delete;
-  int Descriptor() const { return descriptor_; }
-
- private:
-  int descriptor_;
-};
 
 ExitStatus Refuse(std::string const& message) {
   Complain(message);
@@ -71,9 +56,9 @@ class Conversation {
       if (!Ask(expression)) return End();
     }
     if (!line_.file.empty()) {
-      AskFile();
+      AskAllOf(line_.file);
     } else if (line_.expressions.empty()) {
-      ::isatty(STDIN_FILENO) == 1 ? AskTerminal() : AskLines(STDIN_FILENO, "standard input");
+      ::isatty(STDIN_FILENO) == 1 ? AskTerminal() : AskAllOf("-");
     }
     return End();
   }
@@ -86,36 +71,10 @@ class Conversation {
     return status != ExitStatus::kInterrupted && !answers_.IsBroken();
   }
 
-  void AskFile() {
-    bool const is_standard_input = line_.file == "-";
-    File const file(is_standard_input ? STDIN_FILENO
-                                      : ::open(line_.file.c_str(), O_RDONLY | O_CLOEXEC));
-    if (file.Descriptor() < 0) {
-      status_ = Worse(status_, Refuse(line_.file + ": " + std::strerror(errno)));
-      return;
-    }
-    AskLines(file.Descriptor(), is_standard_input ? "standard input" : line_.file);
-  }
-
-  void AskLines(int descriptor, std::string const& name) {
-    ExpressionLines lines(descriptor);
-    std::string line;
-    for (;;) {
-      switch (lines.Next(line)) {
-        case ExpressionLines::Result::kLine:
-          if (!IsIdleLine(line) && !Ask(line)) return;
-          break;
-        case ExpressionLines::Result::kInterrupted:
-          if (!Watchdog::TakeInterrupt()) break;
-          status_ = Worse(status_, ExitStatus::kInterrupted);
-          return;
-        case ExpressionLines::Result::kFailed:
-          status_ = Worse(status_, Refuse(name + ": " + std::strerror(lines.Error())));
-          return;
-        case ExpressionLines::Result::kEnd:
-          return;
-      }
-    }
+  void AskAllOf(std::string const& file) {
+    ExitStatus const read =
+        AskFile(file, [this](std::string_view expression) { return Ask(expression); });
+    status_ = Worse(status_, read);
   }
 
   // Here an interrupt or the time limit ends the expression only.
