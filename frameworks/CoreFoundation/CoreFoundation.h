@@ -8,6 +8,7 @@
 #include <CoreFoundation/CFDictionary.h>
 #include <CoreFoundation/CFNull.h>
 #include <CoreFoundation/CFNumber.h>
+#include <CoreFoundation/CFPreferences.h>
 #include <CoreFoundation/CFPropertyList.h>
 #include <CoreFoundation/CFString.h>
 #include <CoreFoundation/CFStringEncodingExt.h>
