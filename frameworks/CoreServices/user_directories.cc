@@ -1,5 +1,7 @@
 #include "frameworks/CoreServices/user_directories.h"
 
+#include <algorithm>
+
 namespace {
 
 std::string_view WithoutBlanks(std::string_view text) {

@@ -11,8 +11,8 @@ FileLocation MakeFileLocation(MacFileType type, short domain, unsigned char crea
   return FileLocation(ref);
 }
 
-FileLocation TemporaryFileDirLocation(short domain) {
-  return MakeFileLocation(kTemporaryFolderType, domain, 1);
+FileLocation TemporaryFileDirLocation(short volume) {
+  return MakeFileLocation(kTemporaryFolderType, volume, 1);
 }
 
 }  // namespace MacintoshPlatform
