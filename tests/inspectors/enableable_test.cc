@@ -73,17 +73,9 @@ Items One(std::string const& name, std::string const& parameter) {
 
 class SpecialItems : public testing::Test {
  protected:
-  SpecialItems() { Forget(); }
-  ~SpecialItems() override { Forget(); }
-
-  static void Forget() {
-    Instant now{};
-    ClearSpecialFolderCaches(now, nullptr);
-  }
-
   // Lets the system know these two folders and no other.
   void Place(OSType enabled, OSType disabled) {
-    Forget();
+    ScriptedFolders::Forget();
     folders_.paths = {{{kSystemDomain, enabled}, tree_.At("/enabled")},
                       {{kSystemDomain, disabled}, tree_.At("/disabled")}};
   }
@@ -142,7 +134,7 @@ TEST_F(SpecialItems, AreAllThereAreWhenAFolderIsEmptyOrMissing) {
   };
   for (auto const& row : cases) {
     SCOPED_TRACE(std::string(row.enabled) + ", " + row.disabled);
-    Forget();
+    ScriptedFolders::Forget();
     folders_.paths = {
         {{kSystemDomain, kStartupFolderType}, tree_.At(std::string("/") + row.enabled)},
         {{kSystemDomain, kStartupItemsDisabledFolderType},

@@ -6,7 +6,6 @@
 #include <vector>
 
 #include "evaluator/plugin/exceptions.h"
-#include "inspectors/files/framework_folder.h"
 #include "inspectors/files/special_folder.h"
 #include "portable/core_foundation/errors.h"
 #include "tests/inspectors/scripted_folders.h"
@@ -117,10 +116,11 @@ std::vector<std::string> NamesOf(std::string const& result, std::string const& o
 }
 
 template <class Result>
-Result Ask(std::string const& name, std::string const& object = "", void const* value = nullptr) {
+Result Ask(std::string const& name, std::string const& object = "", void const* value = nullptr,
+           void const* parameter = nullptr) {
   auto const* const found = RecordingEvaluator::Instance().Find("Property", name, object);
   if (found == nullptr) throw "not registered";
-  return found->Get<Result>(nullptr, value);
+  return found->Get<Result>(parameter, value);
 }
 
 TEST(Domains, AreTheSevenOfTheSystem) {
@@ -134,14 +134,6 @@ TEST(Domains, AreTheSevenOfTheSystem) {
 
 class SpecialFolders : public testing::Test {
  protected:
-  SpecialFolders() { Clear(); }
-  ~SpecialFolders() override { Clear(); }
-
-  static void Clear() {
-    Instant now{};
-    ClearSpecialFolderCaches(now, nullptr);
-  }
-
   // A folder of the test, and the system's answer to this question.
   std::string Place(int domain, OSType code, std::string const& name) {
     std::filesystem::create_directories(tree_.At("/" + name));
@@ -188,7 +180,7 @@ TEST_F(SpecialFolders, TheTenFoundLastAreRemembered) {
 
   std::filesystem::remove(tree_.At("/3"));
   EXPECT_FALSE(IsNew(3)) << "a folder that is gone is still known";
-  Clear();
+  ScriptedFolders::Forget();
   EXPECT_THROW(FindSpecialFolder(3, kDomainOfWorld), NoSuchObject);
   EXPECT_TRUE(IsNew(4));
 }
@@ -255,10 +247,10 @@ TEST_F(SpecialFolders, FrameworksAreFoundByName) {
                      {&local, "A", ""}};
   for (auto const& row : cases) {
     SCOPED_TRACE(row.name);
-    auto const* const name = reinterpret_cast<unsigned char const*>(row.name.data());
+    inspector_string const name{reinterpret_cast<unsigned char const*>(row.name.data()),
+                                row.name.size()};
     auto const find = [&] {
-      return row.of == nullptr ? framework_folder(name, row.name.size())
-                               : framework_folder_of_domain(name, row.name.size(), *row.of);
+      return Ask<folder>("framework", row.of != nullptr ? "domain" : "", row.of, &name);
     };
     if (row.path.empty()) {
       EXPECT_THROW(find(), NoSuchObject);
