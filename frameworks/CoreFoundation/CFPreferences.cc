@@ -20,6 +20,12 @@ constexpr PreferencePlace kSearchOrder[] = {
 
 bool IsAny(CFStringRef application) { return CFEqual(application, kCFPreferencesAnyApplication); }
 
+// Null for the applications that have no files of their own.
+CFStringRef Named(CFStringRef application) {
+  bool const is_this = CFEqual(application, kCFPreferencesCurrentApplication);
+  return is_this || IsAny(application) ? nullptr : application;
+}
+
 CFPropertyListRef CopyValueAt(PreferencePlace const& place, PreferencePaths& paths,
                               CFStringRef key) {
   auto const path = paths.PathOf(place);
@@ -30,7 +36,7 @@ CFPropertyListRef CopyValueAt(PreferencePlace const& place, PreferencePaths& pat
 
 CFPropertyListRef CFPreferencesCopyAppValue(CFStringRef key, CFStringRef applicationID) {
   if (key == nullptr || applicationID == nullptr) return nullptr;
-  PreferencePaths paths(IsAny(applicationID) ? nullptr : applicationID);
+  PreferencePaths paths(Named(applicationID));
   for (PreferencePlace const& place : kSearchOrder) {
     if (CFPropertyListRef const value = CopyValueAt(place, paths, key)) return value;
   }
@@ -48,6 +54,6 @@ CFPropertyListRef CFPreferencesCopyValue(CFStringRef key, CFStringRef applicatio
   PreferencePlace const place = {is_any_user ? User::kAny : User::kCurrent,
                                  is_any_host ? Host::kAny : Host::kCurrent,
                                  IsAny(applicationID) ? Application::kAny : Application::kOwn};
-  PreferencePaths paths(applicationID);
+  PreferencePaths paths(Named(applicationID));
   return CopyValueAt(place, paths, key);
 }

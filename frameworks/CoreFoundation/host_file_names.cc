@@ -37,7 +37,8 @@ HostFileNames ReadNames(std::string const& folder) {
   if (!open) return names;
   for (int i = 0; i < kMostEntries; ++i) {
     auto const entry = open.value()->Next(machine::Detail::kKind);
-    if (!entry || *entry == nullptr) return names;
+    if (!entry) return {};
+    if (*entry == nullptr) return names;
     std::string_view const name = (*entry)->name;
     auto const application = ApplicationOf(name);
     if (!application) continue;

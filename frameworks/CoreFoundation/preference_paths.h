@@ -23,7 +23,7 @@ struct PreferencePlace {
 // For one search: what the machine tells is asked when it is first needed, and then kept.
 class PreferencePaths {
  public:
-  // Null stands for any application.
+  // Null for one without files of its own.
   explicit PreferencePaths(CFStringRef application);
 
   // Nothing where there can be no such file; the reason is announced.

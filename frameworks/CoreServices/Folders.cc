@@ -118,8 +118,8 @@ class Search {
   Outcome reason_ = Outcome::kAbsent;
 };
 
-// Says why there is none, for those who ask a machine that does not announce what it lacks, and for
-// what no table has.
+// The places that were looked at are announced by then; this says for what, and tells of folders
+// that have no place to look at.
 OSErr AnnounceMissing(OSType type, SearchedDomains const& search, OSErr code, Outcome reason) {
   if (machine::CurrentSourceObserver() != nullptr) {
     machine::Announce("special folder " + TextOf(type) + " " + search.name, reason);

@@ -188,6 +188,8 @@ TEST_F(Preferences, OfAnApplicationWhoseNameIsNoFilesNameAreTheGlobalOnes) {
     EXPECT_EQ(Read(name), "global") << name;
   }
   EXPECT_EQ(Read(".."), "dots");
+  Write("/Library/Preferences/kCFPreferencesCurrentApplication.plist", "elsewhere");
+  EXPECT_EQ(Read("kCFPreferencesCurrentApplication"), "global");
 }
 
 TEST_F(Preferences, AreReadAgainWhenTheirFileChanges) {
