@@ -10,8 +10,9 @@ namespace machine::capture {
 namespace {
 
 // Said of the path that was asked, whatever the path at which it was found.
-Absence Announced(Absence absence, std::string const& path) {
+Absence Announced(Absence absence, std::string const& path, char const* where = "") {
   absence.source = path;
+  if (absence.where.empty()) absence.where = where;
   Announce(path, absence.reason);
   return absence;
 }
@@ -128,15 +129,22 @@ Fact<Item> Files::Describe(std::string const& path, Links links) const {
 
 Fact<std::string> Files::ReadLink(std::string const& path) const {
   if (records_.is_empty()) return copies_.ReadLink(path);
-  Fact<RecordedItem> const found = Find(path, Links::kKeep, Known::kKind);
-  if (!found) return found.absence();
-  if (found->target && *found->target) return **found->target;
-  if (found->target) return Announced(found->target->absence(), path);
-  if (found->item.status.kind != ItemKind::kLink) {
-    return live::AnnounceError(EINVAL, path, "link");
-  }
+  Fact<std::string> target = TargetAt(path);
+  if (!target) return Announced(target.absence(), path, "link");
+  Announce(path, Outcome::kAnswered, target->size());
+  return target;
+}
+
+Fact<std::string> Files::TargetAt(std::string const& path) const {
   Fact<std::string> const place = Walk(path, Links::kKeep);
-  if (!place || records_.is_partial()) return Announced(NotRecorded(path), path);
+  if (!place) return place;
+  Fact<RecordedItem> const item = ItemAt(*place, Known::kKind);
+  if (!item) return item.absence();
+  if (item->target) return *item->target;
+  if (item->item.status.kind != ItemKind::kLink) {
+    return Absence{live::OutcomeOf(EINVAL), path, {}, EINVAL};
+  }
+  if (records_.is_partial()) return NotRecorded(path);
   return copies_.ReadLink(*place);
 }
 
@@ -188,13 +196,14 @@ Fact<std::unique_ptr<OpenFile>> Files::OpenFork(std::string const& path, Fork fo
       std::make_unique<RecordedFile>(std::move(copy).value(), status, fork));
 }
 
-// What is too long is so even when its content was too large to be recorded.
+// What is too long is so even when its content was not recorded.
 Fact<std::string> Files::ReadFile(std::string const& path, std::size_t most) const {
+  Fact<std::string> text = FileSource::ReadFile(path, most);
+  if (text || !text.absence().where.starts_with(kNotRecorded)) return text;
   Fact<ItemStatus> const status = Status(path, Links::kFollow);
-  if (status && status->kind == ItemKind::kFile && status->bytes > most) {
-    return Absence{Outcome::kMalformed, path, "too long", EFBIG};
-  }
-  return FileSource::ReadFile(path, most);
+  bool const is_too_long = status && status->kind == ItemKind::kFile && status->bytes > most;
+  if (!is_too_long) return text;
+  return Absence{Outcome::kMalformed, path, "too long", EFBIG};
 }
 
 Fact<std::string> Files::CanonicalFolder(std::string const& path) const {
@@ -210,11 +219,10 @@ Fact<std::string> Files::CanonicalFolder(std::string const& path) const {
 // The disk that holds the capture is not the machine's, so a copy's volume says nothing.
 Fact<VolumeSpace> Files::Space(std::string const& path) const {
   Fact<std::string> const place = Walk(path, Links::kKeep);
-  if (!place) return Announced(place.absence(), path);
-  Fact<RecordedItem> const item = Over(*place, {});
-  if (!item) return Announced(item.absence(), path);
-  if (!item->space) return Announced({Outcome::kAbsent, path, kNotRecorded}, path);
-  if (!*item->space) return Announced(item->space->absence(), path);
+  Fact<RecordedItem> const item = place ? Over(*place, {}) : Fact<RecordedItem>(place.absence());
+  if (!item) return Announced(item.absence(), path, "volume");
+  if (!item->space) return Announced(NotRecorded(path), path);
+  if (!*item->space) return Announced(item->space->absence(), path, "volume");
   Announce(path, Outcome::kAnswered);
   return **item->space;
 }

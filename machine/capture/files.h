@@ -39,6 +39,7 @@ class Files final : public FileSource {
 
  private:
   Fact<std::string> Walk(std::string const& path, Links links) const;
+  Fact<std::string> TargetAt(std::string const& path) const;
   // What a path leads to, announced by that path.
   Fact<RecordedItem> Find(std::string const& path, Links links, Known wanted) const;
   Fact<Item> CopyAt(std::string const& path, Known wanted) const;

@@ -41,30 +41,22 @@ void RecordedFacts::KeepProcesses(Fact<std::vector<Process>> const& processes) {
   for (Process const& process : *processes) processes_[process.pid] = process.name;
 }
 
-// Whole and in its own order where every variable was asked.
+// Partial unless every variable was asked. The names keep the order, which dictionaries need not.
 void RecordedFacts::AddEnvironment(RecordDictionary& document, RecordArray& partial) const {
   auto const group = groups_.find(kEnvironment);
   auto const names = facts_.find(kEnvironmentNames);
-  RecordDictionary values, ordered;
+  RecordDictionary values;
   if (group != groups_.end()) {
     for (auto const& [key, value] : group->second) {
       if (value) values.Add(key, *value);
     }
   }
-  if (names != facts_.end() && names->second) {
-    for (Record const& name : *names->second->As<RecordArray>()) {
-      auto const* text = name.As<std::string>();
-      std::string const key = KeyOfBytes(text != nullptr ? *text : name.As<RecordBytes>()->content);
-      if (Record const* value = values.Find(key)) ordered.Add(key, *value);
-    }
-    if (ordered.entries().size() == names->second->As<RecordArray>()->size()) {
-      document.Add(kEnvironment, std::move(ordered));
-      return;
-    }
-    document.Add(kEnvironmentNames, *names->second);
+  bool const has_names = names != facts_.end() && names->second;
+  std::size_t const count = has_names ? names->second->As<RecordArray>()->size() : 0;
+  if (!has_names || count != values.entries().size()) {
+    partial.emplace_back(std::string(kEnvironment));
   }
-  if (!values.entries().empty()) document.Add(kEnvironment, std::move(values));
-  partial.emplace_back(std::string(kEnvironment));
+  if (has_names || !values.entries().empty()) document.Add(kEnvironment, std::move(values));
 }
 
 void RecordedFacts::AddProcesses(RecordDictionary& document, RecordArray& partial) const {
@@ -87,7 +79,7 @@ RecordDictionary RecordedFacts::Document() const {
   document.Add("FormatVersion", std::int64_t{kFormatVersion});
   for (auto const& [key, fact] : facts_) {
     if (!fact) absent.Add(key, RecordOf(fact.absence()));
-    if (fact && key != kEnvironmentNames) document.Add(key, *fact);
+    if (fact) document.Add(key, *fact);
   }
   for (auto const& [group, members] : groups_) {
     RecordDictionary values;

@@ -98,32 +98,36 @@ void RecordedItems::KeepSpace(std::string const& place, Fact<VolumeSpace> const&
   if (RecordedItem* const recorded = At(place)) recorded->space.emplace(space);
 }
 
-std::uint64_t RecordedItems::RoomForContent() const {
-  std::lock_guard lock(guard_);
-  return limits_.content_bytes - content_bytes_;
+void RecordedItems::DropContent(std::string const& place, Fork fork) {
+  auto& contents = ContentsOf(fork);
+  auto const kept = contents.find(place);
+  if (kept == contents.end()) return;
+  content_bytes_ -= kept->second->size();
+  contents.erase(kept);
 }
 
-bool RecordedItems::KeepContent(std::string const& place, Fork fork, Content content) {
+std::uint64_t RecordedItems::RoomForContent(std::string const& place, Fork fork) const {
   std::lock_guard lock(guard_);
+  Content const kept = ContentOf(place, fork);
+  return limits_.content_bytes - content_bytes_ + (kept != nullptr ? kept->size() : 0);
+}
+
+void RecordedItems::KeepContent(std::string const& place, Fork fork, Content content) {
+  std::lock_guard lock(guard_);
+  if (content->size() > RoomForContent(place, fork)) return KeepContentTooLarge(place, fork);
   RecordedItem* const recorded = At(place);
-  Content& kept = ContentsOf(fork)[place];
-  if (kept != nullptr) content_bytes_ -= kept->size();
-  kept.reset();
-  bool const fits = recorded != nullptr && content->size() <= RoomForContent();
-  if (!fits) {
-    KeepContentTooLarge(place, fork);
-    return false;
-  }
+  if (recorded == nullptr) return;
+  DropContent(place, fork);
   content_bytes_ += content->size();
-  kept = std::move(content);
+  ContentsOf(fork)[place] = std::move(content);
   (fork == Fork::kData ? recorded->content : recorded->resource_fork).emplace(Done());
-  return true;
 }
 
 void RecordedItems::KeepContentAbsence(std::string const& place, Fork fork, Absence absence) {
   std::lock_guard lock(guard_);
   RecordedItem* const recorded = At(place);
   if (recorded == nullptr) return;
+  DropContent(place, fork);
   (fork == Fork::kData ? recorded->content : recorded->resource_fork).emplace(std::move(absence));
 }
 

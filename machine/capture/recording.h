@@ -64,11 +64,11 @@ class RecordedItems {
   void KeepTarget(std::string const& place, Fact<std::string> target);
   void KeepListing(std::string const& place, Fact<RecordedListing> listing);
   void KeepSpace(std::string const& place, Fact<VolumeSpace> const& space);
-  // False when the content does not fit any more.
-  bool KeepContent(std::string const& place, Fork fork, Content content);
+  // Says so instead where it does not fit any more.
+  void KeepContent(std::string const& place, Fork fork, Content content);
   void KeepContentAbsence(std::string const& place, Fork fork, Absence absence);
   void KeepContentTooLarge(std::string const& place, Fork fork);
-  std::uint64_t RoomForContent() const;
+  std::uint64_t RoomForContent(std::string const& place, Fork fork) const;
 
   // For writing, once nobody asks any more. Parents come before what is in them.
   std::map<std::string, RecordedItem> const& items() const { return items_; }
@@ -78,6 +78,7 @@ class RecordedItems {
   friend class ItemsAsked;
   // Null when there are too many.
   RecordedItem* At(std::string const& place);
+  void DropContent(std::string const& place, Fork fork);
   std::map<std::string, Content>& ContentsOf(Fork fork) {
     return fork == Fork::kData ? contents_ : resource_forks_;
   }

@@ -194,7 +194,7 @@ Fact<std::unique_ptr<OpenFile>> RecordingFiles::OpenFork(std::string const& path
   Item item;
   item.status = (*file)->Status();
   items_.KeepItem(*place, Known::kStatus, item);
-  Fact<std::string> text = ReadWhole(**file, path, items_.RoomForContent());
+  Fact<std::string> text = ReadWhole(**file, path, items_.RoomForContent(*place, fork));
   bool const is_too_large = !text && text.absence().error == EFBIG;
   if (is_too_large) items_.KeepContentTooLarge(*place, fork);
   if (!text && !is_too_large) items_.KeepContentAbsence(*place, fork, text.absence());

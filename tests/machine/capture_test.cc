@@ -1,0 +1,358 @@
+#include "machine/capture/capture.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <functional>
+
+#include "frameworks/CoreFoundation/recorded_facts.h"
+#include "tests/machine/apple_double_text.h"
+#include "tests/machine/machine_text.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+using machine::Fact;
+using machine::Links;
+using machine::Machine;
+using machine::Outcome;
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::Pair;
+
+std::string Plist(std::string const& content) {
+  return "<plist version=\"1.0\">" + content + "</plist>";
+}
+
+class Capture : public testing::Test {
+ protected:
+  void Document(std::string const& entries) {
+    tree.Write("/machine.plist", Plist("<dict>" + entries + "</dict>"));
+  }
+  Fact<std::shared_ptr<Machine const>> Open(std::string const& user = {}) {
+    return machine::OpenCapture(tree.At(""), {user}, &ReadRecordedFacts);
+  }
+  std::shared_ptr<Machine const> Opened(std::string const& user = {}) {
+    auto const capture = Open(user);
+    EXPECT_TRUE(capture) << machine::CaptureMessage(capture.absence());
+    return capture ? *capture : nullptr;
+  }
+
+  RecordedTree tree;
+};
+
+std::uint32_t Code(char const* text) {
+  std::uint32_t code = 0;
+  for (char const* at = text; *at != '\0'; ++at) code = code << 8 | static_cast<unsigned char>(*at);
+  return code;
+}
+
+TEST_F(Capture, AnswersWhatItsDocumentTells) {
+  Document(
+      "<key>FormatVersion</key><integer>1</integer><key>Platform</key><string>macos</string>"
+      "<key>Taken</key><date>2004-02-29T12:00:00Z</date><key>TimeZone</key><string>XYZ-5:30</"
+      "string>"
+      "<key>SystemVersion</key><dict><key>ProductVersion</key><string>10.3.11</string></dict>"
+      "<key>ComputerName</key><string>Cube</string><key>Architecture</key><string>ppc</string>"
+      "<key>Environment</key><dict><key>HOME</key><string>/x</string></dict>"
+      "<key>Gestalt</key><dict><key>ramm</key><integer>512</integer><key>mnam</key><string>G4</"
+      "string>"
+      "<key>mach</key><integer>-1</integer></dict><key>Processors</key><integer>2</integer>"
+      "<key>BootTime</key><date>2004-02-29T11:00:00Z</date><key>Unknown</key><true/>"
+      "<key>Processes</key><array><dict><key>pid</key><integer>9</integer>"
+      "<key>name</key><string>a name of more than sixteen</string></dict>"
+      "<dict><key>pid</key><integer>1</integer><key>name</key><data>/w==</data></dict></array>"
+      "<key>Absent</key><dict><key>HostName</key><string>permission refused</string>"
+      "<key>KernelRelease</key><string>lost</string></dict>");
+  auto const capture = Opened();
+  EXPECT_EQ(capture->Clock().MicrosecondsSince1970().value(), 1078056000'000000);
+  EXPECT_EQ(capture->Clock().BootSecondsSince1970().value(), 1078052400);
+  EXPECT_EQ(capture->Zone().CurrentZone()->rules->At(0).from_utc, 19800);
+  EXPECT_EQ(capture->System().SystemPlatform().value(), machine::Platform::kMacOS);
+  EXPECT_THAT(*capture->System().Version(), Contains(Pair("Architecture", "ppc")));
+  EXPECT_EQ(capture->Names().ComputerName().value(), "Cube");
+  EXPECT_EQ(capture->Names().HostName().outcome(), Outcome::kPermissionRefused);
+  EXPECT_EQ(capture->System().KernelRelease().absence().where, "lost");
+  EXPECT_EQ(capture->Names().HostIdentifier().absence().where, "not recorded");
+  EXPECT_EQ(capture->Environment().Variable("HOME").value(), "/x");
+  EXPECT_EQ(capture->Environment().Variable("PATH").outcome(), Outcome::kAbsent);
+  EXPECT_THAT(*capture->Environment().VariableNames(), ElementsAre("HOME"));
+  EXPECT_EQ(capture->Processors().OnlineCount().value(), 2u);
+  EXPECT_EQ(capture->Processors().Kind().value(), machine::Architecture::kPowerPC);
+  auto const processes = capture->Processes().AllProcesses().value();
+  ASSERT_EQ(processes.size(), 2u);
+  EXPECT_STREQ(processes[0].name, "\xFF");
+  EXPECT_STREQ(processes[1].name, "a name of more t");
+  EXPECT_EQ(capture->Processes().CountProcesses().value(), 2u);
+  std::pair<char const*, machine::GestaltResponse> const responses[] = {
+      {"ramm", 512u}, {"mnam", "G4"}, {"mach", 0xFFFFFFFF}, {"sysv", 0x1039u}, {"sysa", 2u}};
+  for (auto const& [selector, response] : responses) {
+    EXPECT_EQ(capture->Gestalt().Response(Code(selector)).value(), response) << selector;
+  }
+  EXPECT_FALSE(capture->Gestalt().Response(Code("lram")));
+  AnnouncementLog log;
+  capture->Names().ComputerName();
+  EXPECT_THAT(log.entries, ElementsAre(Pair("machine.plist: ComputerName", Outcome::kAnswered)));
+}
+
+struct MalformedCase {
+  char const* entries;
+  std::function<machine::Absence(Machine const&)> ask;
+  char const* source;
+};
+
+TEST_F(Capture, AWrongValueIsMalformedByItself) {
+  auto const process = [](Machine const& capture) {
+    return capture.Processes().AllProcesses().absence();
+  };
+  auto const clock = [](Machine const& capture) {
+    return capture.Clock().MicrosecondsSince1970().absence();
+  };
+  auto const variable = [](Machine const& capture) {
+    return capture.Environment().Variable("A").absence();
+  };
+  auto const status = [](Machine const& capture) {
+    return capture.Files().Status("/f", Links::kKeep).absence();
+  };
+  auto const zone = [](Machine const& capture) { return capture.Zone().CurrentZone().absence(); };
+  auto const count = [](Machine const& capture) {
+    return capture.Processors().OnlineCount().absence();
+  };
+  std::string const item =
+      "<key>Partial</key><array><string>Files</string></array>"
+      "<key>Files</key><dict><key>/f</key>";
+  std::string const mode = item +
+                           "<dict><key>Known</key><string>all</string>"
+                           "<key>Mode</key><integer>65536</integer></dict></dict>";
+  std::string const time = item +
+                           "<dict><key>Known</key><string>all</string>"
+                           "<key>Born</key><string>1.5</string></dict></dict>";
+  std::string const text = item + "<string>x</string></dict>";
+  MalformedCase const cases[] = {
+      {"<key>Processes</key><array><dict><key>pid</key><string>1</string></dict></array>", process,
+       "Processes[0].pid"},
+      {"<key>Processes</key><array><dict><key>pid</key><integer>1</integer></dict></array>",
+       process, "Processes[0].name"},
+      {"<key>Processes</key><array><true/></array>", process, "Processes[0].pid"},
+      {"<key>Processes</key><dict/>", process, "Processes"},
+      {"<key>Taken</key><string>now</string>", clock, "Taken"},
+      {"<key>Environment</key><array/>", variable, "Environment"},
+      {"<key>Environment</key><dict><key>A</key><dict/></dict>", variable, "Environment.A"},
+      {"<key>Processors</key><integer>-1</integer>", count, "Processors"},
+      {"<key>Processors</key><true/>", count, "Processors"},
+      {"<key>TimeZone</key><string>../../etc/passwd</string>", zone, "TimeZone"},
+      {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>", zone,
+       "TimeZoneRules"},
+      {mode.c_str(), status, "/f"},
+      {time.c_str(), status, "/f"},
+      {text.c_str(), status, "/f"},
+  };
+  for (MalformedCase const& row : cases) {
+    Document(std::string(row.entries) + "<key>HostName</key><string>box</string>");
+    auto const capture = Opened();
+    machine::Absence const absence = row.ask(*capture);
+    EXPECT_EQ(absence.reason, Outcome::kMalformed) << row.entries;
+    EXPECT_THAT(absence.source, testing::EndsWith(row.source)) << row.entries;
+    EXPECT_EQ(capture->Names().HostName().value(), "box") << row.entries;
+  }
+}
+
+// Arrays of two that are the same one: 2^`depth` values.
+std::string SharedArrays(int depth) {
+  std::string list = "bplist00", offsets;
+  for (int i = 0; i <= depth; ++i) {
+    offsets += static_cast<char>(list.size());
+    if (i < depth) list += {'\xA2', static_cast<char>(i + 1), static_cast<char>(i + 1)};
+    if (i == depth) list += '\x09';
+  }
+  std::size_t const table = list.size();
+  return list + offsets + std::string(6, '\0') + "\1\1" + BigEndianText(0, 4) +
+         BigEndianText(static_cast<std::uint32_t>(depth + 1), 4) + BigEndianText(0, 8) +
+         BigEndianText(0, 4) + BigEndianText(static_cast<std::uint32_t>(table), 4);
+}
+
+TEST_F(Capture, IsRefusedWithOneMessage) {
+  std::pair<std::string, char const*> const cases[] = {
+      {"", "machine.plist: "},
+      {"no property list <", "machine.plist: "},
+      {Plist("<dict><key>A</key>"), "machine.plist: "},
+      {Plist("<array/>"), "not a dictionary"},
+      {Plist("<string>x</string>"), "not a dictionary"},
+      {Plist("<true/>"), "not a dictionary"},
+      {Plist("<dict><key>FormatVersion</key><integer>2</integer></dict>"), "later than 1"},
+      {Plist("<dict><key>FormatVersion</key><string>1</string></dict>"), "FormatVersion"},
+      {SharedArrays(20), "stands for too many values"},
+      {SharedArrays(60), "stands for too many values"},
+      {std::string("bplist00\xA1\x00\x08", 11) + std::string(6, '\0') + "\1\1" +
+           std::string(7, '\0') + "\1" + std::string(15, '\0') + "\x0A",
+       "machine.plist: "},
+  };
+  for (auto const& [document, message] : cases) {
+    tree.Write("/machine.plist", document);
+    auto const capture = Open();
+    ASSERT_FALSE(capture) << document;
+    std::string const text = machine::CaptureMessage(capture.absence());
+    EXPECT_THAT(text, HasSubstr(message));
+    EXPECT_THAT(text, testing::StartsWith(tree.At("")));
+  }
+  tree.Write("/machine.plist", SharedArrays(3));
+  EXPECT_THAT(machine::CaptureMessage(Open().absence()), HasSubstr("not a dictionary"));
+  std::filesystem::remove(tree.At("/machine.plist"));
+  EXPECT_THAT(machine::CaptureMessage(Open().absence()), HasSubstr("no capture"));
+  tree.Link("/machine.plist", "/etc/passwd");
+  EXPECT_THAT(machine::CaptureMessage(Open().absence()), HasSubstr("No such file"));
+  std::filesystem::remove(tree.At("/machine.plist"));
+  ASSERT_EQ(::mkfifo(tree.At("/machine.plist").c_str(), 0600), 0);
+  EXPECT_FALSE(Open());
+  std::filesystem::remove(tree.At("/machine.plist"));
+  std::ofstream(tree.At("/machine.plist")).close();
+  std::filesystem::resize_file(tree.At("/machine.plist"), std::uintmax_t{1} << 40);
+  EXPECT_THAT(machine::CaptureMessage(Open().absence()), HasSubstr("too long"));
+  auto const missing = machine::OpenCapture("/no/such", {}, &ReadRecordedFacts);
+  EXPECT_EQ(machine::CaptureMessage(missing.absence()), "/no/such: No such file or directory");
+}
+
+TEST_F(Capture, FilesStayBelowTheSystemRoot) {
+  tree.Write("/root/etc/passwd", "inside");
+  tree.Write("/other/etc/passwd", "inside");
+  tree.Link("/linked", "other");
+  tree.Link("/out", "/");
+  tree.Link("/up", "..");
+  tree.Link("/root/out", "../../../../../../etc/passwd");
+  std::pair<char const*, bool> const cases[] = {
+      {"", true},
+      {"<string>root</string>", true},
+      {"<string>other/../root</string>", true},
+      {"<string>linked</string>", true},
+      {"<string>../..</string>", false},
+      {"<string>/</string>", false},
+      {"<string>/etc</string>", false},
+      {"<string>out</string>", false},
+      {"<string>up</string>", false},
+      {"<string>none</string>", false},
+      {"<string>root/etc/passwd</string>", false},
+      {"<string></string>", false},
+      {"<true/>", false},
+      {"<data>AA==</data>", false},
+  };
+  for (auto const& [value, has_files] : cases) {
+    Document(*value == '\0' ? "" : std::string("<key>SystemRoot</key>") + value);
+    auto const capture = Opened();
+    auto const text = capture->Files().ReadFile("/etc/passwd", 1000);
+    EXPECT_EQ(text ? text.value() : "none", has_files ? "inside" : "none") << value;
+    if (has_files) continue;
+    EXPECT_THAT(text.absence().where, HasSubstr("SystemRoot")) << value;
+  }
+  Document("");
+  auto const capture = Opened();
+  EXPECT_EQ(capture->Files().ReadFile("/out", 1000).value(), "inside");
+  EXPECT_EQ(capture->Files().Remove("/etc/passwd").absence().error, EROFS);
+  EXPECT_EQ(capture->Files().Space("/").absence().where, "not recorded");
+}
+
+TEST_F(Capture, RecordedItemsLieOverTheCopies) {
+  tree.Write("/root/folder/file", "content");
+  tree.Write("/root/folder/gone", "");
+  tree.Link("/root/link", "folder");
+  auto const item = [](char const* path, std::string const& entries) {
+    return "<key>" + std::string(path) + "</key><dict>" + entries + "</dict>";
+  };
+  Document("<key>Files</key><dict>" +
+           item("/folder/file",
+                "<key>User</key><integer>501</integer>"
+                "<key>Modified</key><date>2004-02-29T12:00:00Z</date>") +
+           item("/folder/gone", "<key>Absent</key><string>permission refused</string>") +
+           item("/../../etc/passwd", "<key>User</key><integer>1</integer>") +
+           item("/far",
+                "<key>Known</key><string>all</string><key>Kind</key><string>link</string>"
+                "<key>Target</key><string>/../../../etc/passwd</string>") +
+           item("/loop",
+                "<key>Known</key><string>all</string><key>Kind</key><string>link</string>"
+                "<key>Target</key><string>loop/loop</string>") +
+           item("/list",
+                "<key>Known</key><string>all</string><key>Kind</key><string>folder</string>"
+                "<key>Entries</key><array><string>../x</string></array>") +
+           "</dict><key>UserNames</key><dict><key>501</key><string>ann</string></dict>");
+  auto const capture = Opened();
+  machine::FileSource const& files = capture->Files();
+  auto const file = files.Describe("/link/file", Links::kFollow);
+  EXPECT_EQ(file->status.user, 501u);
+  EXPECT_EQ(file->status.modification.seconds, 1078056000);
+  EXPECT_EQ(file->status.bytes, 7u);
+  EXPECT_EQ(files.ReadFile("/link/file", 10).value(), "content");
+  EXPECT_EQ(files.UserName(501).value(), "ann");
+  EXPECT_EQ(files.Status("/folder/gone", Links::kKeep).outcome(), Outcome::kPermissionRefused);
+  for (char const* path : {"/far", "/loop", "/etc/passwd"}) {
+    EXPECT_FALSE(files.Status(path, Links::kFollow)) << path;
+  }
+  EXPECT_EQ(files.OpenFolder("/list").outcome(), Outcome::kMalformed);
+  auto const folder = files.OpenFolder("/folder");
+  auto const entry = (*folder)->Next(machine::Detail::kAll);
+  EXPECT_EQ((*entry)->name, "file");
+  EXPECT_EQ((*entry)->item.status.user, 501u);
+  EXPECT_EQ(*(*folder)->Next(machine::Detail::kAll), nullptr);
+}
+
+struct UserCase {
+  char const* user;
+  char const* home;  // null: there is none
+};
+
+TEST_F(Capture, HomesAreThoseOfItsUsers) {
+  tree.Write("/root/etc/passwd", "bob:x:1:1::/home/bob:\n");
+  tree.Write("/root/var/db/dslocal/nodes/Default/users/cat.plist",
+             Plist("<dict><key>home</key><array><string>/Volumes/cat</string></array></dict>"));
+  tree.Write("/root/var/db/dslocal/nodes/Default/users/rel.plist",
+             Plist("<dict><key>home</key><array><string>etc</string></array></dict>"));
+  tree.Write("/root/Users/dan/x", "");
+  tree.Write("/root/Users/file", "");
+  Document(
+      "<key>CurrentUser</key><string>ann</string><key>Users</key><dict><key>ann</key>"
+      "<dict><key>Home</key><string>/home/ann</string></dict></dict>");
+  UserCase const cases[] = {
+      {"", "/home/ann"},         {"ann", "/home/ann"},  {"bob", "/home/bob"},
+      {"cat", "/Volumes/cat"},   {"dan", "/Users/dan"}, {"rel", nullptr},
+      {"file", nullptr},         {"eve", nullptr},      {"..", nullptr},
+      {"../Users/dan", nullptr}, {"dan/", nullptr},     {".", nullptr},
+  };
+  for (UserCase const& row : cases) {
+    auto const home = Opened(row.user)->Users().CurrentHome();
+    EXPECT_EQ(home ? home.value() : "none", row.home != nullptr ? row.home : "none") << row.user;
+  }
+  EXPECT_EQ(Opened("bob")->Users().CurrentUser().value(), "bob");
+  EXPECT_FALSE(Opened()->Users().HomeOf(std::string("dan\0", 4)));
+  Document("");
+  EXPECT_EQ(Opened()->Users().CurrentHome().outcome(), Outcome::kAbsent);
+}
+
+TEST_F(Capture, AVolumeTellsWhatItsFilesDo) {
+  tree.Write("/System/Library/CoreServices/SystemVersion.plist",
+             Plist("<dict><key>ProductName</key><string>Mac OS X</string>"
+                   "<key>ProductVersion</key><string>10.4.11</string></dict>"));
+  tree.Write(
+      "/Library/Preferences/SystemConfiguration/preferences.plist",
+      Plist("<dict><key>System</key><dict><key>System</key><dict>"
+            "<key>ComputerName</key><string>Ann's Mac</string></dict><key>Network</key><dict>"
+            "<key>HostNames</key><dict><key>LocalHostName</key><string>anns-mac</string>"
+            "</dict></dict></dict></dict>"));
+  tree.Link("/etc", "private/etc");
+  tree.Link("/private/etc/localtime", "/usr/share/zoneinfo/Europe/Berlin");
+  auto const volume = Opened();
+  EXPECT_EQ(volume->System().SystemPlatform().value(), machine::Platform::kMacOS);
+  EXPECT_EQ(volume->System().Version()->at(1).second, "10.4.11");
+  EXPECT_EQ(volume->Gestalt().Response(Code("sysv")).value(), machine::GestaltResponse(0x1049u));
+  EXPECT_EQ(volume->Names().ComputerName().value(), "Ann's Mac");
+  EXPECT_EQ(volume->Names().HostName().value(), "anns-mac");
+  EXPECT_TRUE(volume->Files().Space("/"));
+  EXPECT_EQ(volume->Clock().MicrosecondsSince1970().absence().where, "not recorded");
+  EXPECT_EQ(volume->Environment().VariableNames().outcome(), Outcome::kAbsent);
+  if (!std::filesystem::exists("/usr/share/zoneinfo/Europe/Berlin")) GTEST_SKIP() << "no zones";
+  EXPECT_EQ(volume->Zone().CurrentZone()->name, "Europe/Berlin");
+  EXPECT_EQ(volume->Zone().CurrentZone()->rules->At(1720000000).from_utc, 7200);
+}
+
+}  // namespace

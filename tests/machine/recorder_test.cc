@@ -1,0 +1,245 @@
+#include "machine/capture/recorder.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <cerrno>
+
+#include "frameworks/CoreFoundation/recorded_facts.h"
+#include "machine/capture/capture.h"
+#include "tests/machine/apple_double_text.h"
+#include "tests/machine/machine_text.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+using machine::Fork;
+using machine::Links;
+using machine::Outcome;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+using MachinePointer = std::shared_ptr<machine::Machine const>;
+
+MachinePointer Opened(std::string const& folder, std::string const& user = {}) {
+  auto const capture = machine::OpenCapture(folder, {user}, &ReadRecordedFacts);
+  EXPECT_TRUE(capture) << machine::CaptureMessage(capture.absence());
+  return capture ? *capture : nullptr;
+}
+
+// A machine that owns nothing of what it is given, for those on the stack.
+MachinePointer Borrowed(machine::Machine const& machine) {
+  return MachinePointer(MachinePointer(), &machine);
+}
+
+void FillIn(ScriptedMachine& script) {
+  script.microseconds = 1'700'000'000'123'456;
+  script.boot_seconds = 1'699'999'000;
+  script.SetZone("Somewhere", "CET-1CEST,M3.5.0,M10.5.0/3");
+  script.environment = {{"HOME", "/home/ann"}, {"ODD\xFF", "a\x01"}, {"EMPTY", ""}, {"A%41", "x"}};
+  script.host_name = "box.example";
+  script.computer_name = "Ann\xE2\x80\x99s box\xFF";
+  script.host_identifier = "0123";
+  script.platform = machine::Platform::kMacOS;
+  script.version = {{"ProductName", "Mac OS X"}, {"ProductVersion", "10.4.9"}};
+  script.kernel_release = "8.9.1";
+  script.current_user = "ann";
+  script.current_home = "/home/elsewhere";
+  script.homes = {{"ann", "/home/ann"}, {"\xFF/", "/odd"}};
+  script.physical_bytes = std::uint64_t{3} << 30;
+  script.swap_bytes = UINT64_MAX;
+  script.online_processors = 2;
+  script.architecture = machine::Architecture::kPowerPC;
+  script.power_pc_version = 0x00390202;
+  script.megahertz = 2000;
+  script.usb_release = 0x0200;
+  script.product_name = "PowerMac7,2";
+  script.AddProcess(1, "launchd");
+  script.AddProcess(77, "odd\nname\xFF");
+  script.gestalt = {{"mach", 406u}, {"odd\xC4", std::string("text\0", 5)}};
+}
+
+struct Script {
+  char const* name;
+  void (*fill_in)(ScriptedMachine&);
+};
+
+TEST(Recorder, EverythingComesBackAsItWas) {
+  Script const scripts[] = {
+      {"full", FillIn},
+      {"nothing", [](ScriptedMachine&) {}},
+      {"refused", [](ScriptedMachine& script) { script.reason = Outcome::kPermissionRefused; }},
+  };
+  for (Script const& row : scripts) {
+    ScriptedMachine script;
+    row.fill_in(script);
+    RecordedTree tree;
+    machine::Recorder recorder(Borrowed(script));
+    recorder.RecordEverything();
+    // What is asked by name is recorded when it is asked.
+    std::string const expected = FactsText(*recorder.RecordingMachine());
+    EXPECT_EQ(expected, FactsText(script)) << row.name;
+    ASSERT_TRUE(recorder.Write(tree.At("/first"), &WriteRecordedFacts)) << row.name;
+    auto const capture = Opened(tree.At("/first"));
+    EXPECT_EQ(FactsText(*capture), expected) << row.name;
+
+    machine::Recorder again(capture);
+    again.RecordEverything();
+    FactsText(*again.RecordingMachine());
+    ASSERT_TRUE(again.Write(tree.At("/second"), &WriteRecordedFacts)) << row.name;
+    EXPECT_EQ(FactsText(*Opened(tree.At("/second"))), expected) << row.name;
+  }
+}
+
+TEST(Recorder, OfTheLiveMachineAnswersLikeIt) {
+  RecordedTree tree;
+  machine::Recorder recorder(machine::MakeLiveMachine());
+  recorder.RecordEverything();
+  auto const live = recorder.RecordingMachine();
+  std::vector<std::string> const paths = {"/",         "/etc/passwd",    "/proc/version",
+                                          "/dev/null", "/proc/self/exe", "/no/such/item"};
+  std::string const files = FilesText(live->Files(), paths);
+  ASSERT_TRUE(recorder.Write(tree.At("/capture"), &WriteRecordedFacts));
+  auto const capture = Opened(tree.At("/capture"));
+  EXPECT_EQ(FilesText(capture->Files(), paths), files);
+  EXPECT_EQ(capture->Environment().VariableNames().value(),
+            live->Environment().VariableNames().value());
+  EXPECT_EQ(capture->Names().HostName().value(), live->Names().HostName().value());
+  EXPECT_EQ(capture->Users().CurrentHome().value(), live->Users().CurrentHome().value());
+  EXPECT_EQ(capture->Processes().ProcessWithPid(1)->name,
+            std::string(live->Processes().ProcessWithPid(1)->name));
+  EXPECT_THAT(*capture->System().Version(),
+              testing::UnorderedElementsAreArray(*live->System().Version()));
+}
+
+// Attributes are tried where the disk has them.
+void MakeFiles(RecordedTree const& tree) {
+  tree.Write("/folder/file", "0123456789");
+  tree.Write("/folder/deep/er/odd%\xFF\n", "odd");
+  tree.Write("/folder/._file", AppleDoubleText({{9, std::string(32, 'F')}, {2, "resource"}}));
+  tree.Write("/attributes/file", "data");
+  ::setxattr(tree.At("/attributes/file").c_str(), "user.com.apple.FinderInfo", "TEXTttxt", 8, 0);
+  ::setxattr(tree.At("/attributes/file").c_str(), "user.com.apple.ResourceFork", "fork", 4, 0);
+  ::setxattr(tree.At("/attributes").c_str(), "user.com.apple.FinderInfo", "folder", 6, 0);
+  tree.Link("/folder/link", "../attributes/./file");
+  tree.Link("/folder/way", "/folder/deep");
+  tree.Link("/folder/out", "../../../../../../etc/passwd");
+  tree.Link("/folder/loop", "loop");
+  tree.Write("/etc/passwd", "root:x:0:0::/:/bin/sh\nann:x:7:7::/home/ann:\n");
+  ::mkfifo(tree.At("/pipe").c_str(), 0600);
+  ::chmod(tree.At("/folder/file").c_str(), 0444);
+}
+
+TEST(Recorder, FilesComeBackAsTheyWere) {
+  RecordedTree tree, captures;
+  MakeFiles(tree);
+  std::vector<std::string> const paths = {
+      "/",           "/folder/",          "/folder/file",         "/folder/link",
+      "/folder/way", "/folder/way/er",    "/folder/way/../file",  "/folder/deep/er/odd%\xFF\n",
+      "/folder/out", "/folder/loop",      "/folder/loop/x",       "/folder/file/x",
+      "/pipe",       "/attributes",       "/attributes/file",     "/none/x",
+      "/none",       "/../folder/._file", std::string("/a\0b", 4)};
+  MachinePointer asked = tree.Machine();
+  FilesText(asked->Files(), paths);  // moves the times of access, the first time only
+  std::string expected;
+  for (std::string const name : {"/first", "/second"}) {
+    machine::Recorder recorder(asked);
+    std::string const text = FilesText(recorder.RecordingMachine()->Files(), paths);
+    if (expected.empty()) expected = text;
+    ASSERT_TRUE(recorder.Write(captures.At(name), &WriteRecordedFacts));
+    EXPECT_THAT(recorder.LeftOut(), ElementsAre());
+    asked = Opened(captures.At(name));
+    EXPECT_EQ(FilesText(asked->Files(), paths), expected) << name;
+  }
+  EXPECT_THAT(expected, HasSubstr("\"resource\""));
+  EXPECT_EQ(std::filesystem::read_symlink(captures.At("/second/root/folder/link")),
+            "../attributes/./file");
+  EXPECT_FALSE(std::filesystem::exists(captures.At("/second/root/pipe")));
+}
+
+TEST(Recorder, WhatWasNotAskedIsNotRecorded) {
+  RecordedTree tree, captures;
+  MakeFiles(tree);
+  ScriptedMachine script;
+  FillIn(script);
+  auto const files = tree.Machine();
+  script.files = {files, &files->Files()};
+  machine::Recorder recorder(Borrowed(script));
+  auto const asked = recorder.RecordingMachine();
+  asked->Environment().Variable("HOME");
+  asked->Processes().ProcessWithPid(77);
+  asked->Files().Status("/folder/file", Links::kFollow);
+  {
+    auto const folder = asked->Files().OpenFolder("/attributes");
+    while (*(*folder)->Next(machine::Detail::kKind) != nullptr) continue;
+  }
+  ASSERT_TRUE(recorder.Write(captures.At("/capture"), &WriteRecordedFacts));
+  auto const capture = Opened(captures.At("/capture"));
+  EXPECT_EQ(capture->Environment().Variable("HOME").value(), "/home/ann");
+  EXPECT_EQ(capture->Environment().Variable("EMPTY").absence().where, "not recorded");
+  EXPECT_EQ(capture->Environment().VariableNames().absence().where, "not recorded");
+  EXPECT_EQ(capture->Processes().ProcessWithPid(77)->pid, 77);
+  EXPECT_EQ(capture->Processes().ProcessWithPid(1).absence().where, "not recorded");
+  EXPECT_EQ(capture->Processes().AllProcesses().absence().where, "not recorded");
+  EXPECT_EQ(capture->Names().HostName().absence().where, "not recorded");
+
+  machine::FileSource const& copies = capture->Files();
+  EXPECT_EQ(copies.Status("/folder/file", Links::kFollow)->bytes, 10u);
+  EXPECT_EQ(std::filesystem::file_size(captures.At("/capture/root/folder/file")), 10u);
+  machine::Absence const absences[] = {
+      copies.Describe("/folder/file", Links::kFollow).absence(),
+      copies.ReadFile("/folder/file", 100).absence(),
+      copies.Status("/folder/link", Links::kKeep).absence(),
+      copies.OpenFolder("/folder").absence(),
+      copies.Status("/attributes/file", Links::kKeep).absence(),
+      copies.Space("/folder/file").absence(),
+      copies.UserName(0).absence(),
+  };
+  for (machine::Absence const& absence : absences) EXPECT_EQ(absence.where, "not recorded");
+  EXPECT_EQ(copies.Status("/attributes/none", Links::kKeep).absence().where, "");
+}
+
+TEST(Recorder, ContentsStayWithinTheLimit) {
+  RecordedTree tree, captures;
+  tree.Write("/a", "12345");
+  tree.Write("/b", "1234567");
+  tree.Write("/c", "123");
+  machine::Recorder recorder(tree.Machine(), {.content_bytes = 8, .items = 4});
+  auto const asked = recorder.RecordingMachine();
+  for (char const* path : {"/a", "/b", "/c", "/a", "/d", "/e"}) {
+    auto const file = asked->Files().OpenFork(path, Fork::kData, machine::Access::kRead);
+    char byte = 0;
+    EXPECT_EQ(file && (*file)->ReadAt(0, &byte, 1).value() == 1, path[1] < 'd') << path;
+  }
+  EXPECT_THAT(recorder.LeftOut(), ElementsAre("/b"));
+  ASSERT_TRUE(recorder.Write(captures.At("/capture"), &WriteRecordedFacts));
+  auto const capture = Opened(captures.At("/capture"));
+  EXPECT_EQ(capture->Files().ReadFile("/a", 100).value(), "12345");
+  EXPECT_EQ(capture->Files().ReadFile("/c", 100).value(), "123");
+  EXPECT_EQ(capture->Files().ReadFile("/b", 100).absence().where,
+            "not recorded: larger than 8 bytes in all");
+  EXPECT_EQ(capture->Files().Status("/b", Links::kKeep)->bytes, 7u);
+  EXPECT_EQ(capture->Files().Status("/e", Links::kKeep).absence().where, "not recorded");
+}
+
+TEST(Recorder, WritesNowhereButIntoAnEmptyFolder) {
+  RecordedTree tree;
+  ScriptedMachine script;
+  machine::Recorder const recorder(Borrowed(script));
+  tree.Write("/full/file", "");
+  tree.Write("/file", "");
+  EXPECT_EQ(recorder.Write(tree.At("/full"), &WriteRecordedFacts).absence().error, ENOTEMPTY);
+  EXPECT_EQ(recorder.Write(tree.At("/file"), &WriteRecordedFacts).absence().error, ENOTDIR);
+  EXPECT_EQ(recorder.Write(tree.At("/no/such"), &WriteRecordedFacts).absence().error, ENOENT);
+  auto const fail = [](machine::Record const&) -> machine::Fact<std::string> {
+    return machine::Absence{Outcome::kMalformed, "writer", "failed"};
+  };
+  EXPECT_EQ(recorder.Write(tree.At("/broken"), fail).absence().where, "failed");
+  auto const broken = machine::OpenCapture(tree.At("/broken"), {}, &ReadRecordedFacts);
+  EXPECT_THAT(machine::CaptureMessage(broken.absence()), HasSubstr("broken off"));
+}
+
+}  // namespace
