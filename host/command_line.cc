@@ -14,6 +14,8 @@ namespace {
 constexpr char kHelpEnd[] = R"(Commands:
   vocabulary [WORDS]          lists what can be asked: every registration whose name
                               has the words, or all of a type (--type)
+  capture FOLDER              writes what the machine answers into a folder, to be asked with
+                              --machine FOLDER; all that is known, or what expressions need (--for)
 
 With no expression, expressions are read from standard input, one a line. "--" ends the options
 and commands, so that an expression may begin with "-" or be called "vocabulary".
@@ -24,69 +26,120 @@ Exit status: 0 answered, 1 no such object or another failure, 2 expression or us
 Settings are read from /etc/gatotu/settings.ini, then $XDG_CONFIG_HOME/gatotu/settings.ini, then
 from --setting.)";
 
-// Two lines of usage, since what follows the options is told apart by us.
+// The usage, since what follows the options is told apart by us.
 class HelpFormatter final : public CLI::Formatter {
  public:
   HelpFormatter() { column_width(36); }
   std::string make_usage(CLI::App const*, std::string) const override {
-    return "Usage: gatotu [OPTIONS] EXPRESSION...\n       gatotu [OPTIONS] vocabulary [WORDS]\n";
+    return "Usage: gatotu [OPTIONS] EXPRESSION...\n"
+           "       gatotu [OPTIONS] vocabulary [WORDS]\n"
+           "       gatotu [OPTIONS] capture FOLDER [--for EXPRESSION...]\n";
   }
 };
+
+using Command = CommandLine::Command;
 
 // The texts of options, still to be understood.
 struct Raw {
   std::string format = "text";
   std::string time_limit = "30s";
+  std::string most_bytes;
+  std::vector<std::string> capture_expressions;
 };
 
-// Options that go with one of the two commands only.
-struct OwnOptions {
-  std::vector<CLI::Option*> ask;
-  std::vector<CLI::Option*> vocabulary;
+// An option that not every command has, with those that have it.
+struct OwnOption {
+  CLI::Option* option;
+  std::vector<Command> commands;
 };
 
-OwnOptions Describe(CLI::App& app, CommandLine& line, Raw& raw) {
-  OwnOptions own;
+std::vector<OwnOption> DescribeOwnOptions(CLI::App& app, CommandLine& line, Raw& raw) {
+  std::vector<Command> const ask = {Command::kAsk};
+  std::vector<Command> const ask_and_capture = {Command::kAsk, Command::kCapture};
+  std::vector<Command> const capture = {Command::kCapture};
+  return {
+      {app.add_option("--machine", line.machine, "the machine to ask: live, or a capture's folder")
+           ->type_name("live|FOLDER"),
+       ask_and_capture},
+      {app.add_option("--user", line.user, "whose home ~ is on a capture")->type_name("NAME"),
+       ask_and_capture},
+      {app.add_option("--format", raw.format, "text, json, csv or tsv")->type_name("FORMAT"),
+       {Command::kAsk, Command::kVocabulary}},
+      {app.add_option("--file", line.file, "read expressions from a file, one a line; - is stdin")
+           ->type_name("FILE"),
+       ask_and_capture},
+      {app.add_option("--time-limit", raw.time_limit,
+                      "end an evaluation after this long (30s, 500ms, 2m; 0: never)")
+           ->type_name("DURATION"),
+       ask_and_capture},
+      {app.add_flag("--check", line.ask.check_only, "compile only"), ask},
+      {app.add_flag("--explain", line.ask.explain, "show the typed tree instead of evaluating"),
+       ask},
+      {app.add_flag("--evidence", line.ask.evidence, "show the sources that an answer rests on"),
+       ask},
+      {app.add_flag("--timing", line.ask.timing, "show the time taken"), ask},
+      {app.add_option("--type", line.vocabulary.type, "vocabulary: what can be asked of a type")
+           ->type_name("TYPE"),
+       {Command::kVocabulary}},
+      {app.add_option("--for", raw.capture_expressions,
+                      "capture: only what these expressions need; repeatable")
+           ->type_name("EXPRESSION..."),
+       capture},
+      {app.add_option("--limit-bytes", raw.most_bytes,
+                      "capture: most bytes of files' contents together (64M)")
+           ->type_name("SIZE"),
+       capture},
+  };
+}
+
+std::vector<OwnOption> Describe(CLI::App& app, CommandLine& line, Raw& raw) {
   app.description("Answers questions about a machine, asked as short expressions.");
   app.formatter(std::make_shared<HelpFormatter>());
   app.footer(kHelpEnd);
   app.allow_extras();
   app.set_version_flag("--version", "gatotu " GATOTU_VERSION);
-  app.add_option("--format", raw.format, "text, json, csv or tsv")->type_name("FORMAT");
   app.add_option("--setting", line.settings, "set an item, over the settings files; repeatable")
       ->type_name("SECTION:NAME=VALUE")
       ->allow_extra_args(false);
   app.add_option("--plug-in", line.plug_ins, "load a further plug-in; repeatable")
       ->type_name("FILE")
       ->allow_extra_args(false);
-  own.ask = {
-      app.add_option("--machine", line.machine, "the machine to ask: live, or a capture's folder")
-          ->type_name("live|FOLDER"),
-      app.add_option("--file", line.file, "read expressions from a file, one a line; - is stdin")
-          ->type_name("FILE"),
-      app.add_option("--time-limit", raw.time_limit,
-                     "end an evaluation after this long (30s, 500ms, 2m; 0: never)")
-          ->type_name("DURATION"),
-      app.add_flag("--check", line.ask.check_only, "compile only"),
-      app.add_flag("--explain", line.ask.explain, "show the typed tree instead of evaluating"),
-      app.add_flag("--evidence", line.ask.evidence, "show the sources that an answer rests on"),
-      app.add_flag("--timing", line.ask.timing, "show the time taken"),
-  };
-  own.vocabulary = {
-      app.add_option("--type", line.vocabulary.type, "vocabulary: what can be asked of a type")
-          ->type_name("TYPE"),
-  };
-  return own;
+  return DescribeOwnOptions(app, line, raw);
 }
 
 Farewell Refuse(std::string text) {
   return {std::move(text) + "; see gatotu --help", ExitStatus::kRefused};
 }
 
-std::optional<Farewell> RefuseForeign(std::vector<CLI::Option*> const& options, char const* why) {
-  for (CLI::Option const* option : options) {
-    if (option->count() > 0) return Refuse(option->get_name() + why);
+std::string_view NameOf(Command command) {
+  switch (command) {
+    case Command::kAsk:
+      return "";
+    case Command::kVocabulary:
+      return "vocabulary";
+    case Command::kCapture:
+      return "capture";
   }
+  return {};
+}
+
+std::optional<Farewell> RefuseForeign(std::vector<OwnOption> const& options, Command command) {
+  for (auto const& [option, commands] : options) {
+    bool const is_own = std::find(commands.begin(), commands.end(), command) != commands.end();
+    if (option->count() == 0 || is_own) continue;
+    // What cannot be asked with belongs to one command alone.
+    std::string const why = command == Command::kAsk
+                                ? " goes with " + std::string(NameOf(commands.front())) + " only"
+                                : " does not go with " + std::string(NameOf(command));
+    return Refuse(option->get_name() + why);
+  }
+  return std::nullopt;
+}
+
+std::optional<Farewell> TakeFolder(CommandLine& line, std::vector<std::string> const& words) {
+  if (words.empty()) return Refuse("capture: name the folder to write, before --for");
+  if (words.size() > 1) return Refuse("capture: one folder; expressions stand behind --for");
+  line.capture.folder = words.front();
   return std::nullopt;
 }
 
@@ -95,12 +148,20 @@ std::optional<Farewell> TakeWords(CommandLine& line, std::vector<std::string> wo
   for (std::string const& word : words) {
     if (word.size() > 1 && word.front() == '-') return Refuse("unknown option " + word);
   }
-  if (words.empty() || words.front() != "vocabulary") {
-    line.expressions = std::move(words);
-    return std::nullopt;
+  for (Command const command : {Command::kVocabulary, Command::kCapture}) {
+    if (!words.empty() && words.front() == NameOf(command)) line.command = command;
   }
-  line.command = CommandLine::Command::kVocabulary;
-  line.vocabulary.words.assign(std::next(words.begin()), words.end());
+  if (line.command != Command::kAsk) words.erase(words.begin());
+  switch (line.command) {
+    case Command::kAsk:
+      line.expressions = std::move(words);
+      break;
+    case Command::kVocabulary:
+      line.vocabulary.words = std::move(words);
+      break;
+    case Command::kCapture:
+      return TakeFolder(line, words);
+  }
   return std::nullopt;
 }
 
@@ -117,12 +178,19 @@ std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
                                          [&](Name const& each) { return each.name == raw.format; });
   if (named == std::end(kFormats)) return Refuse("--format: there is no format " + raw.format);
   line.format = named->format;
-  if (line.command == CommandLine::Command::kVocabulary && line.format == Format::kCsv) {
+  if (line.command == Command::kVocabulary && line.format == Format::kCsv) {
     return Refuse("--format: the vocabulary is written as text, json or tsv");
   }
   auto const limit = ParseDuration(raw.time_limit);
   if (!limit) return Refuse("--time-limit: " + raw.time_limit + " is not a duration such as 30s");
   line.ask.time_limit = *limit;
+  if (line.machine == "live" && !line.user.empty()) {
+    return Refuse("--user: on the live machine ~ is the home of the user who asks");
+  }
+  if (raw.most_bytes.empty()) return std::nullopt;
+  auto const size = ParseByteSize(raw.most_bytes);
+  if (!size) return Refuse("--limit-bytes: " + raw.most_bytes + " is not a size such as 64M");
+  line.capture.most_bytes = *size;
   return std::nullopt;
 }
 
@@ -130,7 +198,7 @@ std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
 std::optional<Farewell> ReadOptions(CommandLine& line, std::vector<std::string> arguments) {
   CLI::App app;
   Raw raw;
-  OwnOptions const own = Describe(app, line, raw);
+  auto const own = Describe(app, line, raw);
   std::reverse(arguments.begin(), arguments.end());
   try {
     app.parse(std::move(arguments));
@@ -142,10 +210,8 @@ std::optional<Farewell> ReadOptions(CommandLine& line, std::vector<std::string> 
     return Refuse(error.what());
   }
   if (auto refusal = TakeWords(line, app.remaining())) return refusal;
-  bool const is_vocabulary = line.command == CommandLine::Command::kVocabulary;
-  auto refusal = is_vocabulary ? RefuseForeign(own.ask, " does not go with vocabulary")
-                               : RefuseForeign(own.vocabulary, " goes with vocabulary only");
-  if (refusal) return refusal;
+  if (auto refusal = RefuseForeign(own, line.command)) return refusal;
+  if (line.command == Command::kCapture) line.expressions = std::move(raw.capture_expressions);
   return Understand(line, raw);
 }
 
@@ -160,9 +226,9 @@ std::variant<CommandLine, Farewell> ReadCommandLine(int argc, char const* const*
 
   CommandLine line;
   if (auto farewell = ReadOptions(line, std::move(arguments))) return *farewell;
-  auto& words =
-      line.command == CommandLine::Command::kVocabulary ? line.vocabulary.words : line.expressions;
+  auto& words = line.command == Command::kVocabulary ? line.vocabulary.words : line.expressions;
   std::move(literal.begin(), literal.end(), std::back_inserter(words));
+  line.capture.is_for_expressions = !line.expressions.empty() || !line.file.empty();
   return line;
 }
 

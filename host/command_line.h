@@ -7,23 +7,26 @@
 
 #include "host/answer_writer.h"
 #include "host/asker.h"
+#include "host/capture_request.h"
 #include "host/exit_status.h"
 #include "host/vocabulary_command.h"
 
 namespace gatotu::host {
 
 struct CommandLine {
-  enum class Command { kAsk, kVocabulary };
+  enum class Command { kAsk, kVocabulary, kCapture };
 
   Command command = Command::kAsk;
   std::string machine = "live";
+  std::string user;  // whose "~" a capture means; empty for the one it names
   Format format = Format::kText;
   std::vector<std::string> settings;  // SECTION:NAME=VALUE
   std::vector<std::string> plug_ins;  // files
   AskOptions ask;
-  std::vector<std::string> expressions;
-  std::string file;  // of expressions; empty for none, "-" for standard input
+  std::vector<std::string> expressions;  // to answer, or to capture for
+  std::string file;                      // of expressions; empty for none, "-" for standard input
   VocabularyQuery vocabulary;
+  CaptureRequest capture;
 };
 
 // Nothing more to do: what to print, and how to end.

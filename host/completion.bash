@@ -5,6 +5,7 @@ _gatotu() {
   case $previous in
     --format) COMPREPLY=($(compgen -W $'text\njson\ncsv\ntsv' -- "$current")) ;;
     --file | --plug-in) COMPREPLY=($(compgen -f -- "$current")) ;;
+    capture) COMPREPLY=($(compgen -d -- "$current")) ;;
     --machine) COMPREPLY=($(compgen -W live -- "$current") $(compgen -d -- "$current")) ;;
     --type)
       COMPREPLY=($(compgen -W "$(gatotu vocabulary --format tsv 2>/dev/null |
@@ -13,9 +14,9 @@ _gatotu() {
       ;;
     *)
       case $current in
-        -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--format\n--help
---machine\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--version' -- "$current")) ;;
-        *) [ "$COMP_CWORD" -eq 1 ] && COMPREPLY=($(compgen -W vocabulary -- "$current")) ;;
+        -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--for\n--format\n--help
+--limit-bytes\n--machine\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--user\n--version' -- "$current")) ;;
+        *) [ "$COMP_CWORD" -eq 1 ] && COMPREPLY=($(compgen -W $'capture\nvocabulary' -- "$current")) ;;
       esac
       ;;
   esac

@@ -11,19 +11,6 @@ namespace {
 constexpr std::size_t kFlushSize = std::size_t{1} << 20;
 constexpr std::chrono::milliseconds kFlushInterval{250};
 
-// Bytes that a terminal would act on are shown as escapes.
-void AppendShown(std::string& out, std::string_view text) {
-  constexpr char kHex[] = "0123456789abcdef";
-  for (char const c : text) {
-    auto const byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7f) {
-      out += {'\\', 'x', kHex[byte >> 4U], kHex[byte & 15U]};
-    } else {
-      out += c;
-    }
-  }
-}
-
 }  // namespace
 
 void Output::Write(std::string_view bytes) {
@@ -44,6 +31,18 @@ void Output::Flush() {
   }
   buffer_.clear();
   last_flush_ = Clock::now();
+}
+
+void AppendShown(std::string& out, std::string_view text) {
+  constexpr char kHex[] = "0123456789abcdef";
+  for (char const c : text) {
+    auto const byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7f) {
+      out += {'\\', 'x', kHex[byte >> 4U], kHex[byte & 15U]};
+    } else {
+      out += c;
+    }
+  }
 }
 
 void Complain(std::string_view message) {

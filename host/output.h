@@ -32,6 +32,9 @@ class Output {
   Clock::time_point last_flush_ = Clock::now();
 };
 
+// Bytes that a terminal would act on become escapes.
+void AppendShown(std::string& out, std::string_view text);
+
 // One message of the command itself, "gatotu: MESSAGE" with a line feed, to standard error.
 void Complain(std::string_view message);
 

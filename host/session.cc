@@ -6,11 +6,14 @@
 #include <cstring>
 #include <optional>
 
+#include "host/capture_command.h"
 #include "host/expression_file.h"
 #include "host/expression_lines.h"
 #include "host/host_context.h"
+#include "host/machine_choice.h"
 #include "host/plug_ins.h"
 #include "host/settings.h"
+#include "machine/capture/capture.h"
 
 namespace gatotu::host {
 namespace {
@@ -124,11 +127,13 @@ class Conversation {
 ExitStatus Run(CommandLine const& line) {
   Settings settings;
   if (auto const failure = ReadSettings(line, settings)) return Refuse(*failure);
-  if (line.machine != "live") {
-    Complain(line.machine +
-             ": captures cannot be read by this version; only \"live\" can be asked");
+  auto opened = OpenMachine(line.machine, line.user);
+  if (!opened) {
+    Complain(machine::CaptureMessage(opened.absence()));
     return ExitStatus::kUnusable;
   }
+  std::shared_ptr<machine::Machine const> machine = std::move(opened).value();
+  machine::SetCurrentMachine(machine);
 
   HostContext context(settings);
   PlugIns plug_ins;
@@ -141,7 +146,9 @@ ExitStatus Run(CommandLine const& line) {
     return ExitStatus::kAnswered;
   }
   SetInspectorContext(&context);
-  ExitStatus const status = Conversation(line).Hold();
+  ExitStatus const status = line.command == CommandLine::Command::kCapture
+                                ? Capture(line, std::move(machine))
+                                : Conversation(line).Hold();
   SetInspectorContext(nullptr);
   return status;
 }

@@ -2,11 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/child_process.h"
+#include "tests/host/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {
@@ -55,9 +54,13 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"NoSuchFormat", {"--format", "xml", "1"}, "", "", HasSubstr("xml"), 2},
         Case{"NoDuration", {"--time-limit", "soon", "1"}, "", "", HasSubstr("soon"), 2},
         Case{"BrokenSetting", {"--setting", "x", "1"}, "", "", HasSubstr("SECTION:NAME=VALUE"), 2},
-        Case{
-            "Capture", {"--machine", "/tmp", "1"}, "", "", HasSubstr("captures cannot be read"), 4},
         Case{"ForeignOption", {"--check", "vocabulary"}, "", "", HasSubstr("--check"), 2},
+        Case{"NoFolder", {"capture"}, "", "", HasSubstr("name the folder"), 2},
+        Case{"TwoFolders", {"capture", "a", "b"}, "", "", HasSubstr("one folder"), 2},
+        Case{"ForeignToCapture", {"capture", "a", "--timing"}, "", "", HasSubstr("--timing"), 2},
+        Case{"OfCaptureOnly", {"1", "--for", "2"}, "", "", HasSubstr("with capture only"), 2},
+        Case{"NoSize", {"capture", "a", "--limit-bytes", "9E"}, "", "", HasSubstr("9E"), 2},
+        Case{"UserOfLive", {"--user", "x", "1"}, "", "", HasSubstr("--user"), 2},
         Case{"NoPlugIn", {"--plug-in", "/no/such.so", "1"}, "", "", HasSubstr("/no/such.so"), 2},
         Case{"Check", {"--check", "1 / 0"}, "", "", "", 0},
         Case{"CheckRefuses", {"--check", "1 +"}, "", "", StartsWith("error: "), 2},
@@ -135,25 +138,18 @@ TEST(Evidence, StandsBesideTheAnswer) {
 
 class SettingsFile : public testing::Test {
  protected:
-  SettingsFile() {
-    std::string pattern = testing::TempDir() + "gatotuXXXXXX";
-    folder_ = ::mkdtemp(pattern.data());
-    std::filesystem::create_directory(folder_ / "gatotu");
-  }
-  ~SettingsFile() override { std::filesystem::remove_all(folder_); }
-
   ProcessResult With(std::string const& content, std::vector<std::string> arguments) {
-    std::ofstream(folder_ / "gatotu/settings.ini") << content;
-    return RunCommand({.arguments = std::move(arguments),
-                       .environment = {"XDG_CONFIG_HOME=" + folder_.string()}});
+    folder_.Write("gatotu/settings.ini", content);
+    return RunCommand(
+        {.arguments = std::move(arguments), .environment = {"XDG_CONFIG_HOME=" + folder_.Path()}});
   }
 
-  std::filesystem::path folder_;
+  TemporaryFolder folder_;
 };
 
 TEST_F(SettingsFile, ABrokenOneIsOneMessageWithFileAndLine) {
   ProcessResult const run = With("[Client]\nnonsense\n", {"1"});
-  EXPECT_EQ(run.errors, "gatotu: " + folder_.string() +
+  EXPECT_EQ(run.errors, "gatotu: " + folder_.Path() +
                             "/gatotu/settings.ini:2: expected [Section] or name = value\n");
   EXPECT_EQ(run.output, "");
   EXPECT_EQ(run.status, 2);

@@ -3,13 +3,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "host/property_list_json.h"
 #include "tests/host/child_process.h"
+#include "tests/host/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {
@@ -105,15 +104,9 @@ TEST(PropertyListJson, GoesAsDeepAsTheList) {
 
 class ListFile : public testing::Test {
  protected:
-  ListFile() {
-    std::string pattern = std::filesystem::temp_directory_path() / "gatotu-list-XXXXXX";
-    folder_ = ::mkdtemp(pattern.data());
-  }
-  ~ListFile() override { std::filesystem::remove_all(folder_); }
-
   // `EXPRESSION of file "..."` in JSON.
   nlohmann::json Ask(std::string const& expression, std::string const& name) const {
-    std::string const path = folder_ / name;
+    std::string const path = folder_.Path(name);
     std::string const text = expression + " of file \"" + path + "\"";
     Launch launch;
     launch.arguments = {"--format", "json", text};
@@ -123,10 +116,10 @@ class ListFile : public testing::Test {
     return nlohmann::json::parse(run.output);
   }
   void Write(std::string const& name, std::string const& content) const {
-    std::ofstream(folder_ / name) << content;
+    folder_.Write(name, content);
   }
 
-  std::filesystem::path folder_;
+  TemporaryFolder folder_;
 };
 
 constexpr char kPython[] = R"python(
@@ -156,9 +149,9 @@ TEST_F(ListFile, ComesOutAsPythonWroteIt) {
   Write("make.py", kPython);
   Launch launch;
   launch.program = "python3";
-  launch.arguments = {folder_ / "make.py", folder_};
+  launch.arguments = {folder_.Path("make.py"), folder_.Path()};
   if (RunCommand(launch).status != 0) GTEST_SKIP() << "no python3 with plistlib here";
-  nlohmann::json const expected = nlohmann::json::parse(std::ifstream(folder_ / "expected"));
+  nlohmann::json const expected = nlohmann::json::parse(std::ifstream(folder_.Path("expected")));
   for (std::string const name : {"xml", "binary"}) {
     EXPECT_EQ(Ask("dictionary", name)["values"][0], expected) << name;
     nlohmann::json const as_text = Ask("(it as json) of dictionary", name)["values"][0];
@@ -186,7 +179,7 @@ TEST_F(ListFile, HasNoTextButJson) {
   }
   EXPECT_EQ(Ask("entry of dictionary", "list")["error"]["code"], "not-showable");
 
-  std::string const path = folder_ / "list";
+  std::string const path = folder_.Path("list");
   ProcessResult const run = Gatotu({"dictionary of file \"" + path + "\""});
   EXPECT_THAT(run.errors, AllOf(HasSubstr("a dictionary cannot be shown as text"),
                                 HasSubstr("as: json"), HasSubstr("entry")));
@@ -205,7 +198,7 @@ TEST_F(ListFile, ThatIsNoneSaysWhy) {
     EXPECT_THAT(answer["error"]["message"].get<std::string>(),
                 HasSubstr("DictionaryCreateFromXMLDataFailed"));
     EXPECT_THAT(answer["error"]["reasons"].dump(),
-                AllOf(HasSubstr(folder_ / "bad"), HasSubstr(row.source)));
+                AllOf(HasSubstr(folder_.Path("bad")), HasSubstr(row.source)));
   }
 }
 
@@ -238,7 +231,7 @@ TEST_F(ListFile, WhoseSharingIsEndlessIsRefusedClearly) {
   EXPECT_THAT(Ask("(it as json) of array", "list")["error"]["message"].get<std::string>(),
               HasSubstr("268435456 bytes"));
 
-  std::string const text = "array of file \"" + (folder_ / "list").string() + "\"";
+  std::string const text = "array of file \"" + folder_.Path("list") + "\"";
   auto const run = Gatotu({"--format", "json", "--time-limit", "50ms", text});
   EXPECT_EQ(nlohmann::json::parse(run.output)["error"]["code"], "time-limit");
   EXPECT_EQ(run.status, 3);

@@ -1,0 +1,145 @@
+#include "host/capture_command.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "frameworks/CoreFoundation/recorded_facts.h"
+#include "host/output.h"
+#include "host/recorded_expressions.h"
+#include "host/time_limit.h"
+#include "machine/capture/capture.h"
+#include "machine/capture/recorder.h"
+
+namespace gatotu::host {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Looked at before anything is asked, since that may take long. The answer is what is wrong.
+std::optional<std::string> WhyUnfit(std::string const& folder) {
+  std::error_code error;
+  fs::file_status const status = fs::status(folder, error);
+  if (status.type() == fs::file_type::not_found) {
+    fs::path const above = fs::absolute(folder + "/..", error).lexically_normal();
+    if (::access(above.c_str(), W_OK | X_OK) == 0) return std::nullopt;
+    return folder + ": " + std::strerror(errno);
+  }
+  if (error) return folder + ": " + error.message();
+  if (status.type() != fs::file_type::directory) return folder + ": exists and is no folder";
+  bool const is_empty = fs::is_empty(folder, error);
+  if (error) return folder + ": " + error.message();
+  if (!is_empty) return folder + ": not empty; a capture wants a new or an empty folder";
+  if (::access(folder.c_str(), W_OK | X_OK) != 0) return folder + ": " + std::strerror(errno);
+  return std::nullopt;
+}
+
+// What is done outside of evaluations, under the same limit.
+class LimitedWork {
+ public:
+  LimitedWork(CommandLine const& line, std::string when_stopped)
+      : when_stopped_(std::move(when_stopped)),
+        watchdog_(line.ask.time_limit, [this] { Leave(); }) {}
+
+  // False when it was to stop meanwhile, which has been said.
+  bool Do(FunctionRef<void()> work) {
+    watchdog_.Begin();
+    work();
+    watchdog_.End();
+    if (watchdog_.HasAskedToStop()) SayStopped();
+    return !watchdog_.HasAskedToStop();
+  }
+
+ private:
+  void SayStopped() {
+    Complain((watchdog_.IsExpired() ? "the time limit was reached; " : "interrupted; ") +
+             when_stopped_);
+  }
+  // On the watchdog's thread, while the work hangs.
+  [[noreturn]] void Leave() {
+    SayStopped();
+    ::_exit(static_cast<int>(ExitStatus::kInterrupted));
+  }
+
+  std::string when_stopped_;
+  Watchdog watchdog_;
+};
+
+ExitStatus Record(CommandLine const& line, machine::Recorder& recorder, ExpressionCounts& counts) {
+  std::string const nothing_written = line.capture.folder + ": no capture was written";
+  if (line.capture.is_for_expressions) {
+    ExitStatus const status = EvaluateExpressions(line, counts);
+    if (status != ExitStatus::kAnswered) Complain(nothing_written);
+    return status;
+  }
+  bool const is_done = LimitedWork(line, nothing_written).Do([&] { recorder.RecordEverything(); });
+  return is_done ? ExitStatus::kAnswered : ExitStatus::kInterrupted;
+}
+
+// What cannot be finished is taken away again where the folder is ours. One that was there before
+// may have got something else meanwhile.
+ExitStatus Write(CommandLine const& line, machine::Recorder const& recorder) {
+  std::string const& folder = line.capture.folder;
+  // What a machine answers is nobody else's business unless its owner says so.
+  bool const is_ours = ::mkdir(folder.c_str(), 0700) == 0;
+  machine::Fact<machine::Done> written = machine::Absence{};
+  bool const is_done = LimitedWork(line, folder + ": what is there is no capture").Do([&] {
+    written = recorder.Write(folder, &WriteRecordedFacts);
+  });
+  if (is_done && written) return ExitStatus::kAnswered;
+  std::error_code ignored;
+  if (is_ours) fs::remove_all(folder, ignored);
+  if (!is_done) return ExitStatus::kInterrupted;
+  Complain(machine::CaptureMessage(written.absence()));
+  return ExitStatus::kNoAnswer;
+}
+
+void Tell(CommandLine const& line, ExpressionCounts const& counts,
+          std::vector<std::string> const& left_out) {
+  constexpr std::size_t kMostNamed = 10;
+  std::string text = "captured ";
+  AppendShown(text, line.capture.folder);
+  if (line.capture.is_for_expressions) {
+    text += "; of " + std::to_string(counts.evaluated) + " expressions " +
+            std::to_string(counts.answered) + " had an answer";
+  }
+  text += '\n';
+  for (std::size_t i = 0; i < std::min(left_out.size(), kMostNamed); ++i) {
+    text += "left out, over the limit: ";
+    AppendShown(text, left_out[i]);
+    text += '\n';
+  }
+  if (left_out.size() > kMostNamed) {
+    text += "and " + std::to_string(left_out.size() - kMostNamed) + " more left out\n";
+  }
+  Output output(STDOUT_FILENO);
+  output.Write(text);
+  output.Flush();
+}
+
+}  // namespace
+
+ExitStatus Capture(CommandLine const& line, std::shared_ptr<machine::Machine const> machine) {
+  if (auto const reason = WhyUnfit(line.capture.folder)) {
+    Complain(*reason);
+    return ExitStatus::kRefused;
+  }
+  machine::RecordingLimits limits;
+  if (line.capture.most_bytes) limits.content_bytes = *line.capture.most_bytes;
+  machine::Recorder recorder(std::move(machine), limits);
+  machine::SetCurrentMachine(recorder.RecordingMachine());
+  ExpressionCounts counts;
+  ExitStatus const recorded = Record(line, recorder, counts);
+  if (recorded != ExitStatus::kAnswered) return recorded;
+  ExitStatus const written = Write(line, recorder);
+  if (written == ExitStatus::kAnswered) Tell(line, counts, recorder.LeftOut());
+  return written;
+}
+
+}  // namespace gatotu::host

@@ -1,0 +1,20 @@
+// Expressions that are evaluated for what they touch, not for their answers.
+#pragma once
+
+#include <cstddef>
+
+#include "host/command_line.h"
+#include "host/exit_status.h"
+
+namespace gatotu::host {
+
+struct ExpressionCounts {
+  std::size_t evaluated = 0;
+  std::size_t answered = 0;  // of them; that there is no answer is recorded too
+};
+
+// Evaluates the expressions of the line and its file. Not "answered": one was refused, or the
+// evaluation was stopped, and it was said why.
+ExitStatus EvaluateExpressions(CommandLine const& line, ExpressionCounts& counts);
+
+}  // namespace gatotu::host

@@ -1,0 +1,268 @@
+// Captures made and asked with the command.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+
+#include "tests/host/child_process.h"
+#include "tests/host/temporary_folder.h"
+
+namespace gatotu::tests {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::AllOf;
+using testing::HasSubstr;
+using testing::Not;
+
+constexpr char kLongScan[] = "number of integers below 1000000000000000";
+
+std::vector<std::string> Joined(std::vector<std::string> first,
+                                std::vector<std::string> const& second) {
+  first.insert(first.end(), second.begin(), second.end());
+  return first;
+}
+
+void MakeCapture(std::string const& folder, std::vector<std::string> const& expressions,
+                 std::string const& machine = "live") {
+  ProcessResult const run =
+      Gatotu(Joined({"--machine", machine, "capture", folder, "--for"}, expressions));
+  EXPECT_EQ(run.status, 0) << run.errors;
+  EXPECT_EQ(run.errors, "");
+  EXPECT_THAT(run.output, HasSubstr(folder));
+}
+
+// What was answered, with errors and their reasons but without the time it took.
+nlohmann::json Answer(std::string const& machine, std::string const& expression) {
+  ProcessResult const run = Gatotu({"--machine", machine, "--format", "json", "--", expression});
+  EXPECT_EQ(run.errors, "") << expression;
+  auto answer = nlohmann::json::parse(run.output, nullptr, false);
+  EXPECT_TRUE(answer.is_object()) << expression << run.output;
+  answer.erase("microseconds");
+  return answer;
+}
+
+std::vector<std::string> Showcase() {
+  std::ifstream file(SHOWCASE);
+  std::vector<std::string> expressions;
+  bool is_inside = false;
+  for (std::string line; std::getline(file, line);) {
+    if (line == "EXPRESSIONS") break;
+    if (is_inside) expressions.push_back(line);
+    is_inside |= line.ends_with("<<'EXPRESSIONS'");
+  }
+  EXPECT_GT(expressions.size(), 10U);
+  return expressions;
+}
+
+bool StaysTheSame(std::string const& expression) {
+  return expression.find("now") == std::string::npos &&
+         expression.find("processes") == std::string::npos;
+}
+
+// What changes by itself is compared between two captures, the second made of the first.
+TEST(Capture, AnswersTheShowcaseAsTheMachineDid) {
+  auto const expressions = Showcase();
+  TemporaryFolder const folder;
+  std::string const first = folder.Path("first");
+  std::string const second = folder.Path("second");
+  MakeCapture(first, expressions);
+  MakeCapture(second, expressions, first);
+  for (std::string const& expression : expressions) {
+    auto const answer = Answer(first, expression);
+    EXPECT_EQ(answer, Answer(second, expression));
+    if (StaysTheSame(expression)) {
+      EXPECT_EQ(answer, Answer("live", expression));
+    }
+  }
+  EXPECT_EQ(Answer(first, "exists processes whose (name of it = name of process 1)")["values"][0],
+            true);
+}
+
+TEST(Capture, OfEverythingAnswersFactsThatNobodyAskedFor) {
+  TemporaryFolder const folder;
+  std::string const capture = folder.Path("capture");
+  ProcessResult const run = Gatotu({"capture", capture});
+  EXPECT_EQ(run.status, 0) << run.errors;
+  for (char const* expression :
+       {"hostname", "number of processors", "physical ram", "name of process 1", "gestalt \"ramm\"",
+        "value of variable \"HOME\" of environment", "time zone of now"}) {
+    EXPECT_EQ(Answer(capture, expression)["values"], Answer("live", expression)["values"])
+        << expression;
+  }
+  EXPECT_EQ(Answer(capture, "now"), Answer(capture, "now"));
+}
+
+class FileCapture : public testing::Test {
+ protected:
+  FileCapture() {
+    folder_.Write("tree/text", "first\nsecond\n");
+    folder_.Write("tree/list.plist",
+                  "<plist><dict><key>a</key><integer>1</integer></dict></plist>");
+    folder_.Write("tree/._text", FinderInformation());
+    folder_.Write("tree/inner/deep", "deep");
+    fs::create_symlink("text", At("link"));
+    fs::create_symlink("nowhere", At("broken"));
+    ::chmod(At("inner/deep").c_str(), 0440);
+  }
+
+  // Invisible stationery, in an AppleDouble file.
+  static std::string FinderInformation() {
+    using namespace std::string_literals;
+    return "\x00\x05\x16\x07\x00\x02\x00\x00"s + std::string(16, '\0') +
+           "\x00\x01\x00\x00\x00\x09\x00\x00\x00\x26\x00\x00\x00\x20"s + "TEXTttxt\x48"s +
+           std::string(23, '\0');
+  }
+
+  std::string At(std::string const& name) const { return folder_.Path("tree/" + name); }
+  std::string Of(std::string const& what, std::string const& kind, std::string const& name) const {
+    return what + " of " + kind + " \"" + At(name) + "\"";
+  }
+  std::vector<std::string> Expressions() const {
+    return {Of("lines", "file", "text"),
+            Of("sha1", "file", "text"),
+            Of("(size of it, modification time of it, mode of it)", "file", "inner/deep"),
+            Of("(visible of it, stationery of it)", "file", "text"),
+            Of("names of files", "folder", "."),
+            Of("(name of it, mode of it) of descendants", "folder", ""),
+            Of("lines", "file", "link"),
+            Of("size", "file", "broken"),
+            Of("lines", "file", "missing"),
+            "exists folder \"" + At("text") + "\"",
+            Of("dictionary", "file", "list.plist")};
+  }
+
+  TemporaryFolder folder_;
+};
+
+TEST_F(FileCapture, HoldsTheFilesThatWereTouched) {
+  std::string const capture = folder_.Path("capture");
+  std::vector<nlohmann::json> live;
+  for (std::string const& expression : Expressions()) live.push_back(Answer("live", expression));
+  MakeCapture(capture, Expressions());
+  fs::rename(capture, folder_.Path("moved"));
+  fs::remove_all(folder_.Path("tree"));
+  for (auto const& answer : live) {
+    EXPECT_EQ(Answer(folder_.Path("moved"), answer["expression"]), answer);
+  }
+}
+
+TEST_F(FileCapture, LeavesOutWhatIsOverTheLimit) {
+  std::string const capture = folder_.Path("capture");
+  std::string const small = Of("line 1", "file", "text");
+  std::string const big = Of("line 1", "file", "big");
+  folder_.Write("tree/big", std::string(100'000, '\n'));
+  ProcessResult const run =
+      Gatotu({"capture", capture, "--limit-bytes", "4K", "--for", big, small});
+  EXPECT_EQ(run.status, 0) << run.errors;
+  EXPECT_THAT(run.output, AllOf(HasSubstr("left out, over the limit: " + At("big")),
+                                Not(HasSubstr(At("text")))));
+  EXPECT_THAT(Answer(capture, big)["error"]["reasons"].dump(), HasSubstr(At("big") + ": absent"));
+  EXPECT_EQ(Answer(capture, small)["values"][0], "first");
+}
+
+// As a user without rights of the superuser.
+ProcessResult AsNobody(std::vector<std::string> const& arguments) {
+  Launch launch;
+  launch.arguments = arguments;
+  if (::geteuid() == 0) {
+    launch.program = "setpriv";
+    launch.arguments =
+        Joined({"--reuid=65534", "--regid=65534", "--clear-groups", GATOTU_COMMAND}, arguments);
+  }
+  return RunCommand(launch);
+}
+
+TEST_F(FileCapture, RemembersWhatMayNotBeReadAndIsAskedByAnother) {
+  std::string const text = Of("line 1", "file", "text");
+  ::chmod(At("text").c_str(), 0);
+  ::chmod(folder_.Path().c_str(), 0777);
+  if (AsNobody({"1"}).status != 0) GTEST_SKIP() << "nobody cannot run the command here";
+  ProcessResult const live = AsNobody({text});
+  EXPECT_THAT(live.errors, HasSubstr("permission refused"));
+  ProcessResult const made = AsNobody({"capture", folder_.Path("capture"), "--for", text});
+  EXPECT_EQ(made.status, 0) << made.errors;
+  ProcessResult const run = Gatotu({"--machine", folder_.Path("capture"), text});
+  EXPECT_EQ(run.errors, live.errors);
+  EXPECT_EQ(run.status, 1);
+}
+
+TEST(CaptureCommand, RefusesAFolderThatItCannotFill) {
+  TemporaryFolder const folder;
+  folder.Write("full/something", "");
+  folder.Write("file", "");
+  struct {
+    std::string folder, message;
+  } const cases[] = {{"full", "not empty"},
+                     {"file", "no folder"},
+                     {"file/below", "Not a directory"},
+                     {"no/parent", "No such file or directory"}};
+  for (auto const& row : cases) {
+    ProcessResult const run = Gatotu({"capture", folder.Path(row.folder), "--for", "1"});
+    EXPECT_EQ(run.status, 2) << row.folder;
+    EXPECT_EQ(run.output, "");
+    EXPECT_THAT(run.errors, AllOf(testing::StartsWith("gatotu: " + folder.Path(row.folder)),
+                                  HasSubstr(row.message)));
+  }
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder.Path("full")), {}), 1);
+}
+
+TEST(CaptureCommand, LeavesNothingBehindThatIsNotWhole) {
+  TemporaryFolder const folder;
+  std::string const capture = folder.Path("capture");
+  struct {
+    std::string name;
+    std::vector<std::string> arguments;
+    int status;
+    std::string message;
+  } const cases[] = {
+      {"refused", {"--for", "hostname", "nonsense"}, 2, "nonsense"},
+      {"stopped", {"--time-limit", "100ms", "--for", "hostname", kLongScan}, 3, "time limit"},
+      {"absent file", {"--file", "/no/such"}, 2, "/no/such"},
+  };
+  for (auto const& row : cases) {
+    ProcessResult const run = Gatotu(Joined({"capture", capture}, row.arguments));
+    EXPECT_EQ(run.status, row.status) << row.name;
+    EXPECT_EQ(run.output, "") << row.name;
+    EXPECT_THAT(run.errors, AllOf(HasSubstr(row.message), HasSubstr("no capture was written")));
+    EXPECT_FALSE(fs::exists(capture)) << row.name;
+  }
+  Launch launch{.arguments = {"capture", capture, "--time-limit", "0", "--for", kLongScan},
+                .interrupt_after = std::chrono::milliseconds(500)};
+  EXPECT_EQ(RunCommand(launch).status, 3);
+  EXPECT_FALSE(fs::exists(capture));
+}
+
+TEST(CaptureCommand, TakesAwayWhatAFullDiskCutOff) {
+  TemporaryFolder const folder;
+  folder.Write("content", std::string(200'000, 'x'));
+  folder.MakeFolder("disk");
+  std::string const disk = folder.Path("disk");
+  std::string const mount = "unshare -rm sh -c 'mount -t tmpfs -o size=64k none " + disk + " && ";
+  if (RunShell(mount + "true'").status != 0) GTEST_SKIP() << "no file systems of one's own here";
+  ProcessResult const run =
+      RunShell(mount + GATOTU_COMMAND + " capture " + disk + "/new --for \"sha1 of file \\\"" +
+               folder.Path("content") + "\\\"\"; echo $?; ls " + disk + "'");
+  EXPECT_EQ(run.output, "1\n");
+  EXPECT_THAT(run.errors, HasSubstr("No space left on device"));
+}
+
+TEST(CaptureCommand, ReadsExpressionsOfAFileToo) {
+  TemporaryFolder const folder;
+  std::string const capture = folder.Path("capture");
+  ProcessResult const run =
+      Gatotu({"capture", capture, "--file", "-", "--for", "name of process 0"}, "hostname\n\n1\n");
+  EXPECT_EQ(run.status, 0) << run.errors;
+  EXPECT_EQ(run.errors, "");
+  EXPECT_THAT(run.output, HasSubstr("of 3 expressions 2 had an answer"));
+  EXPECT_EQ(Answer(capture, "hostname"), Answer("live", "hostname"));
+  EXPECT_EQ(Answer(capture, "physical ram")["error"]["code"], "no-such-object");
+}
+
+}  // namespace
+}  // namespace gatotu::tests

@@ -1,0 +1,69 @@
+// A macOS volume that was never prepared for being asked.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/host/child_process.h"
+#include "tests/host/temporary_folder.h"
+
+namespace gatotu::tests {
+namespace {
+
+std::string List(std::string const& content) {
+  return "<plist><dict>" + content + "</dict></plist>";
+}
+
+class MacVolume : public testing::Test {
+ protected:
+  MacVolume() {
+    volume_.Write("System/Library/CoreServices/SystemVersion.plist",
+                  List("<key>ProductName</key><string>Mac OS X</string>"
+                       "<key>ProductVersion</key><string>10.4.11</string>"));
+    volume_.Write("Users/x/Library/Preferences/com.example.notes.plist",
+                  List("<key>Lines</key><integer>42</integer>"));
+    volume_.Write("Applications/Notes.app/Contents/Info.plist",
+                  List("<key>CFBundleVersion</key><string>1.2.3b4</string>"));
+    volume_.Write("Applications/Notes.app/Contents/PkgInfo", "APPLnote");
+    volume_.MakeFolder("Library/Fonts");
+    volume_.Write("secret/inside", "inside");
+    std::filesystem::create_symlink("/secret/inside", volume_.Path("Library/absolute"));
+    std::filesystem::create_symlink("../../../../../../etc/hostname", volume_.Path("Library/out"));
+  }
+
+  ProcessResult Ask(std::vector<std::string> arguments) const {
+    arguments.insert(arguments.begin(), {"--machine", volume_.Path()});
+    return Gatotu(arguments);
+  }
+
+  TemporaryFolder volume_;
+};
+
+TEST_F(MacVolume, AnswersFromItsFiles) {
+  struct {
+    std::string expression, answer;
+  } const cases[] = {
+      {"pathname of fonts folder of local domain", "/Library/Fonts"},
+      {"pathname of preferences folder of user domain", "/Users/x/Library/Preferences"},
+      {"lines of file \"/Library/absolute\"", "inside"},
+      {"exists file \"/Library/out\"", "false"},
+      {"exists file \"/etc/hostname\"", "false"},
+      {"names of files of folder \"/Users/x/Library/Preferences\"", "com.example.notes.plist"},
+  };
+  for (auto const& row : cases) {
+    ProcessResult const run = Ask({"--user", "x", row.expression});
+    EXPECT_EQ(run.output, row.answer + "\n") << row.expression << run.errors;
+  }
+}
+
+TEST_F(MacVolume, TakesNothingFromTheMachineThatAsks) {
+  for (char const* expression : {"hostname", "now", "name of process 1", "physical ram",
+                                 "value of variable \"PATH\" of environment",
+                                 "pathname of preferences folder of user domain"}) {
+    ProcessResult const run = Ask({expression});
+    EXPECT_EQ(run.status, 1) << expression << run.output;
+    EXPECT_EQ(run.output, "") << expression;
+  }
+}
+
+}  // namespace
+}  // namespace gatotu::tests
