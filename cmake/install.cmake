@@ -43,4 +43,5 @@ install(FILES ${PROJECT_BINARY_DIR}/GatotuConfig.cmake
 install(FILES docs/gatotu.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1)
 install(FILES host/completion.bash RENAME gatotu
   DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions)
-install(FILES README.md LICENSE CHANGELOG.md docs/language.md DESTINATION ${CMAKE_INSTALL_DOCDIR})
+install(FILES README.md LICENSE CHANGELOG.md docs/language.md docs/captures.md
+  DESTINATION ${CMAKE_INSTALL_DOCDIR})
