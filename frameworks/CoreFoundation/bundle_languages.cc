@@ -1,7 +1,6 @@
 #include "frameworks/CoreFoundation/bundle_languages.h"
 
 #include <algorithm>
-#include <iterator>
 
 namespace bundle_languages {
 namespace {
@@ -59,8 +58,10 @@ std::string LocaleOf(machine::EnvironmentSource const& environment) {
   return {};
 }
 
+// Of a list that a recorded machine has, which may be of any length, no more than anyone reads.
 void AddList(std::vector<std::string>& languages, std::string_view list) {
-  while (!list.empty()) {
+  constexpr std::size_t kMost = 16;
+  while (!list.empty() && languages.size() < kMost) {
     std::size_t const end = std::min(list.find(':'), list.size());
     std::string_view const language = LanguageOf(list.substr(0, end));
     if (IsName(language)) AddOnce(languages, language);

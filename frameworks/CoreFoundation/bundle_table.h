@@ -26,9 +26,8 @@ class BundleTable {
   // Of several the one opened first.
   Found FindIdentifier(CFStringRef identifier);
 
-  // Keeps a bundle that was opened in place of `stale`, which may be null. What is kept for that
-  // folder then is returned with a reference for the caller, which gives up that to `opened`:
-  // another thread may have been quicker.
+  // Keeps `opened` in place of `stale`, which may be null, and returns it, or what another thread
+  // has opened meanwhile. The caller's reference to `opened` becomes one to what is returned.
   CFBundleRef Keep(CFBundleRef opened, CFBundleRef stale);
   // Forgets a bundle whose folder is none any more.
   void Forget(CFBundleRef stale);

@@ -1,0 +1,74 @@
+// Bundles below a temporary folder, and short ways to ask them.
+#pragma once
+
+#include <CoreFoundation/CoreFoundation.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+
+#include "tests/frameworks/cf_text.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
+
+using OwnedBundle = std::unique_ptr<__CFBundle, Releaser>;
+using OwnedURL = std::unique_ptr<std::remove_pointer_t<CFURLRef>, Releaser>;
+
+inline constexpr CFStringEncoding kUtf8 = kCFStringEncodingUTF8;
+
+inline OwnedURL UrlOf(std::string const& path) {
+  return OwnedURL(
+      CFURLCreateFromFileSystemRepresentation(nullptr, reinterpret_cast<UInt8 const*>(path.data()),
+                                              static_cast<CFIndex>(path.size()), true));
+}
+
+inline OwnedBundle Open(std::string const& path) {
+  return OwnedBundle(CFBundleCreate(nullptr, UrlOf(path).get()));
+}
+
+// In the old text form, which is the shortest to write.
+inline std::string Info(std::string const& version, std::string const& identifier = "org.example") {
+  return "{CFBundleVersion = \"" + version + "\"; CFBundleIdentifier = \"" + identifier + "\";}";
+}
+
+inline std::string TextOf(void const* value) {
+  if (value == nullptr) return "none";
+  if (CFGetTypeID(value) != CFStringGetTypeID()) return "no text";
+  return BytesOf(static_cast<CFStringRef>(value), kUtf8);
+}
+
+inline std::string Value(OwnedBundle const& bundle, char const* key) {
+  return TextOf(CFBundleGetValueForInfoDictionaryKey(bundle.get(), Make(key, kUtf8).get()));
+}
+
+inline std::string Code(UInt32 code) {
+  std::string text;
+  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(code >> shift);
+  return text;
+}
+
+inline std::string Package(OwnedBundle const& bundle) {
+  UInt32 type = 0, creator = 0;
+  CFBundleGetPackageInfo(bundle.get(), &type, &creator);
+  return Code(type) + Code(creator);
+}
+
+inline CFBundleRef WithIdentifier(char const* identifier) {
+  return CFBundleGetBundleWithIdentifier(Make(identifier, kUtf8).get());
+}
+
+class BundleTest : public testing::Test {
+ protected:
+  // A machine that has the tree's files and this environment.
+  void Use(std::map<std::string, std::string> environment) {
+    auto const scripted = std::make_shared<ScriptedMachine>();
+    scripted->files = {machine_, &machine_->Files()};
+    scripted->environment = std::move(environment);
+    machine::SetCurrentMachine(scripted);
+  }
+
+  RecordedTree tree_;
+  std::shared_ptr<machine::Machine const> machine_ = tree_.Machine();
+  MachineInUse use_{machine_};
+};
