@@ -73,7 +73,7 @@ class MACHINE_API UserSource {
   virtual Fact<std::string> CurrentUser() const;
   virtual Fact<std::string> CurrentHome() const;
   virtual Fact<std::string> HomeOf(std::string const& user) const;
-  // Those that are known without asking for one by its name; there may be more.
+  // Those whose homes no file tells that can be copied; there may be more.
   virtual Fact<std::vector<std::string>> UserNames() const;
 };
 

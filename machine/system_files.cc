@@ -105,17 +105,6 @@ Fact<std::string> HomeInAccounts(FileSource const& files, std::string const& use
   return Absence{Outcome::kAbsent, kUserListPath, user};
 }
 
-Fact<std::vector<std::string>> NamesInAccounts(FileSource const& files) {
-  Fact<std::string> const text = files.ReadFile(kUserListPath, kLargestSystemFile);
-  if (!text) return text.absence();
-  std::vector<std::string> names;
-  for (std::string_view rest = *text; !rest.empty();) {
-    std::string_view const line = TakeLine(rest);
-    if (FieldOf(line, kHome)) names.emplace_back(*FieldOf(line, kName));
-  }
-  return names;
-}
-
 std::optional<std::string_view> NameInAccounts(std::string_view text, std::uint32_t number) {
   while (!text.empty()) {
     std::string_view const line = TakeLine(text);

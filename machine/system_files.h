@@ -34,7 +34,6 @@ Fact<std::string> MachineIdentifier(FileSource const& files);
 
 // passwd(5)
 Fact<std::string> HomeInAccounts(FileSource const& files, std::string const& user);
-Fact<std::vector<std::string>> NamesInAccounts(FileSource const& files);
 // The first name with that number in the text of passwd(5) or group(5).
 std::optional<std::string_view> NameInAccounts(std::string_view text, std::uint32_t number);
 

@@ -110,17 +110,16 @@ bool RecordMaker::MakeArray(CFArrayRef array, Record& record) {
 
 bool RecordMaker::MakeDictionary(CFDictionaryRef dictionary, Record& record) {
   auto const count = static_cast<std::size_t>(CFDictionaryGetCount(dictionary));
-  RecordDictionary entries;
+  std::vector<RecordDictionary::Entry> entries;
   if (!Spend(0) || count > most_values_ - values_) return false;
+  entries.reserve(count);
   std::vector<void const*> keys(count), values(count);
   CFDictionaryGetKeysAndValues(dictionary, keys.data(), values.data());
   for (std::size_t i = 0; i < count; ++i) {
-    std::string key;
-    Record value = false;
+    auto& [key, value] = entries.emplace_back(std::string(), false);
     if (!MakeText(static_cast<CFStringRef>(keys[i]), key) || !Make(values[i], value)) return false;
-    entries.Add(std::move(key), std::move(value));
   }
-  record = std::move(entries);
+  record = RecordDictionary(std::move(entries));
   return true;
 }
 

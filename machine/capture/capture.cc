@@ -2,9 +2,6 @@
 
 #include <fcntl.h>
 #include <linux/openat2.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
@@ -23,18 +20,9 @@ using capture::OpenedCapture;
 
 constexpr std::size_t kLargestDocument = std::size_t{1} << 28;
 
-// Below a folder that is open; links within it may be followed.
-FileDescriptor OpenBeneath(FileDescriptor const& folder, std::string const& path) {
-  constexpr int kTries = 8;
-  open_how how = {};
-  how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
-  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_MAGICLINKS;
-  for (int i = 0; i < kTries; ++i) {
-    FileDescriptor item(
-        static_cast<int>(::syscall(SYS_openat2, folder.number(), path.c_str(), &how, sizeof how)));
-    if (item.is_open() || errno != EAGAIN) return item;
-  }
-  return {};
+// Links may be followed within the folder.
+FileDescriptor OpenBeneath(FileDescriptor const& folder, char const* path) {
+  return live::OpenConfined(folder.number(), path, RESOLVE_BENEATH, O_DIRECTORY);
 }
 
 Absence Refusal(Outcome reason, std::string const& folder, std::string why) {
@@ -51,7 +39,7 @@ void OpenRoot(FileDescriptor const& folder, OpenedCapture& opened) {
   } else if (path->find('\0') != std::string::npos) {
     opened.why_no_files = field.path() + ": not a path";
   } else {
-    root = OpenBeneath(folder, *path);
+    root = OpenBeneath(folder, path->c_str());
     if (!root.is_open()) opened.why_no_files = field.path() + ": " + std::strerror(errno);
     if (!root.is_open() && errno == EXDEV) {
       opened.why_no_files = field.path() + ": leads out of the capture";

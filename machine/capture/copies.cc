@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <linux/openat2.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 
 #include <cerrno>
 #include <cstring>
@@ -114,11 +113,8 @@ Fact<CaptureFolder> CaptureFolder::Make(std::string const& path) {
 // Through folders only: a link that was laid down may lead anywhere.
 FileDescriptor CaptureFolder::OpenParent(std::string const& path) const {
   std::string const folder = "." + SplitPath(path).folder;
-  open_how how = {};
-  how.flags = O_PATH | O_DIRECTORY | O_CLOEXEC;
-  how.resolve = RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS;
-  return FileDescriptor(
-      static_cast<int>(::syscall(SYS_openat2, root_.number(), folder.c_str(), &how, sizeof how)));
+  return live::OpenConfined(root_.number(), folder.c_str(), RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS,
+                            O_DIRECTORY);
 }
 
 bool CaptureFolder::LayDownItem(CopiedContent const& content, RecordedItem const& item,

@@ -1,7 +1,7 @@
 #include <unordered_set>
 
 #include "machine/capture/sources.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 
 namespace machine::capture {
 namespace {
@@ -11,8 +11,8 @@ constexpr char kVariables[] = "Environment", kNames[] = "EnvironmentNames";
 Fact<std::vector<std::string>> NamesIn(Field const& field) {
   if (field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
   std::vector<std::string> names;
-  for (Field const& item : field.Items()) {
-    Fact<std::string> name = item.Text();
+  for (std::size_t i = 0; i < field.count(); ++i) {
+    Fact<std::string> name = field[i].Text();
     if (!name) return name.absence();
     names.push_back(*std::move(name));
   }

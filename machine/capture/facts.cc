@@ -25,14 +25,15 @@ Field Field::operator[](std::string_view key) const {
   return {entries == nullptr ? nullptr : entries->Find(key), path_ + joint + std::string(key)};
 }
 
-std::vector<Field> Field::Items() const {
-  std::vector<Field> items;
-  if (auto const* array = As<RecordArray>()) {
-    for (Record const& item : *array) {
-      items.emplace_back(&item, path_ + "[" + std::to_string(items.size()) + "]");
-    }
-  }
-  return items;
+Field Field::operator[](std::size_t index) const {
+  auto const* items = As<RecordArray>();
+  bool const exists = items != nullptr && index < items->size();
+  return {exists ? &(*items)[index] : nullptr, path_ + "[" + std::to_string(index) + "]"};
+}
+
+std::size_t Field::count() const {
+  auto const* items = As<RecordArray>();
+  return items == nullptr ? 0 : items->size();
 }
 
 Absence Field::Malformed(std::string why) const {
@@ -114,8 +115,9 @@ bool Facts::Knows(std::string const& group, std::string const& key) const {
 }
 
 bool Facts::IsPartial(std::string_view key) const {
-  for (Field const& field : (*this)["Partial"].Items()) {
-    auto const* name = field.As<std::string>();
+  Field const partial = (*this)["Partial"];
+  for (std::size_t i = 0; i < partial.count(); ++i) {
+    auto const* name = partial[i].As<std::string>();
     if (name != nullptr && *name == key) return true;
   }
   return false;

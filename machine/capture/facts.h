@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "machine/capture/record.h"
 
@@ -19,9 +18,11 @@ class Field {
   bool exists() const { return value_ != nullptr; }
   std::string const& path() const { return path_; }
 
-  // Of a dictionary or an array; of anything else they do not exist.
+  // Of a dictionary or an array; of anything else it does not exist.
   Field operator[](std::string_view key) const;
-  std::vector<Field> Items() const;
+  Field operator[](std::size_t index) const;
+  // Of an array; 0 of anything else.
+  std::size_t count() const;
 
   // A string, or data, whose bytes may be anything.
   Fact<std::string> Text() const;

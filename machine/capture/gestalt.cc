@@ -1,7 +1,7 @@
 #include <algorithm>
 
 #include "machine/capture/sources.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 
 namespace machine::capture {
 namespace {

@@ -53,8 +53,7 @@ Fact<std::string> MacVolume::HomeOf(std::string const& user) const {
   Fact<Record> const record = Read(path);
   if (!record) return record.absence();
   Field const homes = RootOf(*record, path)["home"];
-  auto const values = homes.Items();
-  Fact<std::string> home = values.empty() ? homes.Text() : values.front().Text();
+  Fact<std::string> home = homes.count() == 0 ? homes.Text() : homes[std::size_t{0}].Text();
   if (home && !home->starts_with('/')) return homes.Malformed("not an absolute path");
   return home;
 }

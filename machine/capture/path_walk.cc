@@ -2,20 +2,34 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 
 #include "machine/live/root.h"
 
 namespace machine::capture {
 namespace {
 
-// Takes the first name off; empty when there is none left.
-std::string TakeName(std::string& rest) {
-  std::size_t const start = std::min(rest.find_first_not_of('/'), rest.size());
-  std::size_t const end = std::min(rest.find('/', start), rest.size());
-  std::string name = rest.substr(start, end - start);
-  rest.erase(0, end);
-  return name;
-}
+// The names of a path, one after the other.
+class Names {
+ public:
+  explicit Names(std::string path) : path_(std::move(path)) {}
+
+  // Empty when there is none left.
+  std::string Take() {
+    std::size_t const start = std::min(path_.find_first_not_of('/', at_), path_.size());
+    at_ = std::min(path_.find('/', start), path_.size());
+    return path_.substr(start, at_ - start);
+  }
+  bool is_empty() const { return path_.find_first_not_of('/', at_) == std::string::npos; }
+  void PutInFront(std::string const& path) {
+    path_ = path + path_.substr(at_);
+    at_ = 0;
+  }
+
+ private:
+  std::string path_;
+  std::size_t at_ = 0;
+};
 
 Absence Failure(int error, std::string const& path) {
   return {live::OutcomeOf(error), path, {}, error};
@@ -26,9 +40,10 @@ Absence Failure(int error, std::string const& path) {
 Fact<std::string> WalkPath(ItemsOnTheWay& items, std::string const& path, Links links) {
   constexpr int kMostLinks = 40;  // the kernel's
   if (path.find('\0') != std::string::npos) return Failure(EINVAL, path);
-  std::string at, rest = path;
+  std::string at;
+  Names names(path);
   for (int links_followed = 0;;) {
-    std::string const name = TakeName(rest);
+    std::string const name = names.Take();
     if (name.empty()) return at.empty() ? "/" : at;
     if (name == ".") continue;
     if (name == "..") {
@@ -36,7 +51,7 @@ Fact<std::string> WalkPath(ItemsOnTheWay& items, std::string const& path, Links 
       continue;
     }
     std::string next = at + "/" + name;
-    bool const is_last = rest.find_first_not_of('/') == std::string::npos;
+    bool const is_last = names.is_empty();
     if (is_last && links == Links::kKeep) return next;
     Fact<ItemKind> const kind = items.KindOf(next);
     if (!kind) {
@@ -48,9 +63,10 @@ Fact<std::string> WalkPath(ItemsOnTheWay& items, std::string const& path, Links 
       Fact<std::string> const target = items.TargetOf(next);
       if (!target) return target.absence();
       if (target->empty()) return Failure(ENOENT, path);
+      if (target->size() >= PATH_MAX) return Failure(ENAMETOOLONG, path);
       if (++links_followed > kMostLinks) return Failure(ELOOP, path);
       if (target->front() == '/') at.clear();
-      rest = *target + rest;
+      names.PutInFront(*target);
       continue;
     }
     if (!is_last && *kind != ItemKind::kFolder) return Failure(ENOTDIR, path);

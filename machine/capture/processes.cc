@@ -22,8 +22,8 @@ Fact<Process> ProcessIn(Field const& field) {
 Fact<std::vector<Process>> ProcessesIn(Field const& field) {
   if (field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
   std::vector<Process> processes;
-  for (Field const& item : field.Items()) {
-    Fact<Process> const process = ProcessIn(item);
+  for (std::size_t i = 0; i < field.count(); ++i) {
+    Fact<Process> const process = ProcessIn(field[i]);
     if (!process) return process.absence();
     processes.push_back(*process);
   }

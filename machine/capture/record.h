@@ -36,13 +36,18 @@ concept IsRecordValue = std::same_as<T, bool> || std::same_as<T, std::int64_t> |
     std::same_as<T, RecordBytes> || std::same_as<T, RecordDate> || std::same_as<T, RecordArray> ||
     std::same_as<T, RecordDictionary>;
 
-// In the order of the file. The last of equal keys counts.
+// Sorted by its keys, each of which is there once.
 class MACHINE_API RecordDictionary {
  public:
   using Entry = std::pair<std::string, Record>;
 
+  RecordDictionary() = default;
+  // In any order; the last of equal keys counts.
+  explicit RecordDictionary(std::vector<Entry> entries);
+
   // Null when there is no such key.
   Record const* Find(std::string_view key) const;
+  // In place of what the key had. Fast when keys come in their order.
   void Add(std::string key, Record value);
 
   std::vector<Entry> const& entries() const { return entries_; }

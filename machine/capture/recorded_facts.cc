@@ -1,6 +1,6 @@
 #include "machine/capture/document.h"
 #include "machine/capture/recording.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 
 namespace machine::capture {
 namespace {

@@ -2,7 +2,7 @@
 
 #include "machine/capture/path_walk.h"
 #include "machine/capture/recorded_item.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 
 namespace machine::capture {
 

@@ -1,80 +1,14 @@
 #include "machine/capture/recorded_item.h"
 
 #include <charconv>
-#include <cstdio>
-#include <limits>
 
-#include "machine/capture/text_record.h"
+#include "machine/capture/item_keys.h"
 #include "machine/live/text.h"
 
 namespace machine::capture {
 namespace {
 
-constexpr char const* kKnownNames[] = {"nothing", "kind", "status", "all"};
-constexpr char const* kKindNames[] = {"file", "folder", "link", "other"};
-
-struct NumberKey {
-  char const* key;
-  std::uint64_t most;
-  std::uint64_t (*get)(ItemStatus const&);
-  void (*set)(ItemStatus&, std::uint64_t);
-};
-
-template <auto Member>
-constexpr NumberKey NumberKeyFor(char const* key) {
-  using Number = std::remove_reference_t<decltype(std::declval<ItemStatus&>().*Member)>;
-  return {key, std::numeric_limits<Number>::max(),
-          [](ItemStatus const& status) -> std::uint64_t { return status.*Member; },
-          [](ItemStatus& status, std::uint64_t number) {
-            status.*Member = static_cast<Number>(number);
-          }};
-}
-
-constexpr NumberKey kNumbers[] = {
-    NumberKeyFor<&ItemStatus::mode>("Mode"),
-    NumberKeyFor<&ItemStatus::user>("User"),
-    NumberKeyFor<&ItemStatus::group>("Group"),
-    NumberKeyFor<&ItemStatus::links>("Links"),
-    NumberKeyFor<&ItemStatus::device>("Device"),
-    NumberKeyFor<&ItemStatus::inode>("Inode"),
-    NumberKeyFor<&ItemStatus::mount>("Mount"),
-    NumberKeyFor<&ItemStatus::bytes>("Bytes"),
-    NumberKeyFor<&ItemStatus::allocated_bytes>("AllocatedBytes"),
-};
-
-struct TimeKey {
-  char const* key;
-  FileTime ItemStatus::*member;
-};
-constexpr char kBorn[] = "Born";
-constexpr TimeKey kTimes[] = {{kBorn, &ItemStatus::birth},
-                              {"Modified", &ItemStatus::modification},
-                              {"Changed", &ItemStatus::change},
-                              {"Accessed", &ItemStatus::access}};
-
-struct SpaceKey {
-  char const* key;
-  std::uint64_t VolumeSpace::*member;
-};
-constexpr SpaceKey kSpaceNumbers[] = {{"TotalBytes", &VolumeSpace::total_bytes},
-                                      {"FreeBytes", &VolumeSpace::free_bytes},
-                                      {"BlockBytes", &VolumeSpace::block_bytes},
-                                      {"Files", &VolumeSpace::files}};
-constexpr char kIsReadOnly[] = "IsReadOnly";
-constexpr char kHasMoreEntries[] = "HasMoreEntries";
-
-Record NumberRecord(std::uint64_t number) {
-  if (number > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) return number;
-  return static_cast<std::int64_t>(number);
-}
-
-// Seconds since 1970, a point and nine digits; a date has no room for all of a file's time.
-std::string TextOf(FileTime const& time) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%lld.%09u", static_cast<long long>(time.seconds),
-                time.nanoseconds);
-  return text;
-}
+using namespace item_keys;
 
 Fact<FileTime> TimeIn(Field const& field) {
   constexpr std::int64_t kMicro = 1'000'000;
@@ -206,7 +140,8 @@ Fact<Done> DoneIn(Field const& field) {
 
 Fact<RecordedListing> NamesIn(Field const& field) {
   RecordedListing listing;
-  for (Field const& item : field.Items()) {
+  for (std::size_t i = 0; i < field.count(); ++i) {
+    Field const item = field[i];
     Fact<std::string> name = item.Text();
     if (!name) return name.absence();
     bool const is_name = !name->empty() && *name != "." && *name != ".." &&
@@ -238,40 +173,6 @@ void ItemReader::ReadContents() {
   TakeFact("Space", item_.space, SpaceIn);
 }
 
-Record SpaceRecord(VolumeSpace const& space) {
-  RecordDictionary entries;
-  for (SpaceKey const& row : kSpaceNumbers) entries.Add(row.key, NumberRecord(space.*row.member));
-  entries.Add(kIsReadOnly, space.is_read_only);
-  return entries;
-}
-
-Record ListingRecord(RecordedListing const& listing) {
-  RecordArray names;
-  for (std::string const& name : listing.names) names.push_back(RecordOfBytes(name));
-  return names;
-}
-
-template <typename Value, typename Convert>
-void AddFact(RecordDictionary& entries, char const* key, std::optional<Fact<Value>> const& fact,
-             Convert&& convert) {
-  if (fact) entries.Add(key, *fact ? convert(**fact) : RecordOf(fact->absence()));
-}
-
-void AddStatus(RecordDictionary& entries, ItemStatus const& status) {
-  for (NumberKey const& row : kNumbers) entries.Add(row.key, NumberRecord(row.get(status)));
-  for (TimeKey const& row : kTimes) {
-    bool const is_known = row.key != kBorn || status.has_birth;
-    if (is_known) entries.Add(row.key, TextOf(status.*row.member));
-  }
-  if (status.is_immutable) entries.Add("Immutable", true);
-}
-
-void AddFinderDetails(RecordDictionary& entries, Item const& item) {
-  std::string const info(item.finder_info.begin(), item.finder_info.end());
-  if (item.has_finder_info) entries.Add("FinderInfo", RecordBytes{info});
-  if (item.resource_bytes != 0) entries.Add("ResourceBytes", NumberRecord(item.resource_bytes));
-}
-
 }  // namespace
 
 Known KnownBy(Detail detail) {
@@ -284,29 +185,6 @@ Known KnownBy(Detail detail) {
       break;
   }
   return Known::kAll;
-}
-
-Record RecordOf(RecordedItem const& recorded) {
-  RecordDictionary entries;
-  if (recorded.absence) entries.Add("Absent", RecordOf(*recorded.absence));
-  if (recorded.known != Known::kNothing) {
-    ItemStatus const& status = recorded.item.status;
-    entries.Add("Known", std::string(kKnownNames[static_cast<int>(recorded.known)]));
-    entries.Add("Kind", std::string(kKindNames[static_cast<int>(status.kind)]));
-    if (recorded.known >= Known::kStatus) AddStatus(entries, status);
-    if (recorded.known == Known::kAll) AddFinderDetails(entries, recorded.item);
-  }
-  if (recorded.is_companion) entries.Add("IsCompanion", true);
-  auto const done = [](Done) { return Record(true); };
-  AddFact(entries, "Target", recorded.target, RecordOfBytes);
-  AddFact(entries, "Entries", recorded.listing, ListingRecord);
-  if (recorded.listing && *recorded.listing && !(*recorded.listing)->is_whole) {
-    entries.Add(kHasMoreEntries, true);
-  }
-  AddFact(entries, "Content", recorded.content, done);
-  AddFact(entries, "ResourceFork", recorded.resource_fork, done);
-  AddFact(entries, "Space", recorded.space, SpaceRecord);
-  return entries;
 }
 
 Fact<RecordedItem> ItemIn(Field const& field, Known wanted, RecordedItem copy) {

@@ -1,9 +1,11 @@
 #include "machine/capture/recorder.h"
 
+#include <algorithm>
+
 #include "machine/capture/copies.h"
 #include "machine/capture/document.h"
 #include "machine/capture/recording.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 #include "machine/live/item.h"
 #include "machine/system_files.h"
 
@@ -33,7 +35,10 @@ void AskUsers(Machine const& machine) {
   }
   Fact<std::vector<std::string>> const names = machine.Users().UserNames();
   if (!names) return;
-  for (std::string const& name : *names) machine.Users().HomeOf(name);
+  constexpr std::size_t kMostUsers = 10'000;
+  for (std::size_t i = 0; i < std::min(names->size(), kMostUsers); ++i) {
+    machine.Users().HomeOf((*names)[i]);
+  }
 }
 
 void AskFiles(FileSource const& files) {

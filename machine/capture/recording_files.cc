@@ -3,7 +3,7 @@
 #include <cerrno>
 
 #include "machine/capture/recording.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 #include "machine/live/item.h"
 
 namespace machine::capture {

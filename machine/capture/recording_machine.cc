@@ -1,20 +1,9 @@
 // A machine that is asked through a recorder.
 #include "machine/capture/recording.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 
 namespace machine::capture {
 namespace {
-
-Record NumberRecord(std::uint64_t number) {
-  if (number > std::uint64_t{INT64_MAX}) return number;
-  return static_cast<std::int64_t>(number);
-}
-
-Record NamesRecord(std::vector<std::string> const& names) {
-  RecordArray array;
-  for (std::string const& name : names) array.push_back(RecordOfBytes(name));
-  return array;
-}
 
 // The sources of one machine that are alike: each question is passed on, its answer kept.
 class RecordingSources : public ClockSource,
@@ -35,7 +24,7 @@ class RecordingSources : public ClockSource,
                          RecordOfBytes);
   }
   Fact<std::vector<std::string>> VariableNames() const override {
-    return facts_.Passed("EnvironmentNames", asked_.Environment().VariableNames(), NamesRecord);
+    return facts_.Passed("EnvironmentNames", asked_.Environment().VariableNames(), RecordOfNames);
   }
   Fact<std::string> HostName() const override {
     return facts_.Passed("HostName", asked_.Names().HostName(), RecordOfBytes);
@@ -120,13 +109,14 @@ class RecordingHardware : public MemorySource, public ProcessorSource, public Ha
       : asked_(*recording.asked), facts_(recording.facts) {}
 
   Fact<std::uint64_t> PhysicalBytes() const override {
-    return facts_.Passed("Memory", "PhysicalBytes", asked_.Memory().PhysicalBytes(), NumberRecord);
+    return facts_.Passed("Memory", "PhysicalBytes", asked_.Memory().PhysicalBytes(),
+                         RecordOfNumber);
   }
   Fact<std::uint64_t> SwapBytes() const override {
-    return facts_.Passed("Memory", "SwapBytes", asked_.Memory().SwapBytes(), NumberRecord);
+    return facts_.Passed("Memory", "SwapBytes", asked_.Memory().SwapBytes(), RecordOfNumber);
   }
   Fact<std::uint32_t> OnlineCount() const override {
-    return facts_.Passed("Processors", "Count", asked_.Processors().OnlineCount(), NumberRecord);
+    return facts_.Passed("Processors", "Count", asked_.Processors().OnlineCount(), RecordOfNumber);
   }
   Fact<Architecture> Kind() const override {
     return facts_.Passed("Processors", "Kind", asked_.Processors().Kind(), [](Architecture kind) {
@@ -137,17 +127,17 @@ class RecordingHardware : public MemorySource, public ProcessorSource, public Ha
   }
   Fact<std::uint32_t> PowerPCVersion() const override {
     return facts_.Passed("Processors", "PowerPCVersion", asked_.Processors().PowerPCVersion(),
-                         NumberRecord);
+                         RecordOfNumber);
   }
   Fact<std::uint32_t> HighestMegahertz() const override {
     return facts_.Passed("Processors", "Megahertz", asked_.Processors().HighestMegahertz(),
-                         NumberRecord);
+                         RecordOfNumber);
   }
   Fact<std::string> ProductName() const override {
     return facts_.Passed("Hardware", "ProductName", asked_.Hardware().ProductName(), RecordOfBytes);
   }
   Fact<std::uint32_t> UsbRelease() const override {
-    return facts_.Passed("Hardware", "USBRelease", asked_.Hardware().UsbRelease(), NumberRecord);
+    return facts_.Passed("Hardware", "USBRelease", asked_.Hardware().UsbRelease(), RecordOfNumber);
   }
   Fact<bool> HasUsb() const override {
     return facts_.Passed("Hardware", "HasUSB", asked_.Hardware().HasUsb(),
@@ -165,7 +155,7 @@ class RecordingProcesses : public ProcessSource, public GestaltSource {
       : asked_(*recording.asked), facts_(recording.facts) {}
 
   Fact<std::size_t> CountProcesses() const override {
-    return facts_.Passed("ProcessCount", asked_.Processes().CountProcesses(), NumberRecord);
+    return facts_.Passed("ProcessCount", asked_.Processes().CountProcesses(), RecordOfNumber);
   }
   Fact<std::vector<Process>> AllProcesses() const override {
     auto processes = asked_.Processes().AllProcesses();

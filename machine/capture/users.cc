@@ -1,5 +1,5 @@
 #include "machine/capture/sources.h"
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 #include "machine/system_files.h"
 
 namespace machine::capture {
@@ -52,11 +52,8 @@ Fact<std::vector<std::string>> Users::UserNames() const {
   if (auto const* users = facts_["Users"].As<RecordDictionary>()) {
     for (auto const& [key, value] : users->entries()) names.push_back(BytesOfKey(key));
   }
-  auto const add = [&names](Fact<std::vector<std::string>> const& more) {
-    if (more) names.insert(names.end(), more->begin(), more->end());
-  };
-  add(volume_.UserNames());
-  add(NamesInAccounts(files_));
+  Fact<std::vector<std::string>> const more = volume_.UserNames();
+  if (more) names.insert(names.end(), more->begin(), more->end());
   return names;
 }
 

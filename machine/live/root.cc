@@ -84,20 +84,6 @@ Root::Root(std::string folder) : is_running_(folder == "/") {
 
 namespace {
 
-// A path may change while the kernel walks it; it then asks for another try.
-FileDescriptor OpenConfined(int folder, char const* path, unsigned long resolve,
-                            unsigned long flags = 0) {
-  constexpr int kTries = 8;
-  open_how how = {};
-  how.flags = O_PATH | O_CLOEXEC | flags;
-  how.resolve = resolve | RESOLVE_NO_MAGICLINKS;
-  for (int i = 0; i < kTries; ++i) {
-    FileDescriptor item(static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)));
-    if (item.is_open() || errno != EAGAIN) return item;
-  }
-  return {};
-}
-
 FileDescriptor Reopen(FileDescriptor const& item, int flags) {
   return FileDescriptor(::open(ProcPath(item.number()).c_str(), O_CLOEXEC | O_NOCTTY | flags));
 }
@@ -118,6 +104,20 @@ bool HasNul(std::string const& path) {
 }
 
 }  // namespace
+
+FileDescriptor OpenConfined(int folder, char const* path, unsigned long resolve,
+                            unsigned long flags) {
+  // A path may change while the kernel walks it; it then asks for another try.
+  constexpr int kTries = 8;
+  open_how how = {};
+  how.flags = O_PATH | O_CLOEXEC | flags;
+  how.resolve = resolve | RESOLVE_NO_MAGICLINKS;
+  for (int i = 0; i < kTries; ++i) {
+    FileDescriptor item(static_cast<int>(::syscall(SYS_openat2, folder, path, &how, sizeof how)));
+    if (item.is_open() || errno != EAGAIN) return item;
+  }
+  return {};
+}
 
 std::string ProcPath(int item) { return "/proc/self/fd/" + std::to_string(item); }
 

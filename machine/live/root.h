@@ -77,6 +77,10 @@ class Root {
   FileDescriptor folder_;  // open unless running
 };
 
+// For looking only, by a path from an open folder, as the kernel's RESOLVE_ flags say (openat2).
+FileDescriptor OpenConfined(int folder, char const* path, unsigned long resolve,
+                            unsigned long flags = 0);
+
 // Opens for real what was found and looked at already, so that nothing is opened that must not be:
 // a pipe would hang and a device may do anything. Only regular files; else `errno` is EISDIR or
 // EINVAL.

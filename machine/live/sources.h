@@ -85,7 +85,6 @@ class Users final : public UserSource {
   Fact<std::string> CurrentUser() const override;
   Fact<std::string> CurrentHome() const override;
   Fact<std::string> HomeOf(std::string const& user) const override;
-  Fact<std::vector<std::string>> UserNames() const override { return NamesInAccounts(files_); }
 
  private:
   Root const& root_;

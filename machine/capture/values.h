@@ -1,8 +1,10 @@
-// Bytes as strings of a property list, which holds nothing but text.
+// Values as a property list can hold them, which knows no unsigned numbers and no strings but text.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "machine/capture/record.h"
 
@@ -10,6 +12,9 @@ namespace machine::capture {
 
 // A string where the bytes are text that XML can hold, else the bytes themselves.
 Record RecordOfBytes(std::string bytes);
+
+Record RecordOfNames(std::vector<std::string> const& names);
+Record RecordOfNumber(std::uint64_t number);
 
 // For keys: a byte that is no such text, and "%" itself, becomes "%" and two hexadecimal digits.
 std::string KeyOfBytes(std::string_view bytes);

@@ -1,4 +1,4 @@
-#include "machine/capture/text_record.h"
+#include "machine/capture/values.h"
 
 #include <optional>
 
@@ -40,6 +40,17 @@ bool IsText(std::string_view text) {
 Record RecordOfBytes(std::string bytes) {
   if (IsText(bytes)) return bytes;
   return RecordBytes{std::move(bytes)};
+}
+
+Record RecordOfNames(std::vector<std::string> const& names) {
+  RecordArray array;
+  for (std::string const& name : names) array.push_back(RecordOfBytes(name));
+  return array;
+}
+
+Record RecordOfNumber(std::uint64_t number) {
+  if (number > std::uint64_t{INT64_MAX}) return number;
+  return static_cast<std::int64_t>(number);
 }
 
 std::string KeyOfBytes(std::string_view bytes) {
