@@ -6,7 +6,8 @@
 include(CMakePackageConfigHelpers)
 
 set(gatotu_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Gatotu)
-set(gatotu_libraries Evaluator EvaluatorPlugin Frameworks Portable Frame PortableInspectors)
+set(gatotu_libraries Evaluator EvaluatorPlugin Frameworks Portable Frame PortableInspectors
+  GatotuDirectory)
 
 foreach(library ${gatotu_libraries})
   target_include_directories(${library} INTERFACE $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
@@ -30,6 +31,9 @@ install(DIRECTORY evaluator/plugin DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/evalu
   FILES_MATCHING PATTERN "*.h")
 install(DIRECTORY frame portable frameworks portable_inspectors
   DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+install(DIRECTORY inspectors/activedirectory/directory
+  DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/inspectors/activedirectory
+  FILES_MATCHING PATTERN "*.h" PATTERN "*xml*" EXCLUDE)
 install(DIRECTORY machine DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}
   FILES_MATCHING PATTERN "*.h" PATTERN live EXCLUDE)
 
