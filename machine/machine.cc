@@ -96,6 +96,9 @@ Fact<std::string> UserSource::CurrentUser() const { return NotSupported("current
 Fact<std::string> UserSource::CurrentHome() const { return NotSupported("current user"); }
 Fact<std::string> UserSource::HomeOf(std::string const&) const { return NotSupported("users"); }
 Fact<std::vector<std::string>> UserSource::UserNames() const { return NotSupported("users"); }
+Fact<std::vector<DirectoryRecord>> DirectorySource::Find(DirectoryQuery const&) const {
+  return NotSupported("directory");
+}
 Fact<std::uint64_t> MemorySource::PhysicalBytes() const { return NotSupported("memory"); }
 Fact<std::uint64_t> MemorySource::SwapBytes() const { return NotSupported("swap"); }
 Fact<std::uint32_t> ProcessorSource::OnlineCount() const { return NotSupported("processors"); }
@@ -129,5 +132,6 @@ GestaltSource const& Machine::Gestalt() const { return Unsupported<GestaltSource
 FileSource const& Machine::Files() const { return Unsupported<FileSource>(); }
 SystemSource const& Machine::System() const { return Unsupported<SystemSource>(); }
 UserSource const& Machine::Users() const { return Unsupported<UserSource>(); }
+DirectorySource const& Machine::Directory() const { return Unsupported<DirectorySource>(); }
 
 }  // namespace machine

@@ -6,6 +6,7 @@
 #include <memory>
 #include <string>
 
+#include "machine/directory.h"
 #include "machine/export.h"
 #include "machine/fact.h"
 #include "machine/files.h"
@@ -31,6 +32,7 @@ class MACHINE_API Machine {
   virtual FileSource const& Files() const;
   virtual SystemSource const& System() const;
   virtual UserSource const& Users() const;
+  virtual DirectorySource const& Directory() const;
 };
 
 // The machine in use; the live machine with root "/" when none was chosen, made at the first call.

@@ -1,4 +1,5 @@
 #include "machine/gestalt.h"
+#include "machine/live/directory.h"
 #include "machine/live/files.h"
 #include "machine/live/sources.h"
 #include "machine/machine.h"
@@ -23,6 +24,7 @@ class LiveMachine final : public Machine {
   FileSource const& Files() const override { return files_; }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  DirectorySource const& Directory() const override { return directory_; }
 
  private:
   bool AreAllowed(Changes changes) const {
@@ -42,6 +44,7 @@ class LiveMachine final : public Machine {
   live::Processes processes_{root_};
   live::System system_{root_, files_};
   live::Users users_{root_, files_};
+  live::Directory directory_{root_, files_};
   DerivedGestalt gestalt_{*this};
 };
 

@@ -10,9 +10,10 @@
 
 namespace machine::live {
 
-// One text of a record: `ask(record, buffer, found)` until the buffer suffices.
-template <typename Record, typename Ask>
-Fact<std::string> AskNameService(char const* source, char* Record::*text, Ask&& ask) {
+// Hands a record to `take`: `ask(record, buffer, found)` until the buffer suffices. The system's
+// number, `ENOENT` when there is no such record.
+template <typename Record, typename Take, typename Ask>
+int TakeFromNameService(Take&& take, Ask&& ask) {
   constexpr std::size_t kLargest = std::size_t{1} << 20;
   int error = ERANGE;
   for (std::size_t size = 1024; error == ERANGE && size <= kLargest; size *= 4) {
@@ -20,13 +21,21 @@ Fact<std::string> AskNameService(char const* source, char* Record::*text, Ask&& 
     Record* found = nullptr;
     std::vector<char> buffer(size);
     error = ask(record, buffer, found);
-    if (error == 0 && found != nullptr) {
-      std::string answer = found->*text;
-      Announce(source, Outcome::kAnswered, answer.size());
-      return answer;
-    }
+    if (error == 0 && found == nullptr) return ENOENT;
+    if (error == 0) take(*found);
   }
-  return AnnounceError(error == 0 ? ENOENT : error, source);
+  return error;
+}
+
+// One text of a record.
+template <typename Record, typename Ask>
+Fact<std::string> AskNameService(char const* source, char* Record::*text, Ask&& ask) {
+  std::string answer;
+  int const error =
+      TakeFromNameService<Record>([&](Record const& found) { answer = found.*text; }, ask);
+  if (error != 0) return AnnounceError(error, source);
+  Announce(source, Outcome::kAnswered, answer.size());
+  return answer;
 }
 
 }  // namespace machine::live

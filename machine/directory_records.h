@@ -1,0 +1,50 @@
+// Choosing among the records of a directory's nodes, whatever they come from.
+#pragma once
+
+#include <optional>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "machine/directory.h"
+
+namespace machine {
+
+// ASCII letters only.
+std::string LowerCase(std::string_view text);
+bool EqualIgnoringCase(std::string_view left, std::string_view right);
+
+// Whether a query wants an attribute of this name.
+bool IsRequested(DirectoryQuery const& query, std::string_view attribute);
+// Whether the query names native attributes, one or all.
+bool RequestsNative(DirectoryQuery const& query);
+
+// Whether the record is of the type and has the value.
+bool Matches(DirectoryRecord const& record, DirectoryQuery const& query);
+bool IsEqual(std::string_view left, std::string_view right, DirectoryMatch match);
+
+// Collects the answer to one query, node by node.
+class DirectoryAnswer {
+ public:
+  explicit DirectoryAnswer(DirectoryQuery const& query) : query_(query) {}
+
+  // Takes what was requested of a record that matches, where its node answers for it. Records of a
+  // node may have equal names.
+  void Offer(DirectoryRecord record);
+  void EndNode();
+  // So that no further node need be asked.
+  bool is_complete() const;
+
+  std::vector<DirectoryRecord> Take() { return std::move(records_); }
+  bool is_empty() const { return records_.empty(); }
+  bool is_full() const { return query_.limit != 0 && records_.size() >= query_.limit; }
+
+ private:
+  DirectoryQuery const& query_;
+  std::vector<DirectoryRecord> records_;
+  // In lower case.
+  std::set<std::string> names_of_earlier_nodes_, names_of_this_node_;
+};
+
+}  // namespace machine

@@ -1,0 +1,189 @@
+#include "machine/live/directory_accounts.h"
+
+#include <grp.h>
+#include <pwd.h>
+
+#include <cstdio>
+#include <memory>
+#include <mutex>
+
+#include "machine/live/name_service.h"
+#include "machine/never_destroyed.h"
+#include "machine/system_files.h"
+
+namespace machine::live {
+namespace {
+
+DirectoryRecord LocalRecord(std::string_view type, std::string_view name) {
+  DirectoryRecord record = {std::string(type), std::string(name), kLocalNode, {}};
+  record.Add(kRecordName, record.name);
+  record.Add(kRecordType, record.type);
+  record.Add(kRecordNode, record.node);
+  return record;
+}
+
+void AddStandard(DirectoryRecord& record, std::string_view name, std::string_view value) {
+  if (!value.empty()) record.Add(std::string(kStandardPrefix).append(name), std::string(value));
+}
+
+// The comment's first part is the name, then come rooms and telephones.
+DirectoryRecord RecordOf(passwd const& user) {
+  DirectoryRecord record = LocalRecord(kUserRecords, user.pw_name);
+  std::string_view const comment = user.pw_gecos == nullptr ? "" : user.pw_gecos;
+  AddStandard(record, "UniqueID", std::to_string(user.pw_uid));
+  AddStandard(record, "PrimaryGroupID", std::to_string(user.pw_gid));
+  AddStandard(record, "NFSHomeDirectory", user.pw_dir);
+  AddStandard(record, "RealName", comment.substr(0, comment.find(',')));
+  AddStandard(record, "UserShell", user.pw_shell);
+  return record;
+}
+
+DirectoryRecord RecordOf(group const& group) {
+  DirectoryRecord record = LocalRecord(kGroupRecords, group.gr_name);
+  AddStandard(record, "PrimaryGroupID", std::to_string(group.gr_gid));
+  for (char* const* member = group.gr_mem; *member != nullptr; ++member) {
+    AddStandard(record, "GroupMembership", *member);
+  }
+  return record;
+}
+
+// The calls of the name service for one kind of record.
+template <typename Record>
+struct Calls;
+
+template <>
+struct Calls<passwd> {
+  static constexpr char* passwd::*kName = &passwd::pw_name;
+  static constexpr char kNamed[] = "getpwnam", kNext[] = "getpwent";
+  static constexpr char const* kPath = kUserListPath;
+  static constexpr auto Named = ::getpwnam_r;
+  static constexpr auto Start = ::setpwent;
+  static constexpr auto Next = ::getpwent_r;
+  static constexpr auto End = ::endpwent;
+  static constexpr auto NextInFile = ::fgetpwent_r;
+};
+
+template <>
+struct Calls<group> {
+  static constexpr char* group::*kName = &group::gr_name;
+  static constexpr char kNamed[] = "getgrnam", kNext[] = "getgrent";
+  static constexpr char const* kPath = kGroupListPath;
+  static constexpr auto Named = ::getgrnam_r;
+  static constexpr auto Start = ::setgrent;
+  static constexpr auto Next = ::getgrent_r;
+  static constexpr auto End = ::endgrent;
+  static constexpr auto NextInFile = ::fgetgrent_r;
+};
+
+// Offers what matches of all that `next` gives. `ENOENT` is the end of the list.
+template <typename Record, typename Next>
+Fact<Done> OfferEach(char const* source, DirectoryQuery const& query, DirectoryAnswer& answer,
+                     std::function<bool()> const& should_stop, Next&& next) {
+  std::uint64_t count = 0;
+  auto const offer = [&](Record const& entry) {
+    // Names of "+" and the like stand for lists kept elsewhere.
+    bool const is_name =
+        entry.*Calls<Record>::kName != nullptr &&
+        std::string_view("+-").find((entry.*Calls<Record>::kName)[0]) == std::string_view::npos;
+    DirectoryRecord record = RecordOf(entry);
+    if (is_name && Matches(record, query)) answer.Offer(std::move(record));
+    ++count;
+  };
+  int error = 0;
+  while (error == 0 && !answer.is_full()) {
+    constexpr std::uint64_t kBetweenStops = 64;
+    bool const is_time = should_stop && count % kBetweenStops == 0;
+    if (is_time && should_stop()) return AnnounceAbsence(Outcome::kTimedOut, source, "given up");
+    error = TakeFromNameService<Record>(offer, next);
+  }
+  if (error != 0 && error != ENOENT) return AnnounceError(error, source);
+  Announce(source, Outcome::kAnswered);
+  return Done{};
+}
+
+// The list has one position in a process.
+template <typename Record>
+Fact<Done> OfferAll(DirectoryQuery const& query, std::function<bool()> const& should_stop,
+                    DirectoryAnswer& answer) {
+  static NeverDestroyed<std::mutex> guard;
+  std::lock_guard lock(*guard);
+  Calls<Record>::Start();
+  auto const next = [](Record& record, std::vector<char>& buffer, Record*& found) {
+    return Calls<Record>::Next(&record, buffer.data(), buffer.size(), &found);
+  };
+  Fact<Done> done = OfferEach<Record>(Calls<Record>::kNext, query, answer, should_stop, next);
+  Calls<Record>::End();
+  return done;
+}
+
+// The numbers with which a name service says that it does not know a name.
+bool IsUnknown(int error) {
+  return error == ENOENT || error == ESRCH || error == EBADF || error == EPERM;
+}
+
+// Some services have records that they do not list, and a list may be long: a name as it is asked
+// comes first, and the list only where letter case may differ.
+template <typename Record>
+Fact<Done> OfferNamed(DirectoryQuery const& query, std::function<bool()> const& should_stop,
+                      DirectoryAnswer& answer) {
+  DirectoryQuery rest = query;
+  rest.values.clear();
+  for (std::string const& name : query.values) {
+    if (name.find('\0') != std::string::npos) continue;
+    auto const ask = [&name](Record& record, std::vector<char>& buffer, Record*& found) {
+      return Calls<Record>::Named(name.c_str(), &record, buffer.data(), buffer.size(), &found);
+    };
+    int const error = TakeFromNameService<Record>(
+        [&answer](Record const& found) { answer.Offer(RecordOf(found)); }, ask);
+    if (error != 0 && !IsUnknown(error)) return AnnounceError(error, Calls<Record>::kNamed);
+    Announce(Calls<Record>::kNamed, error == 0 ? Outcome::kAnswered : Outcome::kAbsent);
+    if (error != 0) rest.values.push_back(name);
+  }
+  if (rest.values.empty() || query.match == DirectoryMatch::kExact) return Done{};
+  return OfferAll<Record>(rest, should_stop, answer);
+}
+
+template <typename Record>
+Fact<Done> OfferRecords(DirectoryQuery const& query, std::function<bool()> const& should_stop,
+                        DirectoryAnswer& answer) {
+  bool const is_named = !query.values.empty() && query.attribute == kRecordName;
+  return is_named ? OfferNamed<Record>(query, should_stop, answer)
+                  : OfferAll<Record>(query, should_stop, answer);
+}
+
+template <typename Record>
+Fact<Done> OfferFile(DirectoryQuery const& query, FileSource const& files,
+                     DirectoryAnswer& answer) {
+  char const* const path = Calls<Record>::kPath;
+  Fact<std::string> text = files.ReadFile(path, kLargestSystemFile);
+  if (!text) return text.absence();
+  if (text->empty()) return Done{};
+  std::unique_ptr<std::FILE, int (*)(std::FILE*)> const stream(
+      ::fmemopen(text.value().data(), text->size(), "r"), &std::fclose);
+  if (stream == nullptr) return AnnounceError(errno, path);
+  auto const next = [&stream](Record& record, std::vector<char>& buffer, Record*& found) {
+    return Calls<Record>::NextInFile(stream.get(), &record, buffer.data(), buffer.size(), &found);
+  };
+  return OfferEach<Record>(path, query, answer, {}, next);
+}
+
+}  // namespace
+
+// None has native attributes, so a query that wants some need not be asked.
+Fact<Done> OfferNameService(DirectoryQuery const& query, std::function<bool()> const& should_stop,
+                            DirectoryAnswer& answer) {
+  if (RequestsNative(query)) return Done{};
+  if (query.type == kUserRecords) return OfferRecords<passwd>(query, should_stop, answer);
+  if (query.type == kGroupRecords) return OfferRecords<group>(query, should_stop, answer);
+  return Done{};
+}
+
+Fact<Done> OfferAccountFiles(DirectoryQuery const& query, FileSource const& files,
+                             DirectoryAnswer& answer) {
+  if (RequestsNative(query)) return Done{};
+  if (query.type == kUserRecords) return OfferFile<passwd>(query, files, answer);
+  if (query.type == kGroupRecords) return OfferFile<group>(query, files, answer);
+  return Done{};
+}
+
+}  // namespace machine::live

@@ -1,0 +1,19 @@
+#include "machine/companion_library.h"
+#include "machine/live/directory_ldap.h"
+
+namespace machine::live {
+namespace {
+
+LdapEngine* OpenLibrary() {
+  void* const entry = LoadFromCompanion("libFrameworksLdap.so", kLdapEngineEntry);
+  return entry == nullptr ? nullptr : reinterpret_cast<LdapEngineEntry>(entry)();
+}
+
+}  // namespace
+
+LdapEngine* LoadLdapEngine() {
+  static LdapEngine* const engine = OpenLibrary();
+  return engine;
+}
+
+}  // namespace machine::live

@@ -1,0 +1,195 @@
+#include "machine/live/directory_network.h"
+
+#include <algorithm>
+
+#include "machine/live/directory_filter.h"
+#include "machine/live/text.h"
+
+namespace machine::live {
+namespace {
+
+using Entries = Fact<std::vector<LdapEntry>>;
+
+LdapSearch EntryItself(std::string const& name, std::vector<std::string> attributes) {
+  return {name, true, "(objectClass=*)", std::move(attributes), 0};
+}
+
+// One question as the thread that works on it has it: nothing here belongs to who asked.
+class Question {
+ public:
+  Question(LdapEngine& engine, DirectoryQuery query, LdapSearch search,
+           std::shared_ptr<DirectorySettings const> settings,
+           std::unique_ptr<LdapConnection> connection)
+      : engine_(engine),
+        query_(std::move(query)),
+        search_(std::move(search)),
+        settings_(std::move(settings)),
+        connection_(std::move(connection)) {}
+
+  // A kept connection may have ended meanwhile; then a new one is tried.
+  void Answer(Patience const& patience) {
+    bool const was_kept = connection_ != nullptr;
+    records = Find(patience);
+    bool const has_ended = connection_ != nullptr && !connection_->is_usable();
+    if (records || !was_kept || !has_ended || patience.is_over()) return;
+    connection_.reset();
+    records = Find(patience);
+  }
+
+  // Afterwards, where it is still good.
+  std::unique_ptr<LdapConnection> TakeConnection() {
+    if (connection_ != nullptr && !connection_->is_usable()) connection_.reset();
+    return std::move(connection_);
+  }
+
+  Fact<std::vector<DirectoryRecord>> records = std::vector<DirectoryRecord>();
+  std::string server;
+
+ private:
+  Fact<std::vector<DirectoryRecord>> Find(Patience const& patience) {
+    if (connection_ == nullptr) {
+      auto connected = engine_.Connect({settings_->uri, settings_->bind_name,
+                                        settings_->bind_password, settings_->allows_clear_loopback},
+                                       patience);
+      if (!connected) return connected.absence();
+      connection_ = std::move(connected).value();
+    }
+    server = connection_->uri();
+    Fact<std::string> const base = Base(patience);
+    if (!base) return base.absence();
+    search_.base = *base;
+    Entries entries = connection_->Search(search_, patience);
+    if (!entries) return entries.absence();
+    std::vector<DirectoryRecord> found;
+    for (LdapEntry& entry : entries.value()) {
+      if (auto const failure = Complete(entry, patience)) return *failure;
+      found.push_back(RecordOf(entry, query_.type, NodeName()));
+    }
+    return found;
+  }
+
+  // The server's own where none is configured.
+  Fact<std::string> Base(Patience const& patience) {
+    if (!settings_->base.empty()) return settings_->base;
+    if (!connection_->configured_base().empty()) return connection_->configured_base();
+    constexpr char kBase[] = "defaultNamingContext";
+    Entries const root = connection_->Search(EntryItself({}, {kBase}), patience);
+    if (!root) return root.absence();
+    for (LdapEntry const& entry : *root) {
+      for (auto const& [name, values] : entry.attributes) {
+        if (EqualIgnoringCase(name, kBase)) return values.front();
+      }
+    }
+    return Absence{Outcome::kAbsent, server, "no base is configured and the server tells none"};
+  }
+
+  // Adds what only a search of the entry itself tells.
+  std::optional<Absence> Complete(LdapEntry& entry, Patience const& patience) {
+    std::vector<std::string> const computed = ComputedAttributes(query_);
+    if (!computed.empty()) {
+      if (auto const failure = Add(entry, computed, patience)) return failure;
+    }
+    return CompleteRanges(entry, patience);
+  }
+
+  std::optional<Absence> Add(LdapEntry& entry, std::vector<std::string> const& names,
+                             Patience const& patience) {
+    Entries more = connection_->Search(EntryItself(entry.name, names), patience);
+    if (!more) return more.absence();
+    for (LdapEntry& part : more.value()) {
+      std::ranges::move(part.attributes, std::back_inserter(entry.attributes));
+    }
+    return {};
+  }
+
+  // Of long lists servers send "member;range=0-1499" and want to be asked for the rest, of which
+  // the last part is "member;range=3000-*".
+  std::optional<Absence> CompleteRanges(LdapEntry& entry, Patience const& patience) {
+    constexpr std::string_view kRange = ";range=";
+    for (auto& [name, values] : entry.attributes) {
+      for (std::size_t at; (at = LowerCase(name).find(kRange)) != std::string::npos;) {
+        bool const is_last = name.ends_with("-*");
+        name.resize(at);
+        if (is_last) break;
+        std::string const rest = std::to_string(values.size()) + "-*";
+        LdapEntry part = {entry.name, {}};
+        auto const failure = Add(part, {name + std::string(kRange) + rest}, patience);
+        if (failure) return failure;
+        if (part.attributes.empty()) {
+          return Absence{Outcome::kMalformed, server, name + ": the values do not go on"};
+        }
+        name = part.attributes.front().first;
+        std::ranges::move(part.attributes.front().second, std::back_inserter(values));
+      }
+    }
+    return {};
+  }
+
+  // By the server's host, as the service names such nodes.
+  std::string NodeName() const {
+    std::string_view host = server;
+    std::size_t const start = host.find("://");
+    if (start != std::string_view::npos) host.remove_prefix(start + 3);
+    return "/LDAPv3/" + std::string(host.substr(0, host.find_first_of(":/")));
+  }
+
+  LdapEngine& engine_;
+  DirectoryQuery const query_;
+  LdapSearch search_;
+  std::shared_ptr<DirectorySettings const> const settings_;
+  std::unique_ptr<LdapConnection> connection_;
+};
+
+std::string SourceName(std::string const& server, LdapSearch const& search) {
+  return (server.empty() ? "LDAP" : server) + " " + search.filter;
+}
+
+}  // namespace
+
+Fact<Done> NetworkDirectory::Offer(DirectoryQuery const& query, NumberedSettings const& settings,
+                                   DirectoryAnswer& answer) const {
+  auto search = SearchFor(query);
+  if (!search) return Done{};
+  // Else some of the first records may not count.
+  bool const counts_every_record =
+      answer.is_empty() && !RequestsNative(query) && query.match == DirectoryMatch::kIgnoringCase;
+  if (counts_every_record) search->limit = query.limit;
+  LdapEngine* const engine = LoadLdapEngine();
+  if (engine == nullptr) {
+    return AnnounceAbsence(Outcome::kNotSupported, "LDAP", "the library cannot be loaded");
+  }
+  auto const question = std::make_shared<Question>(*engine, query, *search, settings.settings,
+                                                   TakeConnection(settings.number));
+  bool const is_done =
+      FinishInTime(settings.settings->time_limit, settings.settings->should_stop,
+                   [question](Patience const& patience) { question->Answer(patience); });
+  if (!is_done) {
+    return AnnounceAbsence(Outcome::kTimedOut, SourceName({}, *search), "no answer in time");
+  }
+  KeepConnection(question->TakeConnection(), settings.number);
+  std::string const source = SourceName(question->server, *search);
+  Announce(source, question->records.outcome());
+  if (!question->records) return question->records.absence();
+  for (DirectoryRecord& record : question->records.value()) {
+    bool const has_name = query.match == DirectoryMatch::kIgnoringCase ||
+                          query.attribute != kRecordName || query.type == kComputerRecords ||
+                          Matches(record, query);
+    if (has_name) answer.Offer(std::move(record));
+  }
+  return Done{};
+}
+
+std::unique_ptr<LdapConnection> NetworkDirectory::TakeConnection(std::uint64_t settings) const {
+  std::lock_guard lock(guard_);
+  if (connected_with_ != settings) connection_.reset();
+  return std::move(connection_);
+}
+
+void NetworkDirectory::KeepConnection(std::unique_ptr<LdapConnection> connection,
+                                      std::uint64_t settings) const {
+  std::lock_guard lock(guard_);
+  connection_ = std::move(connection);
+  connected_with_ = settings;
+}
+
+}  // namespace machine::live

@@ -1,0 +1,37 @@
+// How long a question on a thread of its own may go on.
+#pragma once
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+
+namespace machine::live {
+
+class Patience {
+ public:
+  using Time = std::chrono::milliseconds;
+
+  explicit Patience(Time limit) : end_(std::chrono::steady_clock::now() + limit) {}
+
+  // Never negative.
+  Time Left() const {
+    auto const left = std::chrono::duration_cast<Time>(end_ - std::chrono::steady_clock::now());
+    return is_given_up_ || left < Time::zero() ? Time::zero() : left;
+  }
+  bool is_over() const { return Left() == Time::zero(); }
+  void GiveUp() { is_given_up_ = true; }
+
+ private:
+  std::chrono::steady_clock::time_point const end_;
+  std::atomic<bool> is_given_up_ = false;
+};
+
+// Does the work on a thread of its own and waits for it, at most as long as the limit and until
+// `should_stop` (null: never) says so; false when it was abandoned then, or no thread could be had.
+// An abandoned thread goes on until it notices: the work owns all that it touches.
+bool FinishInTime(Patience::Time limit, std::function<bool()> const& should_stop,
+                  std::function<void(Patience const&)> work);
+
+bool HasAbandonedWork();
+
+}  // namespace machine::live
