@@ -1,0 +1,39 @@
+// A local user's account in the directory.
+#pragma once
+
+#include "inspectors/activedirectory/directory/active_directory_account.h"
+
+class GATOTU_API ActiveDirectoryLocalUser : public ActiveDirectoryAccount {
+ public:
+  // How the last refresh ended. Not kept in the cache file, so that each run refreshes anew.
+  enum class Status : std::uint32_t { kNeverRefreshed = 0, kSucceeded = 1, kFailed = 2 };
+
+  ActiveDirectoryLocalUser() = default;
+  explicit ActiveDirectoryLocalUser(std::string name);
+  ActiveDirectoryLocalUser(std::string name, std::string domain);
+  // From its cache file.
+  explicit ActiveDirectoryLocalUser(FileLocation const& location);
+
+  void ClearData() override;
+  std::string ToXml() const override;
+  void FromXml(std::string const& text) override;
+
+  // The first group of exactly that name.
+  bool GetGroup(std::string const& name, ActiveDirectoryGroup& out) const;
+
+  std::string const& GetDomain() const { return domain_; }
+  Status GetStatus() const { return status_; }
+  void SetDomain(std::string domain) { domain_ = std::move(domain); }
+  void SetStatus(Status status) { status_ = status; }
+
+ private:
+  bool FindCache(ActiveDirectoryInspectorContext const& context, FileLocation& out) const override;
+
+  std::string domain_;
+  Status status_ = Status::kNeverRefreshed;
+};
+
+template <>
+struct InspectorTypeName<ActiveDirectoryLocalUser> {
+  static constexpr char const* kName = "active directory local user";
+};
