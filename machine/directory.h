@@ -61,6 +61,8 @@ struct DirectoryQuery {
   std::vector<std::string> requested;
   // Of records in the answer; 0: all.
   std::size_t limit = 0;
+
+  bool operator==(DirectoryQuery const&) const = default;
 };
 
 class MACHINE_API DirectorySource {

@@ -1,0 +1,188 @@
+// Records of a node, as many at a time as the buffer holds.
+#include <DirectoryService/DirServices.h>
+#include <DirectoryService/DirServicesConst.h>
+
+#include <algorithm>
+#include <optional>
+
+#include "frameworks/DirectoryService/answer_buffer.h"
+#include "frameworks/DirectoryService/data_lists.h"
+#include "frameworks/DirectoryService/references.h"
+#include "machine/machine.h"
+
+using namespace directory_service;
+using machine::DirectoryQuery;
+
+namespace {
+
+tDirStatus StatusOf(machine::Absence const& absence) {
+  switch (absence.reason) {
+    case machine::Outcome::kPermissionRefused:
+      return eDSPermissionError;
+    case machine::Outcome::kMalformed:
+      return eDSBadPacket;
+    case machine::Outcome::kTimedOut:
+      return eDSReceiveFailed;
+    default:
+      return eDSServiceUnavailable;
+  }
+}
+
+// The arguments that all searches share.
+struct Search {
+  tDirNodeReference node;
+  tDataBufferPtr buffer;
+  tDataListPtr types;
+  tDataListPtr attributes;  // null: all
+  bool has_values;
+  UInt32* count;
+  tContextData* context;
+};
+
+UInt32 NumberOf(tContextData context) {
+  return static_cast<UInt32>(reinterpret_cast<std::uintptr_t>(context));
+}
+
+tContextData ContextOf(UInt32 number) {
+  return reinterpret_cast<tContextData>(static_cast<std::uintptr_t>(number));
+}
+
+tDirStatus Check(Search const& search) {
+  if (search.buffer == nullptr) return eDSNullDataBuff;
+  if (search.types == nullptr) return eDSNullRecTypeList;
+  if (search.types->fDataNodeCount == 0) return eDSEmptyRecordTypeList;
+  if (search.count == nullptr) return eDSNullParameter;
+  return eDSNoErr;
+}
+
+// `limit` is of all types together; 0: none.
+tDirStatus Ask(std::vector<DirectoryQuery> const& queries, std::size_t limit, Records& records) {
+  for (DirectoryQuery query : queries) {
+    query.limit = limit == 0 ? 0 : limit - records.size();
+    auto found = machine::CurrentMachine().Directory().Find(query);
+    if (!found) return StatusOf(found.absence());
+    std::ranges::move(found.value(), std::back_inserter(records));
+    if (limit != 0 && records.size() >= limit) break;
+  }
+  return eDSNoErr;
+}
+
+// The records to hand out next: those that were left, those kept for a larger buffer, or new ones.
+tDirStatus TakeRecords(Search const& search, OpenNode& node, OpenNode::Kept question,
+                       std::size_t limit, OpenNode::Kept& taken) {
+  if (search.context != nullptr && *search.context != nullptr) {
+    auto const left = node.continued.find(NumberOf(*search.context));
+    if (left == node.continued.end()) return eDSInvalidContinueData;
+    taken.records = std::move(left->second);
+    node.continued.erase(left);
+    return eDSNoErr;
+  }
+  taken = std::exchange(node.kept, {});
+  bool const is_same = !taken.records.empty() && taken.queries == question.queries &&
+                       taken.machine == question.machine;
+  if (is_same) return eDSNoErr;
+  taken = std::move(question);
+  return Ask(taken.queries, limit, taken.records);
+}
+
+// What does not fit is kept for the next call.
+tDirStatus HandOut(Search const& search, OpenNode& node, OpenNode::Kept taken) {
+  Records& records = taken.records;
+  AnswerWriter writer(*search.buffer, Content::kRecords);
+  while (!records.empty() && writer.Append(records.front(), search.has_values)) {
+    records.pop_front();
+  }
+  bool const is_continued = search.context != nullptr && *search.context != nullptr;
+  if (!records.empty() && writer.count() == 0) {
+    if (is_continued) node.continued[NumberOf(*search.context)] = std::move(records);
+    if (!is_continued) node.kept = std::move(taken);
+    return eDSBufferTooSmall;
+  }
+  *search.count = writer.count();
+  if (search.context == nullptr) return eDSNoErr;
+  *search.context = nullptr;
+  if (records.empty()) return eDSNoErr;
+  UInt32 const number = References::Shared().NewNumber();
+  node.continued[number] = std::move(records);
+  *search.context = ContextOf(number);
+  return eDSNoErr;
+}
+
+// `pattern` says which records, but for node, type and attributes.
+tDirStatus Run(Search const& search, DirectoryQuery pattern) {
+  tDirStatus status = Check(search);
+  if (status != eDSNoErr) return status;
+  auto const node = References::Shared().Find<OpenNode>(search.node, status);
+  if (node == nullptr) return status;
+  pattern.node = node->node;
+  pattern.requested = search.attributes == nullptr ? std::vector<std::string>{kDSAttributesAll}
+                                                   : StringsOf(*search.attributes);
+  std::size_t const limit = *search.count;
+  pattern.limit = limit;
+  OpenNode::Kept question = {{}, machine::CurrentMachineNumber(), {}};
+  for (std::string& type : StringsOf(*search.types)) {
+    question.queries.push_back(pattern);
+    question.queries.back().type = std::move(type);
+  }
+  OpenNode::Kept taken;
+  status = TakeRecords(search, *node, std::move(question), limit, taken);
+  return status == eDSNoErr ? HandOut(search, *node, std::move(taken)) : status;
+}
+
+std::optional<machine::DirectoryMatch> MatchOf(tDirPatternMatch match) {
+  if (match == eDSExact) return machine::DirectoryMatch::kExact;
+  if (match == eDSiExact) return machine::DirectoryMatch::kIgnoringCase;
+  return {};
+}
+
+}  // namespace
+
+tDirStatus dsGetRecordList(tDirNodeReference node, tDataBufferPtr buffer, tDataListPtr names,
+                           tDirPatternMatch match, tDataListPtr types, tDataListPtr attributes,
+                           dsBool info_only, UInt32* count, tContextData* context) {
+  if (names == nullptr) return eDSNullRecNameList;
+  if (attributes == nullptr) return eDSNullAttributeTypeList;
+  DirectoryQuery pattern;
+  pattern.values = StringsOf(*names);
+  if (pattern.values.empty()) return eDSEmptyRecordNameList;
+  bool const wants_all =
+      match == eDSAnyMatch || std::ranges::count(pattern.values, kDSRecordsAll) != 0;
+  if (wants_all) pattern.values.clear();
+  auto const known = MatchOf(match);
+  if (!known && !wants_all) return eDSUnSupportedMatchType;
+  pattern.match = known.value_or(machine::DirectoryMatch::kIgnoringCase);
+  return Run({node, buffer, types, attributes, info_only == 0, count, context}, std::move(pattern));
+}
+
+tDirStatus dsDoAttributeValueSearchWithData(tDirNodeReference node, tDataBufferPtr buffer,
+                                            tDataListPtr types, tDataNodePtr attribute,
+                                            tDirPatternMatch match, tDataNodePtr value,
+                                            tDataListPtr attributes, dsBool info_only,
+                                            UInt32* count, tContextData* context) {
+  if (attribute == nullptr) return eDSNullAttributeType;
+  if (value == nullptr) return eDSNullPatternMatch;
+  auto const known = MatchOf(match);
+  if (!known) return eDSUnSupportedMatchType;
+  DirectoryQuery pattern;
+  pattern.attribute = TextOf(*attribute);
+  pattern.values = {std::string(TextOf(*value))};
+  pattern.match = *known;
+  return Run({node, buffer, types, attributes, info_only == 0, count, context}, std::move(pattern));
+}
+
+tDirStatus dsDoAttributeValueSearch(tDirNodeReference node, tDataBufferPtr buffer,
+                                    tDataListPtr types, tDataNodePtr attribute,
+                                    tDirPatternMatch match, tDataNodePtr value, UInt32* count,
+                                    tContextData* context) {
+  return dsDoAttributeValueSearchWithData(node, buffer, types, attribute, match, value, nullptr, 0,
+                                          count, context);
+}
+
+tDirStatus dsReleaseContinueData(tDirReference reference, tContextData context) {
+  tDirStatus status = eDSNoErr;
+  if (References::Shared().Find<OpenService>(reference, status) == nullptr) return status;
+  auto const node = References::Shared().NodeOfContinued(NumberOf(context));
+  if (node == nullptr || node->service != reference) return eDSInvalidContinueData;
+  node->continued.erase(NumberOf(context));
+  return eDSNoErr;
+}

@@ -1,0 +1,62 @@
+// Answers as they lie in a caller's buffer: of our own form, since only the calls read them. What
+// reads them trusts no byte, because the buffer is the caller's.
+#pragma once
+
+#include <DirectoryService/DirServicesTypes.h>
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "machine/directory.h"
+
+namespace directory_service {
+
+enum class Content : UInt32 { kNodeNames = 0x6E6F6465, kRecords = 0x72656373 };
+
+class AnswerWriter {
+ public:
+  // The buffer is empty then. False from `Append` when the buffer is too small for it: it holds
+  // what it held.
+  AnswerWriter(tDataBuffer& buffer, Content content);
+  bool Append(std::string_view node_name);
+  bool Append(machine::DirectoryRecord const& record, bool has_values);
+  UInt32 count() const { return count_; }
+
+ private:
+  void PutNumber(std::size_t number);
+  void PutText(std::string_view text);
+  bool Keep(UInt32 length_before);
+
+  tDataBuffer& buffer_;
+  UInt32 count_ = 0;
+  bool is_full_ = false;
+};
+
+// Texts are in the buffer. Nothing where it does not hold what is asked for.
+struct RecordInBuffer {
+  std::string_view name, type;
+  UInt32 attribute_count = 0;
+  std::string_view attributes;  // in the form of the buffer
+};
+struct AttributeInBuffer {
+  std::string_view name;
+  std::vector<std::string_view> values;
+};
+
+// `Expected<T>` is a value or a status.
+template <typename T>
+struct Expected {
+  std::optional<T> value;
+  tDirStatus status = eDSNoErr;
+};
+
+// What the buffer holds; empty where it says that it holds more than it can.
+std::string_view ContentOf(tDataBuffer const& buffer);
+
+// Indices count from 1.
+Expected<std::string_view> NodeNameIn(tDataBuffer const& buffer, UInt32 index);
+Expected<RecordInBuffer> RecordIn(tDataBuffer const& buffer, UInt32 index);
+Expected<AttributeInBuffer> AttributeIn(RecordInBuffer const& record, UInt32 index);
+
+}  // namespace directory_service
