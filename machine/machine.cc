@@ -99,6 +99,7 @@ Fact<std::vector<std::string>> UserSource::UserNames() const { return NotSupport
 Fact<std::vector<DirectoryRecord>> DirectorySource::Find(DirectoryQuery const&) const {
   return NotSupported("directory");
 }
+Fact<RecordDictionary> SessionSource::ConsoleUser() const { return NotSupported("sessions"); }
 Fact<std::uint64_t> MemorySource::PhysicalBytes() const { return NotSupported("memory"); }
 Fact<std::uint64_t> MemorySource::SwapBytes() const { return NotSupported("swap"); }
 Fact<std::uint32_t> ProcessorSource::OnlineCount() const { return NotSupported("processors"); }
@@ -133,5 +134,6 @@ FileSource const& Machine::Files() const { return Unsupported<FileSource>(); }
 SystemSource const& Machine::System() const { return Unsupported<SystemSource>(); }
 UserSource const& Machine::Users() const { return Unsupported<UserSource>(); }
 DirectorySource const& Machine::Directory() const { return Unsupported<DirectorySource>(); }
+SessionSource const& Machine::Sessions() const { return Unsupported<SessionSource>(); }
 
 }  // namespace machine

@@ -10,6 +10,7 @@
 #include "machine/export.h"
 #include "machine/fact.h"
 #include "machine/files.h"
+#include "machine/sessions.h"
 #include "machine/sources.h"
 
 namespace machine {
@@ -33,6 +34,7 @@ class MACHINE_API Machine {
   virtual SystemSource const& System() const;
   virtual UserSource const& Users() const;
   virtual DirectorySource const& Directory() const;
+  virtual SessionSource const& Sessions() const;
 };
 
 // The machine in use; the live machine with root "/" when none was chosen, made at the first call.

@@ -22,6 +22,7 @@ enum CFTypeNumber : CFTypeID {
   kCFTypeDate = 23,
   kCFTypeURL = 24,
   kCFTypeBundle = 25,
+  kSCTypeDynamicStore = 26,
 };
 
 class CFObject {

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "machine/capture/sessions.h"
 #include "machine/live/files.h"
 
 namespace machine::capture {
@@ -55,6 +56,7 @@ class CaptureMachine final : public Machine {
   }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  SessionSource const& Sessions() const override { return sessions_; }
 
  private:
   std::unique_ptr<FileSource const> MakeCopies() const {
@@ -76,6 +78,7 @@ class CaptureMachine final : public Machine {
   capture::Processors processors_{opened_.facts};
   capture::Hardware hardware_{opened_.facts};
   capture::Processes processes_{opened_.facts};
+  capture::Sessions sessions_{opened_.facts};
   capture::Gestalt gestalt_{opened_.facts, *this};
 };
 

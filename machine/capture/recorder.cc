@@ -76,6 +76,7 @@ void AskSystem(Machine const& machine) {
   machine.System().KernelRelease();
   machine.Processes().CountProcesses();
   machine.Processes().AllProcesses();
+  machine.Sessions().ConsoleUser();
   Fact<std::vector<std::string>> const names = machine.Environment().VariableNames();
   if (!names) return;
   for (std::string const& name : *names) machine.Environment().Variable(name);

@@ -11,7 +11,8 @@ class RecordingSources : public ClockSource,
                          public EnvironmentSource,
                          public NameSource,
                          public SystemSource,
-                         public UserSource {
+                         public UserSource,
+                         public SessionSource {
  public:
   explicit RecordingSources(Recording& recording)
       : asked_(*recording.asked), facts_(recording.facts) {}
@@ -49,6 +50,10 @@ class RecordingSources : public ClockSource,
   Fact<std::string> HomeOf(std::string const& user) const override;
   // Each is recorded once its home is asked.
   Fact<std::vector<std::string>> UserNames() const override { return asked_.Users().UserNames(); }
+  Fact<RecordDictionary> ConsoleUser() const override {
+    return facts_.Passed("ConsoleUser", asked_.Sessions().ConsoleUser(),
+                         [](RecordDictionary const& user) { return user; });
+  }
 
  private:
   Machine const& asked_;
@@ -205,6 +210,7 @@ class RecordingMachine final : public Machine {
   FileSource const& Files() const override { return *files_; }
   SystemSource const& System() const override { return sources_; }
   UserSource const& Users() const override { return sources_; }
+  SessionSource const& Sessions() const override { return sources_; }
 
  private:
   std::shared_ptr<Recording> const recording_;

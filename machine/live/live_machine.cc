@@ -1,6 +1,7 @@
 #include "machine/gestalt.h"
 #include "machine/live/directory.h"
 #include "machine/live/files.h"
+#include "machine/live/sessions.h"
 #include "machine/live/sources.h"
 #include "machine/machine.h"
 
@@ -25,6 +26,7 @@ class LiveMachine final : public Machine {
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
   DirectorySource const& Directory() const override { return directory_; }
+  SessionSource const& Sessions() const override { return sessions_; }
 
  private:
   bool AreAllowed(Changes changes) const {
@@ -45,6 +47,7 @@ class LiveMachine final : public Machine {
   live::System system_{root_, files_};
   live::Users users_{root_, files_};
   live::Directory directory_{root_, files_};
+  live::Sessions sessions_{root_};
   DerivedGestalt gestalt_{*this};
 };
 

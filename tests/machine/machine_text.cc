@@ -3,6 +3,8 @@
 #include <iomanip>
 #include <sstream>
 
+#include "frameworks/CoreFoundation/recorded_facts.h"
+
 namespace {
 
 using machine::Detail;
@@ -26,6 +28,9 @@ void Print(std::ostream& out, machine::Platform platform) { out << static_cast<i
 void Print(std::ostream& out, machine::Architecture kind) { out << static_cast<int>(kind); }
 void Print(std::ostream& out, machine::Process const& process) {
   out << process.pid << process.name;
+}
+void Print(std::ostream& out, machine::RecordDictionary const& record) {
+  out << *WriteRecordedFacts(record);
 }
 void Print(std::ostream& out, machine::GestaltResponse const& response) {
   std::visit([&](auto const& value) { Print(out, value); }, response);
@@ -117,6 +122,7 @@ std::string FactsText(machine::Machine const& machine) {
   Line(out, "user", machine.Users().CurrentUser());
   Line(out, "home", machine.Users().CurrentHome());
   Line(out, "home of ann", machine.Users().HomeOf("ann"));
+  Line(out, "console", machine.Sessions().ConsoleUser());
   Line(out, "memory", machine.Memory().PhysicalBytes());
   Line(out, "swap", machine.Memory().SwapBytes());
   Line(out, "processors", machine.Processors().OnlineCount());

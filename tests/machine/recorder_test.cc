@@ -49,6 +49,10 @@ void FillIn(ScriptedMachine& script) {
   script.current_user = "ann";
   script.current_home = "/home/elsewhere";
   script.homes = {{"ann", "/home/ann"}, {"\xFF/", "/odd"}};
+  machine::RecordDictionary session;
+  session.Add("kCGSSessionIDKey", std::int64_t{257});
+  session.Add("kCGSSessionUserNameKey", machine::RecordBytes{"ann\xFF"});
+  script.console_user.emplace().Add("SessionInfo", machine::RecordArray{session});
   script.physical_bytes = std::uint64_t{3} << 30;
   script.swap_bytes = UINT64_MAX;
   script.online_processors = 2;

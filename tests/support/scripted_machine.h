@@ -24,7 +24,8 @@ class ScriptedMachine final : public machine::Machine,
                               private machine::ProcessSource,
                               private machine::GestaltSource,
                               private machine::SystemSource,
-                              private machine::UserSource {
+                              private machine::UserSource,
+                              private machine::SessionSource {
  public:
   std::optional<std::int64_t> microseconds, boot_seconds;
   std::optional<machine::TimeZone> zone;
@@ -43,6 +44,7 @@ class ScriptedMachine final : public machine::Machine,
   std::optional<machine::SystemVersion> version;
   std::optional<std::string> host_identifier, kernel_release, current_user, current_home;
   std::map<std::string, std::string> homes;
+  std::optional<machine::RecordDictionary> console_user;
 
   // Why everything that is not set is missing.
   machine::Outcome reason = machine::Outcome::kAbsent;
@@ -69,6 +71,7 @@ class ScriptedMachine final : public machine::Machine,
   machine::GestaltSource const& Gestalt() const override { return *this; }
   machine::SystemSource const& System() const override { return *this; }
   machine::UserSource const& Users() const override { return *this; }
+  machine::SessionSource const& Sessions() const override { return *this; }
   machine::FileSource const& Files() const override {
     return files != nullptr ? *files : Machine::Files();
   }
@@ -99,6 +102,7 @@ class ScriptedMachine final : public machine::Machine,
   Fact<std::string> CurrentHome() const override { return Of(current_home); }
   Fact<std::string> HomeOf(std::string const& user) const override;
   Fact<std::vector<std::string>> UserNames() const override;
+  Fact<machine::RecordDictionary> ConsoleUser() const override { return Of(console_user); }
   Fact<std::uint64_t> PhysicalBytes() const override { return Of(physical_bytes); }
   Fact<std::uint64_t> SwapBytes() const override { return Of(swap_bytes); }
   Fact<std::uint32_t> OnlineCount() const override { return Of(online_processors); }

@@ -1,0 +1,151 @@
+#include "machine/sessions.h"
+
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <optional>
+#include <string>
+
+#include "machine/machine.h"
+#include "tests/machine/recorded_tree.h"
+
+namespace {
+
+using machine::Record;
+
+std::string TextOf(Record const& record) {
+  std::string text;
+  if (auto const* entries = record.As<machine::RecordDictionary>()) {
+    for (auto const& [key, value] : entries->entries()) text += " " + key + "=" + TextOf(value);
+    return "{" + text + " }";
+  }
+  if (auto const* items = record.As<machine::RecordArray>()) {
+    std::vector<std::string> texts;
+    for (Record const& item : *items) texts.push_back("\n  " + TextOf(item));
+    std::sort(texts.begin(), texts.end());
+    for (std::string const& item : texts) text += item;
+    return "[" + text + " ]";
+  }
+  if (auto const* number = record.As<std::int64_t>()) return std::to_string(*number);
+  if (auto const* truth = record.As<bool>()) return *truth ? "yes" : "no";
+  if (auto const* string = record.As<std::string>()) return *string;
+  return "?";
+}
+
+std::string ConsoleText(machine::Machine const& machine) {
+  auto const user = machine.Sessions().ConsoleUser();
+  if (user) return TextOf(*user);
+  return std::string(NameOf(user.absence().reason)) + ": " + user.absence().where;
+}
+
+using Files = std::map<std::string, std::string>;
+
+constexpr int kNotPermitted = 77;
+
+// Where nothing of the system's own is below /run, only these.
+void EnterSystemWith(Files const& files) {
+  bool const is_apart =
+      (::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0);
+  if (!is_apart || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      ::mount("none", "/run", "tmpfs", 0, nullptr) != 0) {
+    ::_exit(kNotPermitted);
+  }
+  for (auto const& [name, content] : files) {
+    std::filesystem::path const path = "/run/systemd/" + name;
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path) << content;
+  }
+}
+
+// What the running machine says with these files of a login service; nothing where the system does
+// not let us try.
+std::optional<std::string> AskWith(Files const& files) {
+  int ends[2];
+  if (::pipe(ends) != 0) return {};
+  pid_t const child = ::fork();
+  if (child == 0) {
+    EnterSystemWith(files);
+    std::string const text = ConsoleText(*machine::MakeLiveMachine());
+    ::_exit(::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0
+                                                                                            : 1);
+  }
+  ::close(ends[1]);
+  std::string text;
+  char buffer[4096];
+  for (ssize_t size; (size = ::read(ends[0], buffer, sizeof buffer)) > 0;) {
+    text.append(buffer, static_cast<std::size_t>(size));
+  }
+  ::close(ends[0]);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  if (WIFEXITED(status) && WEXITSTATUS(status) == kNotPermitted) return {};
+  EXPECT_EQ(status, 0);
+  return text;
+}
+
+struct Case {
+  char const* name;
+  Files files;
+  char const* expected;
+};
+
+constexpr char kRoot[] = "UID=0\nCLASS=user\nSTATE=active\n";
+constexpr char kDaemon[] = "UID=1\nCLASS=user\nSTATE=online\n";
+
+TEST(Sessions, AreThoseOfTheLoginService) {
+  Case const cases[] = {
+      {"no service", {{"sessions/5", kRoot}}, "absent: sd_get_seats"},
+      {"nobody", {{"seats/seat0", "IS_SEAT0=1\n"}}, "{ SessionInfo=[ ] }"},
+      {"two users",
+       {{"seats/seat0", "ACTIVE=5\nACTIVE_UID=0\n"},
+        {"sessions/5", kRoot},
+        {"sessions/c3", kDaemon}},
+       "{ GID=0 Name=root SessionInfo=["
+       "\n  { kCGSSessionGroupIDKey=0 kCGSSessionIDKey=5 kCGSSessionOnConsoleKey=yes"
+       " kCGSSessionUserIDKey=0 kCGSSessionUserNameKey=root kCGSessionLoginDoneKey=yes }"
+       "\n  { kCGSSessionGroupIDKey=1 kCGSSessionIDKey=4294967299 kCGSSessionOnConsoleKey=no"
+       " kCGSSessionUserIDKey=1 kCGSSessionUserNameKey=daemon kCGSessionLoginDoneKey=yes } ]"
+       " UID=0 }"},
+      {"login screen",
+       {{"seats/seat0", "ACTIVE=c1\n"}, {"sessions/c1", "UID=0\nCLASS=greeter\nSTATE=active\n"}},
+       "{ SessionInfo=[ ] }"},
+      {"a stranger who logs in",
+       {{"seats/seat0", "ACTIVE=7\n"},
+        {"sessions/7", "UID=4000000000\nCLASS=user\nSTATE=opening\n"}},
+       "{ SessionInfo=["
+       "\n  { kCGSSessionIDKey=7 kCGSSessionOnConsoleKey=yes kCGSSessionUserIDKey=4000000000"
+       " kCGSessionLoginDoneKey=no } ] UID=4000000000 }"},
+      {"odd ones",
+       {{"seats/seat0", "ACTIVE=gone\n"},
+        {"sessions/x7", kRoot},
+        {"sessions/c4294967296", kRoot},
+        {"sessions/99999999999999999999", kRoot},
+        {"sessions/c", kRoot},
+        {"sessions/8", "UID=many\nCLASS=user\n"},
+        {"sessions/9", ""},
+        {"sessions/10.ref", kRoot}},
+       "{ SessionInfo=[ ] }"},
+  };
+  for (Case const& row : cases) {
+    auto const text = AskWith(row.files);
+    if (!text) GTEST_SKIP() << "mounting is not permitted here";
+    EXPECT_EQ(*text, row.expected) << row.name;
+  }
+}
+
+TEST(Sessions, NobodyIsLoggedOnToARecordedTree) {
+  RecordedTree tree;
+  tree.Write("/run/systemd/sessions/5", kRoot);
+  tree.Write("/run/systemd/seats/seat0", "ACTIVE=5\n");
+  EXPECT_EQ(ConsoleText(*tree.Machine()), "not supported: nobody is logged on to a recorded tree");
+}
+
+}  // namespace
