@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "machine/live/text.h"
+
 namespace machine {
 namespace {
 
@@ -12,6 +14,22 @@ bool Covers(std::string_view requested, std::string_view attribute) {
   if (requested == kAllStandardAttributes) return attribute.starts_with(kStandardPrefix);
   if (requested == kAllNativeAttributes) return IsNative(attribute);
   return EqualIgnoringCase(requested, attribute);
+}
+
+bool HasValue(DirectoryRecord const& record, std::string_view attribute, std::string_view wanted,
+              DirectoryMatch match) {
+  DirectoryAttribute const* const found = record.Find(attribute);
+  return found != nullptr && std::ranges::any_of(found->values, [&](std::string const& value) {
+           return IsEqual(value, wanted, match);
+         });
+}
+
+// Its account's name has a "$" at the end.
+bool IsComputerNamed(DirectoryRecord const& record, std::string const& wanted,
+                     DirectoryMatch match) {
+  return HasValue(record, kRecordName, wanted + "$", match) ||
+         HasValue(record, "dsAttrTypeNative:cn", wanted, match) ||
+         HasValue(record, "dsAttrTypeNative:dNSHostName", wanted, match);
 }
 
 }  // namespace
@@ -47,13 +65,37 @@ bool RequestsNative(DirectoryQuery const& query) {
 bool Matches(DirectoryRecord const& record, DirectoryQuery const& query) {
   if (record.type != query.type) return false;
   if (query.values.empty()) return true;
-  DirectoryAttribute const* const attribute = record.Find(query.attribute);
-  if (attribute == nullptr) return false;
-  return std::ranges::any_of(attribute->values, [&query](std::string const& value) {
-    return std::ranges::any_of(query.values, [&](std::string const& wanted) {
-      return IsEqual(value, wanted, query.match);
-    });
+  bool const is_computer_name = query.type == kComputerRecords && query.attribute == kRecordName;
+  return std::ranges::any_of(query.values, [&](std::string const& wanted) {
+    if (HasValue(record, query.attribute, wanted, query.match)) return true;
+    if (is_computer_name) return IsComputerNamed(record, wanted, query.match);
+    if (!EqualIgnoringCase(query.attribute, kSecurityIdentifier)) return false;
+    auto const sid = BinarySid(wanted);
+    return sid && HasValue(record, kSecurityIdentifier, *sid, DirectoryMatch::kExact);
   });
+}
+
+std::optional<std::string> BinarySid(std::string_view text) {
+  constexpr std::size_t kMostParts = 15;
+  if (!text.starts_with("S-")) return {};
+  std::vector<std::uint64_t> numbers;
+  for (text.remove_prefix(1); !text.empty();) {
+    text.remove_prefix(1);
+    std::string_view const piece = text.substr(0, text.find('-'));
+    auto const number = live::ParseNumber<std::uint64_t>(piece);
+    if (!number) return {};
+    numbers.push_back(*number);
+    text.remove_prefix(piece.size());
+  }
+  if (numbers.size() < 2 || numbers.size() > kMostParts + 2 || numbers[0] > 0xFF) return {};
+  if (numbers[1] > 0xFFFF'FFFF'FFFF) return {};
+  std::string sid = {static_cast<char>(numbers[0]), static_cast<char>(numbers.size() - 2)};
+  for (int shift = 40; shift >= 0; shift -= 8) sid += static_cast<char>(numbers[1] >> shift);
+  for (std::size_t i = 2; i < numbers.size(); ++i) {
+    if (numbers[i] > UINT32_MAX) return {};
+    for (int shift = 0; shift < 32; shift += 8) sid += static_cast<char>(numbers[i] >> shift);
+  }
+  return sid;
 }
 
 DirectoryAttribute const* DirectoryRecord::Find(std::string_view attribute) const {

@@ -20,9 +20,14 @@ bool IsRequested(DirectoryQuery const& query, std::string_view attribute);
 // Whether the query names native attributes, one or all.
 bool RequestsNative(DirectoryQuery const& query);
 
-// Whether the record is of the type and has the value.
+// Whether the record is of the type and has the value. Computers have two names more, and a
+// security identifier may be asked for by its text.
 bool Matches(DirectoryRecord const& record, DirectoryQuery const& query);
 bool IsEqual(std::string_view left, std::string_view right, DirectoryMatch match);
+
+inline constexpr std::string_view kSecurityIdentifier = "dsAttrTypeNative:objectSid";
+// "S-1-5-21-1-2-3-512" in the binary form; nothing for any other text.
+std::optional<std::string> BinarySid(std::string_view text);
 
 // Collects the answer to one query, node by node.
 class DirectoryAnswer {

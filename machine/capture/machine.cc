@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "machine/capture/directory.h"
 #include "machine/capture/sessions.h"
 #include "machine/live/files.h"
 
@@ -40,7 +41,8 @@ class CaptureMachine final : public Machine {
       : opened_(std::move(opened)),
         copies_(MakeCopies()),
         volume_(Files(), reader),
-        users_(opened_.facts, Files(), volume_, std::move(choices)) {}
+        users_(opened_.facts, Files(), volume_, std::move(choices)),
+        directory_(opened_.facts, Files(), reader) {}
 
   ClockSource const& Clock() const override { return clock_; }
   TimeZoneSource const& Zone() const override { return zone_; }
@@ -56,6 +58,7 @@ class CaptureMachine final : public Machine {
   }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  DirectorySource const& Directory() const override { return directory_; }
   SessionSource const& Sessions() const override { return sessions_; }
 
  private:
@@ -74,6 +77,7 @@ class CaptureMachine final : public Machine {
   capture::Names names_{opened_.facts, Files(), volume_};
   capture::System system_{opened_.facts, Files(), volume_};
   capture::Users users_;
+  capture::Directory directory_;
   capture::Memory memory_{opened_.facts};
   capture::Processors processors_{opened_.facts};
   capture::Hardware hardware_{opened_.facts};

@@ -41,6 +41,19 @@ void AskUsers(Machine const& machine) {
   }
 }
 
+// With all that the records have, so that they can be asked for by name later.
+void AskDirectory(DirectorySource const& directory) {
+  for (std::string_view const type : {kUserRecords, kGroupRecords}) {
+    for (DirectoryNode const node : {DirectoryNode::kLocal, DirectoryNode::kSearch}) {
+      DirectoryQuery query;
+      query.node = node;
+      query.type = type;
+      query.requested = {std::string(kAllAttributes)};
+      directory.Find(query);
+    }
+  }
+}
+
 void AskFiles(FileSource const& files) {
   files.Describe("/", Links::kFollow);
   files.Space("/");
@@ -97,6 +110,7 @@ void Recorder::RecordEverything() {
   AskSystem(*machine);
   AskHardware(*machine);
   AskUsers(*machine);
+  AskDirectory(machine->Directory());
   AskFiles(machine->Files());
 }
 
@@ -128,6 +142,11 @@ Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const
   }
   RecordDictionary document = state_->facts.Document();
   document.Add("Files", std::move(files));
+  auto const* known_absent = document.Find("Absent");
+  RecordDictionary absent =
+      known_absent == nullptr ? RecordDictionary() : *known_absent->As<RecordDictionary>();
+  state_->directory.AddTo(document, absent);
+  if (!absent.entries().empty()) document.Add("Absent", std::move(absent));
   Fact<std::string> const bytes = writer(document);
   if (!bytes) return bytes.absence();
   return target.Finish(*bytes);

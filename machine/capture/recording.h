@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "machine/capture/directory_recording.h"
 #include "machine/capture/record.h"
 #include "machine/capture/recorded_item.h"
 #include "machine/capture/recorder.h"
@@ -98,6 +99,7 @@ struct Recording {
   std::shared_ptr<Machine const> const asked;
   RecordedFacts facts;
   RecordedItems items;
+  RecordedDirectory directory;
 };
 
 // The files of a recording machine.

@@ -189,6 +189,22 @@ class RecordingProcesses : public ProcessSource, public GestaltSource {
   RecordedFacts& facts_;
 };
 
+class RecordingDirectory : public DirectorySource {
+ public:
+  explicit RecordingDirectory(Recording& recording)
+      : asked_(*recording.asked), directory_(recording.directory) {}
+
+  Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override {
+    auto records = asked_.Directory().Find(query);
+    directory_.Keep(query, records);
+    return records;
+  }
+
+ private:
+  Machine const& asked_;
+  RecordedDirectory& directory_;
+};
+
 class RecordingMachine final : public Machine {
  public:
   explicit RecordingMachine(std::shared_ptr<Recording> recording)
@@ -196,6 +212,7 @@ class RecordingMachine final : public Machine {
         sources_(*recording_),
         hardware_(*recording_),
         processes_(*recording_),
+        directory_(*recording_),
         files_(MakeRecordingFiles(*recording_)) {}
 
   ClockSource const& Clock() const override { return sources_; }
@@ -217,6 +234,7 @@ class RecordingMachine final : public Machine {
   RecordingSources const sources_;
   RecordingHardware const hardware_;
   RecordingProcesses const processes_;
+  RecordingDirectory const directory_;
   std::unique_ptr<FileSource const> const files_;
 };
 

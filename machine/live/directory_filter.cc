@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "machine/directory_records.h"
-#include "machine/live/text.h"
 
 namespace machine::live {
 namespace {
@@ -102,29 +101,6 @@ std::string EscapedForFilter(std::string_view bytes) {
     if (!is_plain) escaped += {'\\', kDigits[byte >> 4], kDigits[byte & 15]};
   }
   return escaped;
-}
-
-std::optional<std::string> BinarySid(std::string_view text) {
-  constexpr std::size_t kMostParts = 15;
-  if (!text.starts_with("S-")) return {};
-  std::vector<std::uint64_t> numbers;
-  for (text.remove_prefix(1); !text.empty();) {
-    text.remove_prefix(1);
-    std::string_view const piece = text.substr(0, text.find('-'));
-    auto const number = ParseNumber<std::uint64_t>(piece);
-    if (!number) return {};
-    numbers.push_back(*number);
-    text.remove_prefix(piece.size());
-  }
-  if (numbers.size() < 2 || numbers.size() > kMostParts + 2 || numbers[0] > 0xFF) return {};
-  if (numbers[1] > 0xFFFF'FFFF'FFFF) return {};
-  std::string sid = {static_cast<char>(numbers[0]), static_cast<char>(numbers.size() - 2)};
-  for (int shift = 40; shift >= 0; shift -= 8) sid += static_cast<char>(numbers[1] >> shift);
-  for (std::size_t i = 2; i < numbers.size(); ++i) {
-    if (numbers[i] > UINT32_MAX) return {};
-    for (int shift = 0; shift < 32; shift += 8) sid += static_cast<char>(numbers[i] >> shift);
-  }
-  return sid;
 }
 
 std::optional<LdapSearch> SearchFor(DirectoryQuery const& query) {

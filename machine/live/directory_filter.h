@@ -20,9 +20,6 @@ std::vector<std::string> ComputedAttributes(DirectoryQuery const& query);
 
 DirectoryRecord RecordOf(LdapEntry const& entry, std::string const& type, std::string const& node);
 
-// "S-1-5-21-1-2-3-512" in the binary form; nothing for any other text.
-std::optional<std::string> BinarySid(std::string_view text);
-
 // Every byte that could mean something in a filter stands as "\" and two digits.
 std::string EscapedForFilter(std::string_view bytes);
 

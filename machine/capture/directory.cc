@@ -1,0 +1,147 @@
+#include "machine/capture/directory.h"
+
+#include "machine/capture/directory_volume.h"
+#include "machine/live/directory_accounts.h"
+
+namespace machine::capture {
+namespace {
+
+void AppendEscaped(std::string& key, std::string_view text) {
+  constexpr std::string_view kPlain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789-._:/$@";
+  constexpr char kDigits[] = "0123456789ABCDEF";
+  for (char const character : text) {
+    auto const byte = static_cast<unsigned char>(character);
+    if (kPlain.find(character) != std::string_view::npos) {
+      key += character;
+    } else {
+      key += {'%', kDigits[byte >> 4], kDigits[byte & 15]};
+    }
+  }
+}
+
+// One value or an array of them.
+Fact<DirectoryAttribute> AttributeIn(std::string const& name, Field const& field) {
+  DirectoryAttribute attribute = {name, {}};
+  std::size_t const count = field.count();
+  if (field.As<RecordArray>() == nullptr) {
+    Fact<std::string> const value = field.Text();
+    if (!value) return value.absence();
+    attribute.values.push_back(*value);
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    Fact<std::string> const value = field[i].Text();
+    if (!value) return value.absence();
+    attribute.values.push_back(*value);
+  }
+  return attribute;
+}
+
+// What does not say where it is from is local.
+Fact<DirectoryRecord> RecordIn(std::string const& type, Field const& field) {
+  auto const* entries = field.As<RecordDictionary>();
+  if (entries == nullptr) return field.Malformed("not a dictionary");
+  DirectoryRecord record = {type, {}, kLocalNode, {}};
+  for (auto const& [name, value] : entries->entries()) {
+    Fact<DirectoryAttribute> const attribute = AttributeIn(name, field[name]);
+    if (!attribute) return attribute.absence();
+    if (!attribute->values.empty()) record.attributes.push_back(*attribute);
+  }
+  DirectoryAttribute const* const name = record.Find(kRecordName);
+  if (name == nullptr) return field.Malformed("no name");
+  record.name = name->values.front();
+  if (auto const* node = record.Find(kRecordNode)) {
+    record.node = node->values.front();
+  } else {
+    record.Add(kRecordNode, record.node);
+  }
+  if (record.Find(kRecordType) == nullptr) record.Add(kRecordType, type);
+  return record;
+}
+
+// Those that the document has of a type; none is no failure.
+Fact<std::vector<DirectoryRecord>> RecordsIn(std::string const& type, Field const& directory) {
+  if (directory.exists() && directory.As<RecordDictionary>() == nullptr) {
+    return directory.Malformed("not a dictionary");
+  }
+  Field const field = directory[type];
+  if (field.exists() && field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
+  std::vector<DirectoryRecord> records;
+  for (std::size_t i = 0; i < field.count(); ++i) {
+    Fact<DirectoryRecord> record = RecordIn(type, field[i]);
+    if (!record) return record.absence();
+    records.push_back(std::move(record).value());
+  }
+  return records;
+}
+
+void Offer(std::vector<DirectoryRecord> const& records, DirectoryQuery const& query, bool is_local,
+           DirectoryAnswer& answer) {
+  for (DirectoryRecord const& record : records) {
+    bool const is_of_node = (record.node == kLocalNode) == is_local;
+    if (is_of_node && Matches(record, query)) answer.Offer(record);
+  }
+}
+
+}  // namespace
+
+std::string KeyOfQuery(DirectoryQuery const& query) {
+  std::string key = query.node == DirectoryNode::kLocal ? kLocalNode : kSearchNode;
+  AppendEscaped(key.append(" "), query.type);
+  if (!query.values.empty()) {
+    AppendEscaped(key.append(" "), query.attribute);
+    key += query.match == DirectoryMatch::kExact ? "==" : "=";
+    for (std::string const& value : query.values) AppendEscaped(key, value), key += ",";
+  }
+  key += " ";
+  for (std::string const& name : query.requested) AppendEscaped(key, name), key += ",";
+  if (query.limit != 0) key += " " + std::to_string(query.limit);
+  return key;
+}
+
+// By the numbers that the records have within their type.
+Directory::Records Directory::Recorded(DirectoryQuery const& query, std::string const& key) const {
+  Records const known = RecordsIn(query.type, facts_[kDirectory]);
+  if (!known) return known;
+  return facts_.Ask(kDirectoryAnswers, key, [&](Field const& field) -> Records {
+    if (field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
+    DirectoryAnswer answer(query);
+    for (std::size_t i = 0; i < field.count(); ++i) {
+      Fact<std::uint64_t> const number = field[i].Unsigned(UINT32_MAX);
+      if (!number) return number.absence();
+      if (*number >= known->size()) return field[i].Malformed("no such record");
+      answer.Offer((*known)[*number]);
+    }
+    return answer.Take();
+  });
+}
+
+Fact<Done> Directory::OfferFiles(DirectoryQuery const& query, DirectoryAnswer& answer) const {
+  Fact<Done> const volume = DirectoryVolume(files_, reader_).Offer(query, answer);
+  if (volume) return volume;
+  Fact<Done> const accounts = live::OfferAccountFiles(query, files_, answer);
+  return accounts;
+}
+
+Fact<std::vector<DirectoryRecord>> Directory::Find(DirectoryQuery const& query) const {
+  std::string const key = KeyOfQuery(query);
+  if (facts_.Knows(kDirectoryAnswers, key)) return Recorded(query, key);
+  bool const was_recorded = facts_.Knows(kDirectoryAnswers);
+  Field const directory = facts_[kDirectory];
+  Records const known = RecordsIn(query.type, directory);
+  if (directory.exists()) Announce(directory.path(), known.outcome());
+  if (!known) return known;
+  DirectoryAnswer answer(query);
+  Offer(*known, query, true, answer);
+  Fact<Done> const files = was_recorded ? Fact<Done>(Done{}) : OfferFiles(query, answer);
+  answer.EndNode();
+  if (query.node == DirectoryNode::kSearch && !answer.is_complete()) {
+    Offer(*known, query, false, answer);
+  }
+  bool const is_nothing = answer.is_empty() || query.values.empty();
+  if (was_recorded && is_nothing) return facts_.Missing(std::string(kDirectoryAnswers) + "." + key);
+  if (answer.is_empty() && !files && !directory.exists()) return facts_.Missing(kDirectory);
+  return answer.Take();
+}
+
+}  // namespace machine::capture

@@ -1,0 +1,38 @@
+// The directory of a capture: the records that its document has, with those of a macOS volume's
+// local node or of the accounts in its files behind them.
+//
+// A document that was recorded also has the answers, by the text of their questions: a record
+// alone does not tell by what it was found, and not that there is no other.
+#pragma once
+
+#include <string>
+
+#include "machine/capture/facts.h"
+#include "machine/directory_records.h"
+#include "machine/files.h"
+
+namespace machine::capture {
+
+inline constexpr char kDirectory[] = "Directory", kDirectoryAnswers[] = "DirectoryAnswers";
+
+// The same text for the same question.
+std::string KeyOfQuery(DirectoryQuery const& query);
+
+class Directory final : public DirectorySource {
+ public:
+  Directory(Facts const& facts, FileSource const& files, RecordReader reader)
+      : facts_(facts), files_(files), reader_(reader) {}
+  Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override;
+
+ private:
+  using Records = Fact<std::vector<DirectoryRecord>>;
+
+  Records Recorded(DirectoryQuery const& query, std::string const& key) const;
+  Fact<Done> OfferFiles(DirectoryQuery const& query, DirectoryAnswer& answer) const;
+
+  Facts const& facts_;
+  FileSource const& files_;
+  RecordReader const reader_;
+};
+
+}  // namespace machine::capture
