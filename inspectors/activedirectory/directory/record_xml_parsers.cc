@@ -9,7 +9,7 @@
 namespace {
 
 // What is malformed may ask for the same long text again and again, each time for nothing. The
-// largest cache file with real groups needs half of this.
+// largest cache file of real groups needs a quarter of this.
 constexpr std::size_t kMostWork = 256 * 1024 * 1024;
 
 }  // namespace
