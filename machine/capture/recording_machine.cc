@@ -227,6 +227,7 @@ class RecordingMachine final : public Machine {
   FileSource const& Files() const override { return *files_; }
   SystemSource const& System() const override { return sources_; }
   UserSource const& Users() const override { return sources_; }
+  DirectorySource const& Directory() const override { return directory_; }
   SessionSource const& Sessions() const override { return sources_; }
 
  private:
