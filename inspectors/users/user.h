@@ -1,0 +1,86 @@
+// The accounts of the machine, as its directory knows them.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "evaluator/plugin/type_name.h"
+#include "evaluator/plugin/values.h"
+#include "inspectors/activedirectory/directory/active_directory_local_user.h"
+#include "inspectors/users/directory_lookup.h"
+#include "portable_inspectors/filesystem_object.h"
+
+struct user_attribute {
+  std::string key;  // the attribute's directory name
+  std::string value;
+};
+
+template <>
+struct InspectorTypeName<user_attribute> {
+  static constexpr char const* kName = "user attribute";
+};
+
+// A copy of one record of the directory. What the record lacks is `NoSuchObject`.
+class user {
+ public:
+  explicit user(ODRecord record) : record_(std::move(record)) {}
+
+  ODRecord const& Record() const { return record_; }
+  user_attribute NamedAttr(std::string const& attribute) const;
+
+  std::string Name() const;
+  // Numbers stay the text that the record has.
+  std::string ID() const;
+  std::string PrimaryGroupID() const;
+  std::string HomeDirPath() const;
+
+ private:
+  ODRecord record_;
+};
+
+template <>
+struct InspectorTypeName<user> {
+  static constexpr char const* kName = "user";
+};
+
+// All users, in the directory's order, as they were when the iteration was made.
+class user_iterator {
+ public:
+  // `NoSuchObject` when the directory fails.
+  user_iterator();
+
+  user First();
+  user Next();
+
+ private:
+  std::vector<ODRecord> records_;
+  std::size_t position_ = 0;
+};
+
+// The attributes of one user in the order of their names, each with its first value; one without
+// values is empty.
+class user_attr_iterator {
+ public:
+  user_attribute First(user const& user);
+  user_attribute Next(user const& user);
+
+ private:
+  ODRecord attributes_;
+  ODRecord::const_iterator position_ = attributes_.end();
+};
+
+// `NoSuchObject` for every failure of the directory.
+user named_user(unsigned char const* name, unsigned long length);
+
+inspector_string user_name(user const& user);
+inspector_string user_id(user const& user);
+inspector_string user_primary_group_id(user const& user);
+folder user_home_dir(user const& user);
+ActiveDirectoryLocalUser named_ad_user(user const& user);
+user_attribute named_attribute(unsigned char const* name, unsigned long length, user const& user);
+
+inspector_string key_of_attribute(user_attribute const& attribute);
+inspector_string value_of_attribute(user_attribute const& attribute);
+// "key: value"
+inspector_string asString(user_attribute const& attribute);

@@ -1,0 +1,28 @@
+// The directory that the users' inspectors look into, as a test scripts it.
+#pragma once
+
+#include <map>
+#include <string>
+
+#include "evaluator/plugin/exceptions.h"
+#include "inspectors/activedirectory/directory/active_directory_local_user.h"
+#include "inspectors/users/directory_lookup.h"
+
+class DirectoryFailed : public DebuggableException {};
+
+// There is one at a time, for as long as it lives. `DirectoryFailed` for a name that it lacks, and
+// for everything once `fails` is set.
+class ScriptedDirectory {
+ public:
+  ScriptedDirectory();
+  ~ScriptedDirectory();
+  ScriptedDirectory(ScriptedDirectory const&) = delete;
+  ScriptedDirectory& operator=(ScriptedDirectory const&) = delete;
+
+  void AddUser(std::string const& name, std::string const& id);
+
+  std::map<std::string, ODRecord> users;
+  std::map<std::string, ActiveDirectoryLocalUser> active_directory_users;
+  ActiveDirectoryInspectorContext const* asked_with = nullptr;
+  bool fails = false;
+};
