@@ -79,8 +79,12 @@ Flow PropertyPlan::Iterate(Run& run, void const* parameter_value, void const* ob
   Flow flow = Flow::kFail;
   {
     IterationState state(*property_.record, run.Slot(state_slot_));
-    if (run.Call(property_.plural, span, [&] { return state.Construct(); }) == Got::kValue) {
+    Got const got = run.Call(property_.plural, span, [&] { return state.Construct(); });
+    if (got == Got::kValue) {
       flow = IterateItems(run, parameter_value, object_value, state.Get(), sink);
+    } else if (got == Got::kNothing) {
+      // Some iterators ask their system already when they are made.
+      flow = run.IsToStop() ? run.FailStopped(span) : Flow::kContinue;
     }
   }
   run.Memory().Rewind(mark);

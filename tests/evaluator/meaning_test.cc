@@ -130,6 +130,8 @@ TEST(Failures, NameTheirKind) {
       {"fails 0 | counts 3", "1|2|3"},
       {"counts 2 | counts 3", "1|2"},
       {"(count 1; fail 0) | 2", "1!no-such-object"},
+      {"unopened", "!no-such-object"},
+      {"number of unopeneds", "0"},
       {"exists \"x\" as integer", "false"},
       {"exists counts 3 and not exists fails 0", "true"},
   });

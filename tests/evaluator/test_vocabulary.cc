@@ -283,6 +283,10 @@ void WorldProperties() {
              Check_For_Inspector_Interruption();
              return n;
            }>("endless", "endlesses");
+  Linked().Add(
+      Register_Iterated_Property, Unregister_Property, "unopened", "unopeneds", "", "", "integer",
+      sizeof(Counter), [](void*) { throw NoSuchObject(); }, Destroy<Counter>,
+      [](auto...) { return true; }, [](auto...) { return true; }, nullptr, nullptr);
   Plain<void, void, [](auto...) { return InspectorText("plain"); }>("twin", "twins");
   Iterated<void, void, [](auto...) { return 2; },
            [](integer n, auto...) { return InspectorText(n == 1 ? "a" : "b"); }>("twin", "twins");
