@@ -37,6 +37,8 @@ class ScriptedMachine final : public machine::Machine,
   std::vector<machine::Process> processes;
   // Answers "not supported" where there is none.
   std::shared_ptr<machine::FileSource const> files;
+  // Likewise.
+  std::shared_ptr<machine::DirectorySource const> directory;
   // By selector; one that is not here follows from the other facts.
   std::map<std::string, machine::GestaltResponse> gestalt;
 
@@ -72,6 +74,9 @@ class ScriptedMachine final : public machine::Machine,
   machine::SystemSource const& System() const override { return *this; }
   machine::UserSource const& Users() const override { return *this; }
   machine::SessionSource const& Sessions() const override { return *this; }
+  machine::DirectorySource const& Directory() const override {
+    return directory != nullptr ? *directory : Machine::Directory();
+  }
   machine::FileSource const& Files() const override {
     return files != nullptr ? *files : Machine::Files();
   }

@@ -1,0 +1,305 @@
+#include <DirectoryService/DirectoryService.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cstdlib>
+#include <optional>
+
+#include "frameworks/DirectoryService/references.h"
+#include "machine/directory_records.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+using machine::DirectoryQuery;
+using machine::DirectoryRecord;
+using machine::Outcome;
+using testing::ElementsAre;
+
+constexpr char kSids[] = "dsAttrTypeNative:tokenGroups";
+
+class ScriptedDirectory final : public machine::DirectorySource {
+ public:
+  machine::Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override {
+    last = query;
+    ++calls;
+    if (failure) return machine::Absence{*failure, "script", {}};
+    machine::DirectoryAnswer answer(query);
+    for (DirectoryRecord const& record : records) {
+      if (Matches(record, query)) answer.Offer(record);
+    }
+    return answer.Take();
+  }
+
+  void Add(std::string name, std::vector<std::string> sids) {
+    DirectoryRecord& record = records.emplace_back();
+    record.type = kDSStdRecordTypeUsers;
+    record.name = name;
+    record.attributes = {{kDSNAttrRecordName, {name}}, {kSids, std::move(sids)}};
+  }
+
+  std::vector<DirectoryRecord> records;
+  std::optional<Outcome> failure;
+  mutable DirectoryQuery last;
+  mutable int calls = 0;
+};
+
+struct FreeList {
+  void operator()(tDataListPtr list) const {
+    dsDataListDeallocate(0, list);
+    std::free(list);
+  }
+};
+using List = std::unique_ptr<tDataList, FreeList>;
+List Strings(char const* text) { return List(dsBuildListFromStrings(0, text, nullptr)); }
+
+struct FreeBuffer {
+  void operator()(tDataBufferPtr buffer) const { dsDataBufferDeAllocate(0, buffer); }
+};
+using Buffer = std::unique_ptr<tDataBuffer, FreeBuffer>;
+Buffer Allocate(UInt32 size) { return Buffer(dsDataBufferAllocate(0, size)); }
+
+std::string BytesOf(tDataNode const& node) {
+  return {reinterpret_cast<char const*>(&node.fBufferData), node.fBufferLength};
+}
+
+class DirectoryService : public testing::Test {
+ protected:
+  void SetUp() override {
+    machine->directory = directory;
+    ASSERT_EQ(dsOpenDirService(&service), eDSNoErr);
+    node = OpenNode(eDSSearchNodeName);
+    ASSERT_NE(node, 0u);
+  }
+  void TearDown() override {
+    EXPECT_EQ(dsCloseDirService(service), eDSNoErr);
+    EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 0u);
+  }
+
+  tDirNodeReference OpenNode(tDirPatternMatch kind) {
+    Buffer const buffer = Allocate(8192);
+    UInt32 count = 0;
+    tDataListPtr name = nullptr;
+    tDirNodeReference opened = 0;
+    EXPECT_EQ(dsFindDirNodes(service, buffer.get(), nullptr, kind, &count, nullptr), eDSNoErr);
+    EXPECT_EQ(count, 1u);
+    EXPECT_EQ(dsGetDirNodeName(service, buffer.get(), 1, &name), eDSNoErr);
+    EXPECT_EQ(dsOpenDirNode(service, List(name).get(), &opened), eDSNoErr);
+    return opened;
+  }
+
+  tDirStatus Ask(tDataBufferPtr buffer, char const* name, char const* attribute, UInt32& count,
+                 tContextData* context) {
+    return dsGetRecordList(node, buffer, Strings(name).get(), eDSiExact,
+                           Strings(kDSStdRecordTypeUsers).get(), Strings(attribute).get(), 0,
+                           &count, context);
+  }
+
+  // All values of a record; what fails on the way ends it.
+  tDirStatus ReadValues(tDataBufferPtr buffer, UInt32 record, std::vector<std::string>& values) {
+    tAttributeListRef list = 0;
+    tRecordEntryPtr entry = nullptr;
+    tDirStatus status = dsGetRecordEntry(node, buffer, record, &list, &entry);
+    if (status != eDSNoErr) return status;
+    UInt32 const count = entry->fRecordAttributeCount;
+    dsDeallocRecordEntry(service, entry);
+    for (UInt32 i = 1; i <= count && status == eDSNoErr; ++i) {
+      status = ReadAttribute(buffer, list, i, values);
+    }
+    dsCloseAttributeList(list);
+    return status;
+  }
+  tDirStatus ReadAttribute(tDataBufferPtr buffer, tAttributeListRef list, UInt32 index,
+                           std::vector<std::string>& values) {
+    tAttributeValueListRef value_list = 0;
+    tAttributeEntryPtr entry = nullptr;
+    tDirStatus status = dsGetAttributeEntry(node, buffer, list, index, &value_list, &entry);
+    if (status != eDSNoErr) return status;
+    UInt32 const count = entry->fAttributeValueCount;
+    dsDeallocAttributeEntry(service, entry);
+    for (UInt32 i = 1; i <= count && status == eDSNoErr; ++i) {
+      tAttributeValueEntryPtr value = nullptr;
+      status = dsGetAttributeValue(node, buffer, i, value_list, &value);
+      if (status != eDSNoErr) break;
+      values.push_back(BytesOf(value->fAttributeValueData));
+      dsDeallocAttributeValueEntry(service, value);
+    }
+    dsCloseAttributeValueList(value_list);
+    return status;
+  }
+
+  std::shared_ptr<ScriptedDirectory> directory = std::make_shared<ScriptedDirectory>();
+  std::shared_ptr<ScriptedMachine> machine = std::make_shared<ScriptedMachine>();
+  MachineInUse in_use{machine};
+  tDirReference service = 0;
+  tDirNodeReference node = 0;
+};
+
+TEST_F(DirectoryService, HandsOutARecordWithItsValues) {
+  directory->Add("ann", {std::string("\0\1", 2), ""});
+  Buffer const buffer = Allocate(8192);
+  UInt32 count = 1;
+  tContextData context = nullptr;
+  ASSERT_EQ(Ask(buffer.get(), "ANN", kDSAttributesAll, count, &context), eDSNoErr);
+  EXPECT_EQ(count, 1u);
+  EXPECT_EQ(context, nullptr);
+  EXPECT_EQ(directory->last.limit, 1u);
+  EXPECT_EQ(directory->last.node, machine::DirectoryNode::kSearch);
+  std::vector<std::string> values;
+  EXPECT_EQ(ReadValues(buffer.get(), 1, values), eDSNoErr);
+  EXPECT_THAT(values, ElementsAre("ann", std::string("\0\1", 2), ""));
+  EXPECT_EQ(ReadValues(buffer.get(), 2, values), eDSIndexOutOfRange);
+
+  tAttributeListRef list = 0;
+  tRecordEntryPtr entry = nullptr;
+  char *name = nullptr, *type = nullptr;
+  ASSERT_EQ(dsGetRecordEntry(node, buffer.get(), 1, &list, &entry), eDSNoErr);
+  EXPECT_EQ(dsGetRecordNameFromEntry(entry, &name), eDSNoErr);
+  EXPECT_EQ(dsGetRecordTypeFromEntry(entry, &type), eDSNoErr);
+  EXPECT_STREQ(name, "ann");
+  EXPECT_STREQ(type, kDSStdRecordTypeUsers);
+  std::free(name);
+  std::free(type);
+  dsDeallocRecordEntry(service, entry);
+}
+
+// As who needs the groups of a user asks: the same again with more room.
+TEST_F(DirectoryService, AnswersOnceTheBufferIsLargeEnough) {
+  std::vector<std::string> sids;
+  for (int i = 0; i < 10'000; ++i) sids.push_back(std::to_string(i) + std::string(28, 'x'));
+  directory->Add("ann", sids);
+  tDirStatus status = eDSBufferTooSmall;
+  std::vector<std::string> values;
+  int asked = 0;
+  for (UInt32 size = 8192; status == eDSBufferTooSmall; size += 8192) {
+    Buffer const buffer = Allocate(size);
+    UInt32 count = 0;
+    tContextData context = nullptr;
+    status = Ask(buffer.get(), "ann", kSids, count, &context);
+    ++asked;
+    if (status == eDSNoErr) status = ReadValues(buffer.get(), 1, values);
+  }
+  EXPECT_EQ(status, eDSNoErr);
+  EXPECT_EQ(values, sids);
+  EXPECT_GT(asked, 10);
+  EXPECT_EQ(directory->calls, 1);
+}
+
+TEST_F(DirectoryService, ContinuesWhereTheBufferEnded) {
+  std::vector<std::string> names;
+  for (int i = 0; i < 50; ++i) {
+    names.push_back("user" + std::to_string(i));
+    directory->Add(names.back(), {});
+  }
+  Buffer const buffer = Allocate(500);
+  tContextData context = nullptr;
+  std::vector<std::string> found;
+  UInt32 count = 0;
+  do {
+    ASSERT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context), eDSNoErr);
+    for (UInt32 i = 1; i <= count; ++i) ReadValues(buffer.get(), i, found);
+  } while (context != nullptr);
+  EXPECT_EQ(found, names);
+  EXPECT_EQ(directory->calls, 1);
+
+  count = 0;
+  ASSERT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context), eDSNoErr);
+  tContextData const stale = context;
+  EXPECT_EQ(dsReleaseContinueData(service, context), eDSNoErr);
+  EXPECT_EQ(dsReleaseContinueData(service, stale), eDSInvalidContinueData);
+  EXPECT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context),
+            eDSInvalidContinueData);
+}
+
+TEST_F(DirectoryService, SearchesByValue) {
+  directory->Add("ann", {"S-1-5-7"});
+  directory->Add("bob", {"S-1-5-8"});
+  Buffer const buffer = Allocate(8192), attribute(dsDataNodeAllocateString(service, kSids)),
+               pattern(dsDataNodeAllocateString(service, "s-1-5-8"));
+  UInt32 count = 1;
+  ASSERT_EQ(dsDoAttributeValueSearchWithData(
+                node, buffer.get(), Strings(kDSStdRecordTypeUsers).get(), attribute.get(),
+                eDSiExact, pattern.get(), Strings(kDSNAttrRecordName).get(), 0, &count, nullptr),
+            eDSNoErr);
+  std::vector<std::string> values;
+  EXPECT_EQ(ReadValues(buffer.get(), 1, values), eDSNoErr);
+  EXPECT_THAT(values, ElementsAre("bob"));
+}
+
+TEST_F(DirectoryService, SaysWhyThereIsNoAnswer) {
+  Buffer const buffer = Allocate(8192);
+  UInt32 count = 0;
+  EXPECT_EQ(Ask(buffer.get(), "nobody", kDSAttributesAll, count, nullptr), eDSNoErr);
+  EXPECT_EQ(count, 0u);
+  std::pair<Outcome, tDirStatus> const cases[] = {
+      {Outcome::kAbsent, eDSServiceUnavailable},
+      {Outcome::kNotSupported, eDSServiceUnavailable},
+      {Outcome::kPermissionRefused, eDSPermissionError},
+      {Outcome::kMalformed, eDSBadPacket},
+      {Outcome::kTimedOut, eDSReceiveFailed},
+  };
+  for (auto const& [outcome, status] : cases) {
+    directory->failure = outcome;
+    EXPECT_EQ(Ask(buffer.get(), "ann", kDSAttributesAll, count, nullptr), status);
+  }
+}
+
+TEST_F(DirectoryService, KnowsWhatIsOpen) {
+  tDirNodeReference const local = OpenNode(eDSLocalHostedNodes);
+  EXPECT_EQ(dsCloseDirNode(service), eDSInvalidRefType);
+  EXPECT_EQ(dsCloseDirNode(local), eDSNoErr);
+  EXPECT_EQ(dsCloseDirNode(local), eDSInvalidReference);
+  tDirNodeReference other = 0;
+  EXPECT_EQ(dsOpenDirNode(service, List(dsBuildFromPath(service, "/Nowhere", "/")).get(), &other),
+            eDSOpenNodeFailed);
+  EXPECT_EQ(dsOpenDirNode(service, nullptr, &other), eDSNullNodeName);
+}
+
+// The buffer is the caller's, and may hold anything.
+TEST_F(DirectoryService, ReadsADamagedBufferWithoutHarm) {
+  directory->Add("ann", {"one", "two"});
+  Buffer const good = Allocate(256);
+  UInt32 count = 0;
+  ASSERT_EQ(Ask(good.get(), "ann", kDSAttributesAll, count, nullptr), eDSNoErr);
+  std::string const content = BytesOf(*good);
+  std::size_t refused = 0;
+  for (std::size_t at = 0; at < content.size(); ++at) {
+    for (char const damage : {'\x01', '\x7F', '\xFF'}) {
+      // No larger than its content, so that reading behind it is noticed.
+      Buffer const bad = Allocate(static_cast<UInt32>(content.size()));
+      std::copy(content.begin(), content.end(), reinterpret_cast<char*>(&bad->fBufferData));
+      bad->fBufferLength = good->fBufferLength;
+      reinterpret_cast<char*>(&bad->fBufferData)[at] ^= damage;
+      std::vector<std::string> values;
+      refused += ReadValues(bad.get(), 1, values) != eDSNoErr;
+    }
+  }
+  EXPECT_GT(refused, content.size());
+  good->fBufferLength = good->fBufferSize + 1;
+  std::vector<std::string> values;
+  EXPECT_NE(ReadValues(good.get(), 1, values), eDSNoErr);
+}
+
+TEST(DirectoryLists, AreMadeOfPaths) {
+  struct {
+    char const *path, *separator, *joined;
+    UInt32 count;
+  } const cases[] = {{"/Local/Default", "/", ":Local:Default", 2},
+                     {"//a//", "/", ":a", 1},
+                     {"", "/", "", 0},
+                     {"a::b:c", "::", ":a:b:c", 2}};
+  for (auto const& test : cases) {
+    List const list(dsBuildFromPath(0, test.path, test.separator));
+    ASSERT_NE(list, nullptr) << test.path;
+    EXPECT_EQ(list->fDataNodeCount, test.count) << test.path;
+    char* const joined = dsGetPathFromList(0, list.get(), ":");
+    EXPECT_STREQ(joined, test.joined);
+    std::free(joined);
+  }
+  List const list = Strings("a");
+  EXPECT_EQ(dsAppendStringToListAlloc(0, list.get(), ""), eDSNoErr);
+  EXPECT_EQ(list->fDataNodeCount, 2u);
+  EXPECT_EQ(dsBuildFromPath(0, "a", ""), nullptr);
+}
+
+}  // namespace
