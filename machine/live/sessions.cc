@@ -41,7 +41,7 @@ class Accounts {
         [&](passwd& record, std::vector<char>& buffer, passwd*& found) {
           return ::getpwuid_r(user, &record, buffer.data(), buffer.size(), &found);
         });
-    Announce("getpwuid", OutcomeOf(error));
+    Announce("getpwuid", account ? Outcome::kAnswered : OutcomeOf(error));
     return account;
   }
 

@@ -122,6 +122,9 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
   auto const count = [](Machine const& capture) {
     return capture.Processors().OnlineCount().absence();
   };
+  auto const console = [](Machine const& capture) {
+    return capture.Sessions().ConsoleUser().absence();
+  };
   std::string const item =
       "<key>Partial</key><array><string>Files</string></array>"
       "<key>Files</key><dict><key>/f</key>";
@@ -144,6 +147,7 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
       {"<key>Environment</key><dict><key>A</key><dict/></dict>", variable, "Environment.A"},
       {"<key>Processors</key><integer>-1</integer>", count, "Processors"},
       {"<key>Processors</key><true/>", count, "Processors"},
+      {"<key>ConsoleUser</key><array/>", console, "ConsoleUser"},
       {"<key>TimeZone</key><string>../../etc/passwd</string>", zone, "TimeZone"},
       {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>", zone,
        "TimeZoneRules"},

@@ -16,6 +16,7 @@
 
 #include "machine/machine.h"
 #include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
 
 namespace {
 
@@ -40,10 +41,19 @@ std::string TextOf(Record const& record) {
   return "?";
 }
 
+// The answer, and on a line of its own what was announced, in the order of the names.
 std::string ConsoleText(machine::Machine const& machine) {
+  AnnouncementLog log;
   auto const user = machine.Sessions().ConsoleUser();
-  if (user) return TextOf(*user);
-  return std::string(NameOf(user.absence().reason)) + ": " + user.absence().where;
+  std::string text = user
+                         ? TextOf(*user)
+                         : std::string(NameOf(user.absence().reason)) + ": " + user.absence().where;
+  text += '\n';
+  std::sort(log.entries.begin(), log.entries.end());
+  for (auto const& [source, outcome] : log.entries) {
+    text += source + " " + std::string(NameOf(outcome)) + "; ";
+  }
+  return text;
 }
 
 using Files = std::map<std::string, std::string>;
@@ -95,6 +105,7 @@ struct Case {
   char const* name;
   Files files;
   char const* expected;
+  char const* announced;
 };
 
 constexpr char kRoot[] = "UID=0\nCLASS=user\nSTATE=active\n";
@@ -102,8 +113,11 @@ constexpr char kDaemon[] = "UID=1\nCLASS=user\nSTATE=online\n";
 
 TEST(Sessions, AreThoseOfTheLoginService) {
   Case const cases[] = {
-      {"no service", {{"sessions/5", kRoot}}, "absent: sd_get_seats"},
-      {"nobody", {{"seats/seat0", "IS_SEAT0=1\n"}}, "{ SessionInfo=[ ] }"},
+      {"no service", {{"sessions/5", kRoot}}, "absent: sd_get_seats", "login service absent; "},
+      {"nobody",
+       {{"seats/seat0", "IS_SEAT0=1\n"}},
+       "{ SessionInfo=[ ] }",
+       "login service answered; "},
       {"two users",
        {{"seats/seat0", "ACTIVE=5\nACTIVE_UID=0\n"},
         {"sessions/5", kRoot},
@@ -113,16 +127,19 @@ TEST(Sessions, AreThoseOfTheLoginService) {
        " kCGSSessionUserIDKey=0 kCGSSessionUserNameKey=root kCGSessionLoginDoneKey=yes }"
        "\n  { kCGSSessionGroupIDKey=1 kCGSSessionIDKey=4294967299 kCGSSessionOnConsoleKey=no"
        " kCGSSessionUserIDKey=1 kCGSSessionUserNameKey=daemon kCGSessionLoginDoneKey=yes } ]"
-       " UID=0 }"},
+       " UID=0 }",
+       "getpwuid answered; getpwuid answered; login service answered; "},
       {"login screen",
        {{"seats/seat0", "ACTIVE=c1\n"}, {"sessions/c1", "UID=0\nCLASS=greeter\nSTATE=active\n"}},
-       "{ SessionInfo=[ ] }"},
+       "{ SessionInfo=[ ] }",
+       "login service answered; "},
       {"a stranger who logs in",
        {{"seats/seat0", "ACTIVE=7\n"},
         {"sessions/7", "UID=4000000000\nCLASS=user\nSTATE=opening\n"}},
        "{ SessionInfo=["
        "\n  { kCGSSessionIDKey=7 kCGSSessionOnConsoleKey=yes kCGSSessionUserIDKey=4000000000"
-       " kCGSessionLoginDoneKey=no } ] UID=4000000000 }"},
+       " kCGSessionLoginDoneKey=no } ] UID=4000000000 }",
+       "getpwuid absent; login service answered; "},
       {"odd ones",
        {{"seats/seat0", "ACTIVE=gone\n"},
         {"sessions/x7", kRoot},
@@ -132,12 +149,14 @@ TEST(Sessions, AreThoseOfTheLoginService) {
         {"sessions/8", "UID=many\nCLASS=user\n"},
         {"sessions/9", ""},
         {"sessions/10.ref", kRoot}},
-       "{ SessionInfo=[ ] }"},
+       "{ SessionInfo=[ ] }",
+       "login service answered; session 99999999999999999999 not supported;"
+       " session c not supported; session c4294967296 not supported; session x7 not supported; "},
   };
   for (Case const& row : cases) {
     auto const text = AskWith(row.files);
     if (!text) GTEST_SKIP() << "mounting is not permitted here";
-    EXPECT_EQ(*text, row.expected) << row.name;
+    EXPECT_EQ(*text, std::string(row.expected) + "\n" + row.announced) << row.name;
   }
 }
 
@@ -145,7 +164,8 @@ TEST(Sessions, NobodyIsLoggedOnToARecordedTree) {
   RecordedTree tree;
   tree.Write("/run/systemd/sessions/5", kRoot);
   tree.Write("/run/systemd/seats/seat0", "ACTIVE=5\n");
-  EXPECT_EQ(ConsoleText(*tree.Machine()), "not supported: nobody is logged on to a recorded tree");
+  EXPECT_EQ(ConsoleText(*tree.Machine()),
+            "not supported: nobody is logged on to a recorded tree\nlogin service not supported; ");
 }
 
 }  // namespace
