@@ -7,6 +7,11 @@
 namespace machine {
 namespace {
 
+char Lower(char character) {
+  return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 'a' - 'A')
+                                              : character;
+}
+
 bool IsNative(std::string_view attribute) { return attribute.starts_with(kNativePrefix); }
 
 bool Covers(std::string_view requested, std::string_view attribute) {
@@ -36,14 +41,12 @@ bool IsComputerNamed(DirectoryRecord const& record, std::string const& wanted,
 
 std::string LowerCase(std::string_view text) {
   std::string lower(text);
-  for (char& character : lower) {
-    if (character >= 'A' && character <= 'Z') character += 'a' - 'A';
-  }
+  std::ranges::transform(lower, lower.begin(), Lower);
   return lower;
 }
 
 bool EqualIgnoringCase(std::string_view left, std::string_view right) {
-  return left.size() == right.size() && LowerCase(left) == LowerCase(right);
+  return std::ranges::equal(left, right, {}, Lower, Lower);
 }
 
 bool IsEqual(std::string_view left, std::string_view right, DirectoryMatch match) {

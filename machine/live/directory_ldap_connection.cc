@@ -13,8 +13,14 @@ namespace {
 
 constexpr std::size_t kLargestMessage = std::size_t{64} << 20;
 
-// "ldaps", "ldap" or "ldapi"
-std::string_view SchemeOf(std::string_view uri) { return uri.substr(0, uri.find(':')); }
+// "ldaps", "ldap" or "ldapi", however it is written.
+std::string SchemeOf(std::string_view uri) {
+  std::string scheme(uri.substr(0, uri.find(':')));
+  std::ranges::transform(scheme, scheme.begin(), [](char character) {
+    return character >= 'A' && character <= 'Z' ? static_cast<char>(character + 32) : character;
+  });
+  return scheme;
+}
 
 std::string_view HostOf(std::string_view uri) {
   std::size_t const start = uri.find("://");
@@ -111,8 +117,9 @@ class Connector {
   Fact<Bound> BindWithPassword() {
     // A bind without password succeeds as nobody.
     if (server_.bind_password.empty()) return Refused(uri_, "no password for a simple bind");
+    bool const is_safe = SchemeOf(uri_) == "ldaps" || SchemeOf(uri_) == "ldapi";
     bool const may_be_clear = server_.allows_clear_loopback && IsOnThisMachine(uri_);
-    if (SchemeOf(uri_) == "ldap" && !may_be_clear) {
+    if (!is_safe && !may_be_clear) {
       Fact<Bound> const encrypted = StartEncryption();
       if (!encrypted) return encrypted;
     }

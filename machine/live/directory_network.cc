@@ -2,17 +2,13 @@
 
 #include <algorithm>
 
+#include "machine/live/directory_entry.h"
 #include "machine/live/directory_filter.h"
-#include "machine/live/text.h"
 
 namespace machine::live {
 namespace {
 
 using Entries = Fact<std::vector<LdapEntry>>;
-
-LdapSearch EntryItself(std::string const& name, std::vector<std::string> attributes) {
-  return {name, true, "(objectClass=*)", std::move(attributes), 0};
-}
 
 // One question as the thread that works on it has it: nothing here belongs to who asked.
 class Question {
@@ -62,7 +58,8 @@ class Question {
     if (!entries) return entries.absence();
     std::vector<DirectoryRecord> found;
     for (LdapEntry& entry : entries.value()) {
-      if (auto const failure = Complete(entry, patience)) return *failure;
+      auto const failure = CompleteEntry(*connection_, ComputedAttributes(query_), patience, entry);
+      if (failure) return *failure;
       found.push_back(RecordOf(entry, query_.type, NodeName()));
     }
     return found;
@@ -73,7 +70,7 @@ class Question {
     if (!settings_->base.empty()) return settings_->base;
     if (!connection_->configured_base().empty()) return connection_->configured_base();
     constexpr char kBase[] = "defaultNamingContext";
-    Entries const root = connection_->Search(EntryItself({}, {kBase}), patience);
+    Entries const root = connection_->Search(SearchOfEntry({}, {kBase}), patience);
     if (!root) return root.absence();
     for (LdapEntry const& entry : *root) {
       for (auto const& [name, values] : entry.attributes) {
@@ -81,48 +78,6 @@ class Question {
       }
     }
     return Absence{Outcome::kAbsent, server, "no base is configured and the server tells none"};
-  }
-
-  // Adds what only a search of the entry itself tells.
-  std::optional<Absence> Complete(LdapEntry& entry, Patience const& patience) {
-    std::vector<std::string> const computed = ComputedAttributes(query_);
-    if (!computed.empty()) {
-      if (auto const failure = Add(entry, computed, patience)) return failure;
-    }
-    return CompleteRanges(entry, patience);
-  }
-
-  std::optional<Absence> Add(LdapEntry& entry, std::vector<std::string> const& names,
-                             Patience const& patience) {
-    Entries more = connection_->Search(EntryItself(entry.name, names), patience);
-    if (!more) return more.absence();
-    for (LdapEntry& part : more.value()) {
-      std::ranges::move(part.attributes, std::back_inserter(entry.attributes));
-    }
-    return {};
-  }
-
-  // Of long lists servers send "member;range=0-1499" and want to be asked for the rest, of which
-  // the last part is "member;range=3000-*".
-  std::optional<Absence> CompleteRanges(LdapEntry& entry, Patience const& patience) {
-    constexpr std::string_view kRange = ";range=";
-    for (auto& [name, values] : entry.attributes) {
-      for (std::size_t at; (at = LowerCase(name).find(kRange)) != std::string::npos;) {
-        bool const is_last = name.ends_with("-*");
-        name.resize(at);
-        if (is_last) break;
-        std::string const rest = std::to_string(values.size()) + "-*";
-        LdapEntry part = {entry.name, {}};
-        auto const failure = Add(part, {name + std::string(kRange) + rest}, patience);
-        if (failure) return failure;
-        if (part.attributes.empty()) {
-          return Absence{Outcome::kMalformed, server, name + ": the values do not go on"};
-        }
-        name = part.attributes.front().first;
-        std::ranges::move(part.attributes.front().second, std::back_inserter(values));
-      }
-    }
-    return {};
   }
 
   // By the server's host, as the service names such nodes.

@@ -9,6 +9,7 @@
 #include "machine/capture/capture.h"
 #include "machine/capture/recorder.h"
 #include "machine/directory_records.h"
+#include "machine/live/directory_entry.h"
 #include "machine/live/directory_filter.h"
 #include "tests/machine/recorded_tree.h"
 
@@ -136,6 +137,46 @@ TEST(DirectoryFilter, SendsSecurityIdentifiersAsBytes) {
   for (char const* text : {"", "S-", "S-1", "S-1-", "S-1-5-", "S-1-5--1", "S-1-5-4294967296",
                            "S-256-5", "S-1-5-x", "S-1-1-1-1-1-1-1-1-1-1-1-1-1-1-1-1-1-1"}) {
     EXPECT_FALSE(machine::BinarySid(text)) << text;
+  }
+}
+
+// Sends the values "0", "1", ... of one attribute, as many at a time as it is told to.
+class RangedConnection final : public machine::live::LdapConnection {
+ public:
+  RangedConnection(std::size_t count, std::size_t at_once) : count_(count), at_once_(at_once) {}
+
+  std::string const& uri() const override { return uri_; }
+  std::string const& configured_base() const override { return uri_; }
+  bool is_usable() const override { return true; }
+  machine::Fact<std::vector<machine::live::LdapEntry>> Search(
+      machine::live::LdapSearch const& search, machine::live::Patience const&) override {
+    std::size_t const first = std::stoul(search.attributes.front().substr(13));
+    std::size_t const end = std::min(first + at_once_, count_);
+    machine::live::LdapEntry entry = {search.base, {}};
+    std::vector<std::string> values;
+    for (std::size_t i = first; i < end; ++i) values.push_back(std::to_string(i));
+    std::string const last = end == count_ ? "*" : std::to_string(end - 1);
+    std::string const name = "member;range=" + std::to_string(first) + "-" + last;
+    if (!values.empty()) entry.attributes.emplace_back(name, std::move(values));
+    return std::vector{entry};
+  }
+
+ private:
+  std::string const uri_ = "ldap://dc1";
+  std::size_t const count_, at_once_;
+};
+
+TEST(DirectoryEntry, JoinsValuesThatComeInParts) {
+  machine::live::Patience const patience(std::chrono::milliseconds(10'000));
+  for (std::size_t const count : {2u, 3u, 7u}) {
+    RangedConnection connection(count, 2);
+    machine::live::LdapEntry entry = {"cn=g", {{"cn", {"g"}}, {"member;Range=0-1", {"0", "1"}}}};
+    bool const goes_on = count > 2;
+    EXPECT_EQ(CompleteEntry(connection, {}, patience, entry).has_value(), !goes_on) << count;
+    if (!goes_on) continue;  // nothing came behind what was promised
+    EXPECT_EQ(entry.attributes[1].first, "member");
+    EXPECT_EQ(entry.attributes[1].second.size(), count);
+    EXPECT_EQ(entry.attributes[1].second.back(), std::to_string(count - 1));
   }
 }
 

@@ -194,6 +194,8 @@ TEST_F(NetworkDirectory, RefusesToShowAPassword) {
   ASSERT_FALSE(clear);
   EXPECT_THAT(clear.absence().where,
               AnyOf(HasSubstr("Protocol error"), HasSubstr("TLS"), HasSubstr("unsupported")));
+  settings.uri.replace(0, 4, "LDAP");
+  EXPECT_FALSE(Find(machine::kUserRecords, {"ann"}, kDistinguishedName));
   settings.allows_clear_loopback = true;
   settings.bind_password.clear();
   EXPECT_EQ(Find(machine::kUserRecords, {"ann"}, kDistinguishedName).outcome(),
