@@ -113,7 +113,8 @@ Fact<RecordDictionary> Sessions::ConsoleUser() const {
   static AskLoginService const ask = LoadLoginService();
   if (ask == nullptr) return AnnounceAbsence(Outcome::kNotSupported, kSource, "no client library");
   LoginSessions sessions;
-  LoginAnswer const answer = ask(sessions);
+  LoginAnswer answer;
+  ask(sessions, answer);
   if (answer.error != 0) return AnnounceError(answer.error, kSource, answer.call);
   Announce(kSource, Outcome::kAnswered);
   return ConsoleOf(sessions);

@@ -88,11 +88,10 @@ LoginAnswer AskForConsole(LoginSessions& sessions) {
 
 }  // namespace
 
-extern "C" MACHINE_API LoginAnswer GatotuAskLoginService(LoginSessions& sessions) {
-  LoginAnswer answer = AskForService();
+extern "C" MACHINE_API void GatotuAskLoginService(LoginSessions& sessions, LoginAnswer& answer) {
+  answer = AskForService();
   if (answer.error == 0) answer = AskForSessions(sessions);
   if (answer.error == 0) answer = AskForConsole(sessions);
-  return answer;
 }
 
 }  // namespace machine::live

@@ -28,6 +28,6 @@ struct LoginAnswer {
 };
 
 inline constexpr char kAskLoginService[] = "GatotuAskLoginService";
-using AskLoginService = LoginAnswer (*)(LoginSessions&);
+using AskLoginService = void (*)(LoginSessions& sessions, LoginAnswer& answer);
 
 }  // namespace machine::live
