@@ -83,7 +83,7 @@ std::vector<std::string> AttributesFor(DirectoryQuery const& query) {
     if (!name.empty() && !IsComputed(name)) names.emplace_back(name);
   }
   std::ranges::sort(names);
-  names.erase(std::ranges::unique(names).begin(), names.end());
+  names.erase(std::unique(names.begin(), names.end()), names.end());
   return names;
 }
 
