@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-inline std::string BigEndianText(std::uint32_t number, int bytes) {
+inline std::string BigEndianText(std::uint64_t number, int bytes) {
   std::string text;
   while (bytes-- > 0) text += static_cast<char>(number >> (8 * bytes));
   return text;
