@@ -170,9 +170,11 @@ std::string SharedArrays(int depth) {
     if (i == depth) list += '\x09';
   }
   std::size_t const table = list.size();
-  return list + offsets + std::string(6, '\0') + "\1\1" + BigEndianText(0, 4) +
-         BigEndianText(static_cast<std::uint32_t>(depth + 1), 4) + BigEndianText(0, 8) +
-         BigEndianText(0, 4) + BigEndianText(static_cast<std::uint32_t>(table), 4);
+  auto const number = [](std::size_t value) {
+    return std::string(4, '\0') + BigEndianText(static_cast<std::uint32_t>(value), 4);
+  };
+  return list + offsets + std::string(6, '\0') + "\1\1" + number(offsets.size()) + number(0) +
+         number(table);
 }
 
 TEST_F(Capture, IsRefusedWithOneMessage) {
