@@ -41,7 +41,10 @@ class ItemsAsked final : public ItemsOnTheWay {
 RecordedItem* RecordedItems::At(std::string const& place) {
   auto const found = items_.find(place);
   if (found != items_.end()) return &found->second;
-  if (items_.size() >= limits_.items) return nullptr;
+  if (items_.size() >= limits_.items) {
+    is_full_ = true;
+    return nullptr;
+  }
   return &items_[place];
 }
 

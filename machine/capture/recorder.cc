@@ -112,6 +112,8 @@ std::vector<std::string> Recorder::LeftOut() const {
 }
 
 Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const {
+bool Recorder::HasAllItems() const { return !state_->items.is_full(); }
+
   Fact<CaptureFolder> const made = CaptureFolder::Make(folder);
   if (!made) return made.absence();
   CaptureFolder const& target = *made;

@@ -38,6 +38,8 @@ class MACHINE_API Recorder {
 
   // The paths of the files whose contents did not fit.
   std::vector<std::string> LeftOut() const;
+  // False when more items were looked at than the limit.
+  bool HasAllItems() const;
 
   // Lays the capture down in a folder that does not exist yet or is empty. `machine.plist` comes
   // last, so that one that was broken off is no capture. To be called once nobody asks any more.

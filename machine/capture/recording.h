@@ -73,6 +73,8 @@ class RecordedItems {
   // For writing, once nobody asks any more. Parents come before what is in them.
   std::map<std::string, RecordedItem> const& items() const { return items_; }
   Content ContentOf(std::string const& place, Fork fork) const;
+  // Whether there were more than fit.
+  bool is_full() const { return is_full_; }
 
  private:
   friend class ItemsAsked;
@@ -89,6 +91,7 @@ class RecordedItems {
   std::map<std::string, RecordedItem> items_;
   std::map<std::string, Content> contents_, resource_forks_;
   std::uint64_t content_bytes_ = 0;
+  bool is_full_ = false;
 };
 
 struct Recording {
