@@ -101,22 +101,27 @@ ExitStatus Write(CommandLine const& line, machine::Recorder const& recorder) {
 }
 
 void Tell(CommandLine const& line, ExpressionCounts const& counts,
-          std::vector<std::string> const& left_out) {
+          machine::Recorder const& recorder) {
   constexpr std::size_t kMostNamed = 10;
   std::string text = "captured ";
   AppendShown(text, line.capture.folder);
   if (line.capture.is_for_expressions) {
-    text += "; of " + std::to_string(counts.evaluated) + " expressions " +
-            std::to_string(counts.answered) + " had an answer";
+    text += "; expressions: " + std::to_string(counts.evaluated) +
+            ", answered: " + std::to_string(counts.answered);
   }
   text += '\n';
+  std::vector<std::string> const left_out = recorder.LeftOut();
   for (std::size_t i = 0; i < std::min(left_out.size(), kMostNamed); ++i) {
-    text += "left out, over the limit: ";
+    text += "left out, over the limit of bytes: ";
     AppendShown(text, left_out[i]);
     text += '\n';
   }
   if (left_out.size() > kMostNamed) {
     text += "and " + std::to_string(left_out.size() - kMostNamed) + " more left out\n";
+  }
+  if (!recorder.HasAllItems()) {
+    text += "left out: files and folders beyond the first " +
+            std::to_string(machine::RecordingLimits().items) + '\n';
   }
   Output output(STDOUT_FILENO);
   output.Write(text);
@@ -138,7 +143,7 @@ ExitStatus Capture(CommandLine const& line, std::shared_ptr<machine::Machine con
   ExitStatus const recorded = Record(line, recorder, counts);
   if (recorded != ExitStatus::kAnswered) return recorded;
   ExitStatus const written = Write(line, recorder);
-  if (written == ExitStatus::kAnswered) Tell(line, counts, recorder.LeftOut());
+  if (written == ExitStatus::kAnswered) Tell(line, counts, recorder);
   return written;
 }
 

@@ -160,7 +160,7 @@ TEST_F(FileCapture, LeavesOutWhatIsOverTheLimit) {
   ProcessResult const run =
       Gatotu({"capture", capture, "--limit-bytes", "4K", "--for", big, small});
   EXPECT_EQ(run.status, 0) << run.errors;
-  EXPECT_THAT(run.output, AllOf(HasSubstr("left out, over the limit: " + At("big")),
+  EXPECT_THAT(run.output, AllOf(HasSubstr("left out, over the limit of bytes: " + At("big")),
                                 Not(HasSubstr(At("text")))));
   EXPECT_THAT(Answer(capture, big)["error"]["reasons"].dump(), HasSubstr(At("big") + ": absent"));
   EXPECT_EQ(Answer(capture, small)["values"][0], "first");
@@ -259,7 +259,7 @@ TEST(CaptureCommand, ReadsExpressionsOfAFileToo) {
       Gatotu({"capture", capture, "--file", "-", "--for", "name of process 0"}, "hostname\n\n1\n");
   EXPECT_EQ(run.status, 0) << run.errors;
   EXPECT_EQ(run.errors, "");
-  EXPECT_THAT(run.output, HasSubstr("of 3 expressions 2 had an answer"));
+  EXPECT_THAT(run.output, HasSubstr("expressions: 3, answered: 2"));
   EXPECT_EQ(Answer(capture, "hostname"), Answer("live", "hostname"));
   EXPECT_EQ(Answer(capture, "physical ram")["error"]["code"], "no-such-object");
 }
