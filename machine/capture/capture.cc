@@ -18,8 +18,6 @@ using capture::Facts;
 using capture::Field;
 using capture::OpenedCapture;
 
-constexpr std::size_t kLargestDocument = std::size_t{1} << 28;
-
 // Links may be followed within the folder.
 FileDescriptor OpenBeneath(FileDescriptor const& folder, char const* path) {
   return live::OpenConfined(folder.number(), path, RESOLVE_BENEATH, O_DIRECTORY);
@@ -50,7 +48,7 @@ void OpenRoot(FileDescriptor const& folder, OpenedCapture& opened) {
 
 Fact<Record> ReadDocument(FileSource const& files, std::string const& folder, RecordReader reader) {
   std::string const path = "/" + std::string(capture::kDocument), name = folder + path;
-  Fact<std::string> const bytes = files.ReadFile(path, kLargestDocument);
+  Fact<std::string> const bytes = files.ReadFile(path, capture::kLargestDocument);
   if (!bytes) {
     Absence absence = bytes.absence();
     absence.source = name;

@@ -25,7 +25,7 @@ class OnTheWay final : public ItemsOnTheWay {
     if (!item) return item.absence();
     return item->item.status.kind;
   }
-  Fact<std::string> TargetOf(std::string const& path) override { return files_.ReadLink(path); }
+  Fact<std::string> TargetOf(std::string const& path) override { return files_.TargetAt(path); }
 
  private:
   Files const& files_;
@@ -70,6 +70,7 @@ Fact<RecordedItem> Files::Over(std::string const& path, RecordedItem copy) const
 }
 
 Fact<Item> Files::CopyAt(std::string const& path, Known wanted) const {
+  Unobserved const unobserved;
   if (wanted == Known::kAll) return copies_.Describe(path, Links::kKeep);
   Fact<ItemStatus> const status = copies_.Status(path, Links::kKeep);
   if (!status) return status.absence();
@@ -145,6 +146,7 @@ Fact<std::string> Files::TargetAt(std::string const& path) const {
     return Absence{live::OutcomeOf(EINVAL), path, {}, EINVAL};
   }
   if (records_.is_partial()) return NotRecorded(path);
+  Unobserved const unobserved;
   return copies_.ReadLink(*place);
 }
 
@@ -170,6 +172,7 @@ Fact<std::unique_ptr<Folder>> Files::OpenFolderAt(std::string const& path) const
     return MakeListedFolder(*this, path, item->item.status, std::move(*listing).value());
   }
   if (records_.is_partial()) return NotRecorded(path);
+  Unobserved const unobserved;
   auto copy = copies_.OpenFolder(path);
   if (!copy) return copy.absence();
   return MakeOverlaidFolder(*this, path, item->item.status, std::move(copy).value());

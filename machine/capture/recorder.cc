@@ -1,6 +1,7 @@
 #include "machine/capture/recorder.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "machine/capture/copies.h"
 #include "machine/capture/document.h"
@@ -111,9 +112,9 @@ std::vector<std::string> Recorder::LeftOut() const {
   return paths;
 }
 
-Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const {
 bool Recorder::HasAllItems() const { return !state_->items.is_full(); }
 
+Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const {
   Fact<CaptureFolder> const made = CaptureFolder::Make(folder);
   if (!made) return made.absence();
   CaptureFolder const& target = *made;
@@ -131,6 +132,9 @@ bool Recorder::HasAllItems() const { return !state_->items.is_full(); }
   document.Add("Files", std::move(files));
   Fact<std::string> const bytes = writer(document);
   if (!bytes) return bytes.absence();
+  if (bytes->size() > kLargestDocument) {
+    return Absence{Outcome::kMalformed, folder, "too much was asked for one capture", EFBIG};
+  }
   return target.Finish(*bytes);
 }
 

@@ -17,7 +17,7 @@ struct RecordingLimits {
   // recorded: larger than ...".
   std::uint64_t content_bytes = std::uint64_t{64} << 20;
   // Of the items looked at. Folders are not recorded further than that.
-  std::uint64_t items = 150'000;
+  std::uint64_t items = 100'000;
 };
 
 class MACHINE_API Recorder {

@@ -108,16 +108,4 @@ std::unique_ptr<FileSource const> MakeRecordingFiles(Recording& recording);
 // The machine itself, which keeps the recording.
 std::shared_ptr<Machine const> MakeRecordingMachine(std::shared_ptr<Recording> recording);
 
-// What the recorder asks for itself is announced to nobody.
-class Unobserved {
- public:
-  Unobserved() : before_(SetSourceObserver(nullptr)) {}
-  ~Unobserved() { SetSourceObserver(before_); }
-  Unobserved(Unobserved const&) = delete;
-  Unobserved& operator=(Unobserved const&) = delete;
-
- private:
-  SourceObserver* const before_;
-};
-
 }  // namespace machine::capture

@@ -14,7 +14,12 @@ bool IsUserName(std::string_view name) {
 }  // namespace
 
 Fact<std::string> Users::CurrentUser() const {
-  if (choices_.user.empty()) return facts_.Text("CurrentUser");
+  constexpr char const* kKey = "CurrentUser";
+  if (choices_.user.empty() && facts_.Knows(kKey)) return facts_.Text(kKey);
+  if (choices_.user.empty()) {
+    Announce(kKey, Outcome::kAbsent);
+    return Absence{Outcome::kAbsent, kKey, std::string(kNotRecorded) + ", and no user was chosen"};
+  }
   if (IsUserName(choices_.user)) return choices_.user;
   return Absence{Outcome::kMalformed, "the chosen user", choices_.user};
 }

@@ -292,6 +292,9 @@ TEST_F(Capture, RecordedItemsLieOverTheCopies) {
     EXPECT_FALSE(files.Status(path, Links::kFollow)) << path;
   }
   EXPECT_EQ(files.OpenFolder("/list").outcome(), Outcome::kMalformed);
+  AnnouncementLog log;
+  files.Status("/link/file", Links::kFollow);
+  EXPECT_THAT(log.entries, ElementsAre(Pair("/link/file", Outcome::kAnswered)));
   auto const folder = files.OpenFolder("/folder");
   auto const entry = (*folder)->Next(machine::Detail::kAll);
   EXPECT_EQ((*entry)->name, "file");

@@ -130,6 +130,10 @@ void MakeFiles(RecordedTree const& tree) {
   tree.Link("/folder/loop", "loop");
   tree.Write("/etc/passwd", "root:x:0:0::/:/bin/sh\nann:x:7:7::/home/ann:\n");
   ::mkfifo(tree.At("/pipe").c_str(), 0600);
+  tree.Write("/secret/file", "read by nobody but root");
+  tree.Write("/secret/folder/file", "");
+  ::chmod(tree.At("/secret/file").c_str(), 0);
+  ::chmod(tree.At("/secret/folder").c_str(), 0);
   ::chmod(tree.At("/folder/file").c_str(), 0444);
 }
 
@@ -141,6 +145,7 @@ TEST(Recorder, FilesComeBackAsTheyWere) {
       "/folder/way", "/folder/way/er",    "/folder/way/../file",  "/folder/deep/er/odd%\xFF\n",
       "/folder/out", "/folder/loop",      "/folder/loop/x",       "/folder/file/x",
       "/pipe",       "/attributes",       "/attributes/file",     "/none/x",
+      "/secret",     "/secret/file",      "/secret/folder",       "/secret/folder/file",
       "/none",       "/../folder/._file", std::string("/a\0b", 4)};
   MachinePointer asked = tree.Machine();
   FilesText(asked->Files(), paths);  // moves the times of access, the first time only
@@ -154,6 +159,7 @@ TEST(Recorder, FilesComeBackAsTheyWere) {
     asked = Opened(captures.At(name));
     EXPECT_EQ(FilesText(asked->Files(), paths), expected) << name;
   }
+  ::chmod(tree.At("/secret/folder").c_str(), 0700);
   EXPECT_THAT(expected, HasSubstr("\"resource\""));
   EXPECT_EQ(std::filesystem::read_symlink(captures.At("/second/root/folder/link")),
             "../attributes/./file");
@@ -162,7 +168,9 @@ TEST(Recorder, FilesComeBackAsTheyWere) {
 
 TEST(Recorder, WhatWasNotAskedIsNotRecorded) {
   RecordedTree tree, captures;
-  MakeFiles(tree);
+  tree.Write("/folder/file", "0123456789");
+  tree.Write("/attributes/file", "data");
+  tree.Link("/folder/link", "file");
   ScriptedMachine script;
   FillIn(script);
   auto const files = tree.Machine();
