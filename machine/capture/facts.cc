@@ -72,6 +72,13 @@ Fact<RecordDate> Field::Date() const {
   return Malformed("not a date");
 }
 
+void AnnounceMissing(Absence const& absence) {
+  if (CurrentSourceObserver() == nullptr) return;
+  bool const is_lacking = absence.where.starts_with(kNotRecorded);
+  Announce(is_lacking ? absence.source + " (" + absence.where + ")" : absence.source,
+           absence.reason);
+}
+
 Record RecordOf(Absence const& absence) {
   RecordDictionary entries;
   entries.Add(kReason, std::string(NameOf(absence.reason)));
@@ -125,7 +132,7 @@ bool Facts::IsPartial(std::string_view key) const {
 
 Absence Facts::Missing(std::string const& name) const {
   Absence absence = AbsenceIn((*this)["Absent"][name], {Outcome::kAbsent, name, kNotRecorded});
-  Announce(absence.source, absence.reason);
+  AnnounceMissing(absence);
   return absence;
 }
 

@@ -43,6 +43,8 @@ class Field {
 };
 
 inline constexpr char kNotRecorded[] = "not recorded";
+// With the reason where the capture lacks something that the machine may have had.
+void AnnounceMissing(Absence const& absence);
 
 // An absence as it was recorded: a text, or a dictionary with "Reason" and more.
 Record RecordOf(Absence const& absence);

@@ -13,7 +13,7 @@ namespace {
 Absence Announced(Absence absence, std::string const& path, char const* where = "") {
   absence.source = path;
   if (absence.where.empty()) absence.where = where;
-  Announce(path, absence.reason);
+  AnnounceMissing(absence);
   return absence;
 }
 

@@ -21,7 +21,7 @@ class CapturedFolder : public Folder {
  protected:
   Absence Failure(Absence absence, std::string const& path) const {
     absence.source = path;
-    Announce(path, absence.reason);
+    AnnounceMissing(absence);
     return absence;
   }
 

@@ -27,8 +27,9 @@ class NoFiles final : public FileSource {
 
  private:
   Absence Missing(std::string const& path) const {
-    Announce(path, Outcome::kAbsent);
-    return {Outcome::kAbsent, path, why_, ENOENT};
+    Absence absence = {Outcome::kAbsent, path, std::string(kNotRecorded) + ": " + why_, ENOENT};
+    AnnounceMissing(absence);
+    return absence;
   }
   std::string const why_;
 };

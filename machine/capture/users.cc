@@ -17,8 +17,10 @@ Fact<std::string> Users::CurrentUser() const {
   constexpr char const* kKey = "CurrentUser";
   if (choices_.user.empty() && facts_.Knows(kKey)) return facts_.Text(kKey);
   if (choices_.user.empty()) {
-    Announce(kKey, Outcome::kAbsent);
-    return Absence{Outcome::kAbsent, kKey, std::string(kNotRecorded) + ", and no user was chosen"};
+    Absence const absence = {Outcome::kAbsent, kKey,
+                             std::string(kNotRecorded) + ", and no user was chosen"};
+    AnnounceMissing(absence);
+    return absence;
   }
   if (IsUserName(choices_.user)) return choices_.user;
   return Absence{Outcome::kMalformed, "the chosen user", choices_.user};

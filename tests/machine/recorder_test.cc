@@ -21,6 +21,7 @@ using machine::Links;
 using machine::Outcome;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::Pair;
 
 using MachinePointer = std::shared_ptr<machine::Machine const>;
 
@@ -208,6 +209,11 @@ TEST(Recorder, WhatWasNotAskedIsNotRecorded) {
   };
   for (machine::Absence const& absence : absences) EXPECT_EQ(absence.where, "not recorded");
   EXPECT_EQ(copies.Status("/attributes/none", Links::kKeep).absence().where, "");
+  AnnouncementLog log;
+  copies.Status("/folder/link", Links::kKeep);
+  capture->System().KernelRelease();
+  EXPECT_THAT(log.entries, ElementsAre(Pair("/folder/link (not recorded)", Outcome::kAbsent),
+                                       Pair("KernelRelease (not recorded)", Outcome::kAbsent)));
 }
 
 TEST(Recorder, ContentsStayWithinTheLimit) {
