@@ -88,6 +88,7 @@ Fact<std::shared_ptr<Machine const>> OpenCapture(std::string const& folder,
   if (!top.is_open()) return live::AnnounceError(errno, folder);
   FileDescriptor again = OpenBeneath(top, ".");
   if (!again.is_open()) {
+    if (errno == EACCES) return live::AnnounceError(errno, folder);
     return Refusal(Outcome::kNotSupported, folder,
                    "this kernel cannot keep paths below a folder (openat2)");
   }
