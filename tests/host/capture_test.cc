@@ -162,7 +162,8 @@ TEST_F(FileCapture, LeavesOutWhatIsOverTheLimit) {
   EXPECT_EQ(run.status, 0) << run.errors;
   EXPECT_THAT(run.output, AllOf(HasSubstr("left out, over the limit of bytes: " + At("big")),
                                 Not(HasSubstr(At("text")))));
-  EXPECT_THAT(Answer(capture, big)["error"]["reasons"].dump(), HasSubstr(At("big") + ": absent"));
+  EXPECT_THAT(Answer(capture, big)["error"]["reasons"].dump(),
+              HasSubstr(At("big") + " (not recorded"));
   EXPECT_EQ(Answer(capture, small)["values"][0], "first");
 }
 
@@ -190,6 +191,18 @@ TEST_F(FileCapture, RemembersWhatMayNotBeReadAndIsAskedByAnother) {
   ProcessResult const run = Gatotu({"--machine", folder_.Path("capture"), text});
   EXPECT_EQ(run.errors, live.errors);
   EXPECT_EQ(run.status, 1);
+}
+
+TEST(Capture, IsForItsOwnersEyes) {
+  if (::geteuid() != 0) GTEST_SKIP() << "only the superuser is two users";
+  TemporaryFolder const folder;
+  std::string const capture = folder.Path("capture");
+  MakeCapture(capture, {"hostname"});
+  ::chmod(folder.Path().c_str(), 0755);
+  if (AsNobody({"1"}).status != 0) GTEST_SKIP() << "nobody cannot run the command here";
+  ProcessResult const run = AsNobody({"--machine", capture, "1"});
+  EXPECT_EQ(run.errors, "gatotu: " + capture + ": Permission denied\n");
+  EXPECT_EQ(run.status, 4);
 }
 
 TEST(CaptureCommand, RefusesAFolderThatItCannotFill) {
