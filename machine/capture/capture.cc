@@ -27,23 +27,17 @@ Absence Refusal(Outcome reason, std::string const& folder, std::string why) {
   return {reason, folder, std::move(why)};
 }
 
-// The folder with the copies, or why there is none.
-void OpenRoot(FileDescriptor const& folder, OpenedCapture& opened) {
-  Field const field = opened.facts["SystemRoot"];
-  Fact<std::string> const path = field.exists() ? field.Text() : Fact<std::string>("root");
-  FileDescriptor root;
-  if (!path) {
-    opened.why_no_files = path.absence().source + ": " + path.absence().where;
-  } else if (path->find('\0') != std::string::npos) {
-    opened.why_no_files = field.path() + ": not a path";
-  } else {
-    root = OpenBeneath(folder, path->c_str());
-    if (!root.is_open()) opened.why_no_files = field.path() + ": " + std::strerror(errno);
-    if (!root.is_open() && errno == EXDEV) {
-      opened.why_no_files = field.path() + ": leads out of the capture";
-    }
-  }
-  if (root.is_open()) opened.root.emplace(std::move(root));
+// The folder with the copies.
+Fact<FileDescriptor> OpenRoot(FileDescriptor const& folder, Facts const& facts) {
+  Field const field = facts["SystemRoot"];
+  Fact<std::string> const path = field.exists() ? field.Text() : capture::kRoot;
+  if (!path) return path.absence();
+  if (path->find('\0') != std::string::npos) return field.Malformed("not a path");
+  FileDescriptor root = OpenBeneath(folder, path->c_str());
+  if (root.is_open()) return root;
+  bool const leads_out = errno == EXDEV;
+  return Absence{live::OutcomeOf(errno), field.path(),
+                 leads_out ? "leads out of the capture" : std::strerror(errno)};
 }
 
 Fact<Record> ReadDocument(FileSource const& files, std::string const& folder, RecordReader reader) {
@@ -101,7 +95,9 @@ Fact<std::shared_ptr<Machine const>> OpenCapture(std::string const& folder,
     Fact<Record> document = ReadDocument(files, folder, reader);
     if (!document) return document.absence();
     opened.facts = Facts(std::move(document).value());
-    OpenRoot(top, opened);
+    Fact<FileDescriptor> root = OpenRoot(top, opened.facts);
+    if (root) opened.root.emplace(std::move(root).value());
+    if (!root) opened.why_no_files = CaptureMessage(root.absence());
   } else if (files.Status(kSystemVersionPath, Links::kFollow)) {
     opened.is_volume = true;
     opened.root.emplace(std::move(whole));

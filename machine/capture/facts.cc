@@ -108,7 +108,7 @@ Absence AbsenceIn(Field const& field, Absence whole) {
 }
 
 Field Facts::operator[](std::string_view key) const {
-  return Field(&document_, "machine.plist: ")[key];
+  return Field(&document_, kDocumentPlace)[key];
 }
 
 bool Facts::Knows(std::string const& key) const {

@@ -9,9 +9,10 @@
 namespace machine::capture {
 namespace {
 
-// Said of the path that was asked, whatever the path at which it was found.
+// Said of the path that was asked, whatever the path at which it was found, unless the document is
+// at fault.
 Absence Announced(Absence absence, std::string const& path, char const* where = "") {
-  absence.source = path;
+  if (!absence.source.starts_with(kDocumentPlace)) absence.source = path;
   if (absence.where.empty()) absence.where = where;
   AnnounceMissing(absence);
   return absence;

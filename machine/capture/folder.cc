@@ -20,7 +20,7 @@ class CapturedFolder : public Folder {
 
  protected:
   Absence Failure(Absence absence, std::string const& path) const {
-    absence.source = path;
+    if (!absence.source.starts_with(kDocumentPlace)) absence.source = path;
     AnnounceMissing(absence);
     return absence;
   }

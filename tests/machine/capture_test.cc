@@ -147,9 +147,9 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
       {"<key>TimeZone</key><string>../../etc/passwd</string>", zone, "TimeZone"},
       {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>", zone,
        "TimeZoneRules"},
-      {mode.c_str(), status, "/f"},
-      {time.c_str(), status, "/f"},
-      {text.c_str(), status, "/f"},
+      {mode.c_str(), status, "Files./f.Mode"},
+      {time.c_str(), status, "Files./f.Born"},
+      {text.c_str(), status, "Files./f"},
   };
   for (MalformedCase const& row : cases) {
     Document(std::string(row.entries) + "<key>HostName</key><string>box</string>");
