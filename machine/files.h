@@ -80,8 +80,9 @@ class MACHINE_API Folder {
   virtual Fact<FolderEntry const*> Next(Detail detail) = 0;
   // A folder in this one; a link is not followed.
   virtual Fact<std::unique_ptr<Folder>> OpenFolder(std::string_view name) = 0;
-  // Gives the open file back to the system until the next call, which finds the place again: for
-  // walks deeper than the number of files a process may have open.
+  // Gives the open file and all that was read ahead back until the next call, which finds the place
+  // again: for walks deeper than the number of files a process may have open. The last entry's name
+  // is lost.
   virtual void Rest() = 0;
 };
 

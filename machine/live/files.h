@@ -58,7 +58,4 @@ class Files final : public FileSource {
 // Why nothing is changed here; announced.
 Absence RefuseChange(std::string path);
 
-// An open folder of the root; `path` is for announcing and for finding it again.
-Fact<std::unique_ptr<Folder>> MakeFolder(Root const& root, FileDescriptor folder, std::string path);
-
 }  // namespace machine::live
