@@ -33,7 +33,7 @@ class Files : public testing::Test {
     folder_.AddLink("to file", "sub/../a.txt");
     folder_.AddLink("to folder", "sub");
     folder_.AddLink("sub/up", "..");
-    folder_.AddLink("broken", "nowhere");
+    folder_.AddLink("broken", "a.txt/");
     folder_.AddLink("loop", "loop");
   }
 
@@ -47,7 +47,9 @@ TEST_F(Files, AreFoundByPathAndByName) {
        {R"(exists folder "%/a.txt")", "false"},
        {R"(exists file "%/sub")", "false"},
        {R"(name of folder "%/sub/")", "sub"},
-       {R"(exists file "%/a.txt/")", "false"},
+       {R"(exists file "%/a.txt/", exists file "%/a.txt/.")", "false, false"},
+       {R"(names of (filesystem object "%/to folder/"; filesystem object "%/to folder"))",
+        "sub\nto folder"},
        {R"(exists file "%/none")", "false"},
        {R"(exists file "a.txt")", "false"},
        {R"(exists file "")", "false"},
