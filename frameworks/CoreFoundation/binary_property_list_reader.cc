@@ -88,6 +88,7 @@ class Reader {
     return LoadBigEndian(bytes_.data() + begin + index * reference_width_, reference_width_);
   }
 
+  ObjectBlocks blocks_;
   std::span<unsigned char const> bytes_;
   PropertyListError& error_;
   std::size_t table_ = 0;  // Where the objects end and their offsets begin.
@@ -236,12 +237,15 @@ CFTypeRef Reader::ReadInteger(std::size_t at) {
   if (power > 4) return Fail(at, "an integer wider than 16 bytes");
   std::size_t const width = std::size_t{1} << power;
   if (!Claim(at, at + 1, width)) return nullptr;
-  unsigned char const* const value = &bytes_[at + 1];
-  if (width <= 8) return __CFNumber::MakeSigned(static_cast<SInt64>(LoadBigEndian(value, width)));
-  UInt64 const high = LoadBigEndian(value, 8), low = LoadBigEndian(value + 8, 8);
-  CFSInt128Struct const whole = {static_cast<SInt64>(high), low};
-  CFNumberRef const number = CFNumberCreate(nullptr, kCFNumberSInt128Type, &whole);
-  return number != nullptr ? number : Fail(at, "an integer outside the 64 bits");
+  unsigned char const* const start = &bytes_[at + 1];
+  if (width <= 8)
+    return __CFNumber::MakeSigned(static_cast<SInt64>(LoadBigEndian(start, width)),
+                                  kCFNumberSInt64Type, &blocks_);
+  UInt64 const high = LoadBigEndian(start, 8), low = LoadBigEndian(start + 8, 8);
+  if (high == 0) return __CFNumber::MakeUnsigned(low, &blocks_);
+  auto const value = static_cast<SInt64>(low);
+  if (high != ~UInt64{0} || value >= 0) return Fail(at, "an integer outside the 64 bits");
+  return __CFNumber::MakeSigned(value, kCFNumberSInt64Type, &blocks_);
 }
 
 CFTypeRef Reader::ReadReal(std::size_t at) {
@@ -250,22 +254,26 @@ CFTypeRef Reader::ReadReal(std::size_t at) {
   std::size_t const width = std::size_t{1} << power;
   if (!Claim(at, at + 1, width)) return nullptr;
   UInt64 const bits = LoadBigEndian(&bytes_[at + 1], width);
-  if (power == 3) return __CFNumber::MakeReal(std::bit_cast<double>(bits));
-  return __CFNumber::MakeReal(std::bit_cast<float>(static_cast<UInt32>(bits)),
-                              kCFNumberFloat32Type);
+  if (power == 3)
+    return __CFNumber::MakeReal(std::bit_cast<double>(bits), kCFNumberFloat64Type, &blocks_);
+  return __CFNumber::MakeReal(std::bit_cast<float>(static_cast<UInt32>(bits)), kCFNumberFloat32Type,
+                              &blocks_);
 }
 
 CFTypeRef Reader::ReadDate(std::size_t at) {
   if (bytes_[at] != kDateMarker) return Fail(at, "a date that is not 8 bytes wide");
   if (!Claim(at, at + 1, 8)) return nullptr;
   auto const time = std::bit_cast<double>(LoadBigEndian(&bytes_[at + 1], 8));
-  return std::isfinite(time) ? CFDateCreate(nullptr, time) : Fail(at, "a date that is no time");
+  if (!std::isfinite(time)) return Fail(at, "a date that is no time");
+  return CFObject::MakeIn<__CFDate>(&blocks_, 0, time);
 }
 
 CFTypeRef Reader::ReadData(std::size_t at) {
   Extent extent;
   if (!ReadExtent(at, 1, extent)) return nullptr;
-  return CFDataCreate(nullptr, bytes_.data() + extent.begin, static_cast<CFIndex>(extent.count));
+  __CFData* const data = __CFData::MakeUnfilled(extent.count, &blocks_);
+  std::memcpy(data->bytes(), bytes_.data() + extent.begin, extent.count);
+  return data;
 }
 
 CFTypeRef Reader::ReadAscii(std::size_t at) {
@@ -273,7 +281,7 @@ CFTypeRef Reader::ReadAscii(std::size_t at) {
   if (!ReadExtent(at, 1, extent)) return nullptr;
   unsigned char const* const text = bytes_.data() + extent.begin;
   if (!encodings::IsAscii(text, extent.count)) return Fail(at, "an ASCII string that is not ASCII");
-  return __CFString::MakeAscii(text, extent.count);
+  return __CFString::MakeAscii(text, extent.count, &blocks_);
 }
 
 CFTypeRef Reader::ReadUtf16(std::size_t at) {
@@ -284,22 +292,23 @@ CFTypeRef Reader::ReadUtf16(std::size_t at) {
   for (std::size_t i = 0; i < extent.count; ++i) {
     units_[i] = static_cast<UniChar>(text[2 * i] << 8 | text[2 * i + 1]);
   }
-  return __CFString::MakeUnits(units_.data(), units_.size());
+  return __CFString::MakeUnits(units_.data(), units_.size(), &blocks_);
 }
 
 CFTypeRef Reader::ReadUid(std::size_t at) {
   std::size_t const width = (bytes_[at] & 0xF) + std::size_t{1};
   if (width > 8) return Fail(at, "a UID wider than 8 bytes");
   if (!Claim(at, at + 1, width)) return nullptr;
-  CFTypeRef const pair[] = {CFRetain(CFSTR("CF$UID")),
-                            __CFNumber::MakeUnsigned(LoadBigEndian(&bytes_[at + 1], width))};
-  return __CFDictionary::MakeTaking(pair, __CFDictionary::Keep::kFirst);
+  CFTypeRef const pair[] = {
+      CFRetain(CFSTR("CF$UID")),
+      __CFNumber::MakeUnsigned(LoadBigEndian(&bytes_[at + 1], width), &blocks_)};
+  return __CFDictionary::MakeTaking(pair, __CFDictionary::Keep::kFirst, &blocks_);
 }
 
 CFTypeRef Reader::ReadArray(std::size_t at, std::size_t number, int enclosing) {
   Extent extent;
   if (!ReadExtent(at, reference_width_, extent)) return nullptr;
-  __CFArray* const array = __CFArray::MakeUnfilled(extent.count);
+  __CFArray* const array = __CFArray::MakeUnfilled(extent.count, &blocks_);
   int height = 0;
   for (UInt64 i = 0; i < extent.count; ++i) {
     UInt64 const reference = ReferenceAt(extent.begin, i);
@@ -318,7 +327,8 @@ CFTypeRef Reader::ReadArray(std::size_t at, std::size_t number, int enclosing) {
 CFTypeRef Reader::ReadDictionary(std::size_t at, std::size_t number, int enclosing) {
   Extent extent;
   if (!ReadExtent(at, 2 * reference_width_, extent)) return nullptr;
-  __CFDictionary* const dictionary = __CFDictionary::MakeUnfilled(extent.count);
+  __CFDictionary* const dictionary =
+      __CFDictionary::MakeUnfilled(extent.count, __CFDictionary::kObjects, &blocks_);
   int height = 0;
   if (!FillDictionary(*dictionary, extent, enclosing + 1, height)) {
     CFRelease(dictionary);
@@ -334,7 +344,7 @@ bool Reader::FillDictionary(__CFDictionary& dictionary, Extent extent, int enclo
   for (UInt64 i = 0; i < extent.count; ++i) {
     CFTypeRef const key = ReadObject(ReferenceAt(extent.begin, i), enclosing);
     if (key == nullptr) return false;
-    dictionary.TakeKey(i, key);
+    dictionary.TakeKey(key);
     if (CFObject::Of(key).type() != kCFTypeString) {
       return Refuse(extent.begin + i * reference_width_, "a key that is not a string");
     }

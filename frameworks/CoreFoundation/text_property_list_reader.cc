@@ -171,7 +171,7 @@ class Reader {
       }
     }
     if (high != 16) return Fail("Half a byte in data");
-    builder_.Add(CFDataCreate(nullptr, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    builder_.AddData(bytes);
     return true;
   }
 
@@ -193,7 +193,7 @@ class Reader {
       }
       if (!(Take('\\') ? ReadEscape() : ReadCharacter())) return false;
     }
-    builder_.Add(__CFString::MakeUnits(units_.data(), units_.size()));
+    builder_.Add(__CFString::MakeUnits(units_.data(), units_.size(), &builder_.blocks()));
     return true;
   }
 

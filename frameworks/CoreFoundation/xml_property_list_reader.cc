@@ -153,7 +153,7 @@ class Reader {
       builder_.AddAscii(ascii);
       return scanner_.TakeClosing(tag.name);
     }
-    CFStringRef const string = scanner_.TakeString();
+    CFStringRef const string = scanner_.TakeString(builder_.blocks());
     if (string == nullptr) return false;
     builder_.Add(string);
     return scanner_.TakeClosing(tag.name);
@@ -168,32 +168,27 @@ class Reader {
   bool ReadInteger(XmlTag const& tag) {
     auto const integer = ReadXmlInteger(Content(tag));
     if (!integer) return scanner_.Fail("Malformed or too large <integer>");
-    auto const value =
-        static_cast<SInt64>(integer->is_negative ? 0 - integer->magnitude : integer->magnitude);
-    CFSInt128Struct const large = {0, integer->magnitude};
-    bool const is_large = !integer->is_negative && value < 0;
-    builder_.Add(is_large ? CFNumberCreate(nullptr, kCFNumberSInt128Type, &large)
-                          : CFNumberCreate(nullptr, kCFNumberSInt64Type, &value));
+    builder_.AddInteger(integer->magnitude, integer->is_negative);
     return Close(tag);
   }
 
   bool ReadReal(XmlTag const& tag) {
     auto const real = ReadXmlReal(Content(tag));
     if (!real) return scanner_.Fail("Malformed <real>");
-    builder_.Add(CFNumberCreate(nullptr, kCFNumberFloat64Type, &*real));
+    builder_.AddReal(*real);
     return Close(tag);
   }
 
   bool ReadDate(XmlTag const& tag) {
     auto const date = ReadXmlDate(Content(tag));
     if (!date) return scanner_.Fail("Malformed <date>");
-    builder_.Add(CFDateCreate(nullptr, *date));
+    builder_.AddDate(*date);
     return Close(tag);
   }
 
   bool ReadData(XmlTag const& tag) {
     if (!ReadBase64(Content(tag), bytes_)) return scanner_.Fail("Malformed <data>");
-    builder_.Add(CFDataCreate(nullptr, bytes_.data(), static_cast<CFIndex>(bytes_.size())));
+    builder_.AddData(bytes_);
     // What one large piece took is not held while the rest is read.
     if (bytes_.capacity() > 65'536) std::vector<UInt8>().swap(bytes_);
     return Close(tag);

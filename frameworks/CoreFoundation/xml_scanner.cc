@@ -234,7 +234,7 @@ bool XmlScanner::WalkText(Sink&& sink) {
   }
 }
 
-CFStringRef XmlScanner::TakeString() {
+CFStringRef XmlScanner::TakeString(ObjectBlocks& blocks) {
   char const* const start = at_;
   std::size_t length = 0;
   UInt32 all = 0;
@@ -246,11 +246,12 @@ CFStringRef XmlScanner::TakeString() {
   }
   at_ = start;
   if (all < 0x80) {
-    return __CFString::FillAscii(length, [&](UInt8* out) {
+    auto const fill = [&](UInt8* out) {
       WalkText([&](UInt32 character) { *out++ = static_cast<UInt8>(character); });
-    });
+    };
+    return __CFString::FillAscii(length, fill, &blocks);
   }
-  return __CFString::FillUnits(length, [&](UniChar* out) {
+  auto const fill = [&](UniChar* out) {
     WalkText([&](UInt32 character) {
       if (character >= 0x10000) {
         *out++ = static_cast<UniChar>(0xD7C0 + (character >> 10));
@@ -258,5 +259,6 @@ CFStringRef XmlScanner::TakeString() {
       }
       *out++ = static_cast<UniChar>(character);
     });
-  });
+  };
+  return __CFString::FillUnits(length, fill, &blocks);
 }

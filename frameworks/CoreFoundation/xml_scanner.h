@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "frameworks/CoreFoundation/object_blocks.h"
+
 struct XmlTag {
   std::string_view name;
   bool is_closing = false;  // </name>
@@ -37,7 +39,7 @@ class XmlScanner {
   bool TakePlainText(std::string_view& text);
   // Text up to the next tag, without the comments in it, as a string with one reference. Null for
   // malformed UTF-8 and for references that are not known.
-  CFStringRef TakeString();
+  CFStringRef TakeString(ObjectBlocks& blocks);
 
   // Keeps the first failure, with the place that was reached. Always false.
   bool Fail(char const* message);

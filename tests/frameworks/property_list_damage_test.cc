@@ -87,6 +87,17 @@ std::string Repeated(std::string_view head, std::string_view piece, std::string_
   return text += foot;
 }
 
+// The piece with another number of six digits in place of its "#" each time.
+std::string Numbered(std::string_view head, std::string_view piece, std::string_view foot) {
+  std::string text(head);
+  std::size_t const mark = piece.find('#');
+  for (int number = 100'000; text.size() < 8'000'000; ++number) {
+    text.append(piece.substr(0, mark)) += std::to_string(number);
+    text += piece.substr(mark + 1);
+  }
+  return text += foot;
+}
+
 // By how much reading in a process of its own raises the peak, in parts of the text.
 double PeakOfReading(std::string const& text) {
   int pipe_ends[2];
@@ -132,6 +143,12 @@ TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
       {"empty containers", Repeated("<array>", "<array/><dict/>", "</array>")},
       {"small numbers", Repeated("<array>", "<integer>1</integer>", "</array>")},
       {"booleans", Repeated("<array>", "<true/>", "</array>")},
+      {"short keys", Numbered("<dict>", "<key>#</key><true/>", "</dict>")},
+      {"short reals", Numbered("<array>", "<real>#</real>", "</array>")},
+      {"short strings", Numbered("<array>", "<string>#</string>", "</array>")},
+      {"no data", Repeated("<array>", "<data/>", "</array>")},
+      {"a byte of data", Repeated("<array>", "<data>AA==</data>", "</array>")},
+      {"arrays of one", Repeated("<array>", "<array><true/></array>", "</array>")},
   };
   for (auto const& row : rows) {
     double const grown = PeakOfReading(row.text);
