@@ -31,6 +31,7 @@ Fact<std::string> FileSource::ReadFile(std::string const&, std::size_t) const {
   return NotSupported();
 }
 Fact<std::string> FileSource::CanonicalFolder(std::string const&) const { return NotSupported(); }
+Fact<std::string> FileSource::WorkingFolder() const { return NotSupported(); }
 Fact<VolumeSpace> FileSource::Space(std::string const&) const { return NotSupported(); }
 Fact<std::string> FileSource::UserName(std::uint32_t) const { return NotSupported(); }
 Fact<std::string> FileSource::GroupName(std::uint32_t) const { return NotSupported(); }

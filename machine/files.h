@@ -139,6 +139,8 @@ class MACHINE_API FileSource {
   virtual Fact<std::string> ReadFile(std::string const& path, std::size_t most) const;
   // The folder's path without links, "." and "..".
   virtual Fact<std::string> CanonicalFolder(std::string const& path) const;
+  // Where relative paths begin: the process's own folder, which no other machine has.
+  virtual Fact<std::string> WorkingFolder() const;
   virtual Fact<VolumeSpace> Space(std::string const& path) const;
 
   virtual Fact<std::string> UserName(std::uint32_t user) const;

@@ -66,7 +66,7 @@ struct Place {
 
 Place Find(std::string_view path, Links links) {
   if (!path.starts_with('/') || path.find('\0') != std::string_view::npos) {
-    Refuse(path, machine::Outcome::kMalformed);
+    Refuse(path.empty() ? "empty path" : path, machine::Outcome::kMalformed);
   }
   machine::FileSource const& files = MachineFiles();
   std::string place = WithoutParents(std::string(path));

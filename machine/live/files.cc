@@ -4,6 +4,7 @@
 #include <grp.h>
 #include <pwd.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <climits>
@@ -88,6 +89,15 @@ Fact<std::string> Files::CanonicalFolder(std::string const& path) const {
   return canonical;
 }
 
+Fact<std::string> Files::WorkingFolder() const {
+  constexpr char const* kSource = "working folder";
+  if (!root_.is_running()) return AnnounceAbsence(Outcome::kNotSupported, kSource);
+  char path[PATH_MAX];
+  if (::getcwd(path, sizeof path) == nullptr) return AnnounceError(errno, kSource);
+  Announce(kSource, Outcome::kAnswered);
+  return std::string(path);
+}
+
 Fact<VolumeSpace> Files::Space(std::string const& path) const {
   FileDescriptor const item = root_.OpenItemItself(path);
   struct statvfs volume;
@@ -116,7 +126,7 @@ Fact<std::string> Files::NameInList(char const* list, std::uint32_t number) cons
       return std::string(line.substr(0, password));
     }
   }
-  return Absence{Outcome::kAbsent, list, std::to_string(number)};
+  return AnnounceAbsence(Outcome::kAbsent, list, std::to_string(number));
 }
 
 namespace {

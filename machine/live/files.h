@@ -22,6 +22,7 @@ class Files final : public FileSource {
                                            Access access) const override;
   Fact<std::string> ReadFile(std::string const& path, std::size_t most) const override;
   Fact<std::string> CanonicalFolder(std::string const& path) const override;
+  Fact<std::string> WorkingFolder() const override;
   Fact<VolumeSpace> Space(std::string const& path) const override;
   Fact<std::string> UserName(std::uint32_t user) const override;
   Fact<std::string> GroupName(std::uint32_t group) const override;
