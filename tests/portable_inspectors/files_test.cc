@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -166,6 +167,12 @@ TEST(DeepFolders, AreWalkedToTheEnd) {
   EXPECT_EQ(folder.Ask(R"(number of descendants whose (name of it = "x") of folder "%")"),
             std::to_string(kDepth));
   EXPECT_LT(HeapOfWalk(folder.Path()), 8u << 20);
+  rlimit files;
+  getrlimit(RLIMIT_NOFILE, &files);
+  rlimit const few = {40, files.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &few);
+  EXPECT_EQ(folder.Ask(R"(number of descendants of folder "%")"), std::to_string(2 * kDepth));
+  setrlimit(RLIMIT_NOFILE, &files);
   FirstLineOf("rm -rf '" + folder.Path() + "'");
 }
 
