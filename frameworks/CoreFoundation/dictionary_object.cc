@@ -1,6 +1,7 @@
 #include "frameworks/CoreFoundation/dictionary_object.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -30,6 +31,36 @@ std::size_t FindByIndex(Pairs pairs, PlaceIndex index, CFHashCode hash, void con
   return index.Find(
       hash, [&](std::size_t place) { return AreEqualValues(pairs[place].key, key, are_objects); });
 }
+
+// The hashes of keys in sequence, each computed some places before it is asked for, so that the
+// index has its slot near by then.
+class HashesAhead {
+ public:
+  HashesAhead(Pairs pairs, PlaceIndex index, bool are_objects)
+      : pairs_(pairs), index_(index), are_objects_(are_objects) {
+    for (std::size_t i = 0; i < std::min(kAhead, pairs_.size()); ++i) Compute(i);
+  }
+
+  CFHashCode Take(std::size_t place) {
+    CFHashCode const hash = hashes_[place % kAhead];
+    if (place + kAhead < pairs_.size()) Compute(place + kAhead);
+    return hash;
+  }
+
+ private:
+  static constexpr std::size_t kAhead = 16;
+
+  void Compute(std::size_t place) {
+    CFHashCode const hash = HashKey(pairs_[place].key, are_objects_);
+    hashes_[place % kAhead] = hash;
+    index_.Prefetch(hash);
+  }
+
+  Pairs pairs_;
+  PlaceIndex index_;
+  bool are_objects_;
+  std::array<CFHashCode, kAhead> hashes_;
+};
 
 void Drop(CFTypeRef object, std::vector<CFTypeRef>* dropped) {
   if (dropped != nullptr) {
@@ -74,10 +105,11 @@ void __CFDictionary::Settle(Keep keep, std::vector<CFTypeRef>* dropped) {
   bool const has_index = PlaceIndex::IsNeededFor(count_);
   PlaceIndex index = InlineIndex();
   if (has_index) std::memset(pairs + count_, 0, PlaceIndex::BytesFor(count_));
+  HashesAhead hashes({pairs, has_index ? count_ : 0}, index, holds_object_keys());
   std::size_t kept = 0;
   for (std::size_t i = 0; i < count_; ++i) {
     Pair const pair = pairs[i];
-    CFHashCode const hash = has_index ? HashKey(pair.key, holds_object_keys()) : 0;
+    CFHashCode const hash = has_index ? hashes.Take(i) : 0;
     std::size_t const found =
         has_index ? FindByIndex({pairs, kept}, index, hash, pair.key, holds_object_keys())
                   : FindAmong({pairs, kept}, pair.key, holds_object_keys());
