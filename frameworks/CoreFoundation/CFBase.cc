@@ -24,6 +24,8 @@ void CFObject::End() const {
       return ObjectBlocks::GiveBack(place);
     case Memory::kMalloced:
       return std::free(place);
+    case Memory::kStatic:
+      return;
   }
 }
 

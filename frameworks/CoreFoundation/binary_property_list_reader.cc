@@ -28,6 +28,31 @@ UInt64 LoadBigEndian(unsigned char const* bytes, std::size_t width) {
   return value >> (64 - 8 * width);
 }
 
+// References to objects by their numbers, in sequence.
+struct References {
+  UInt64 operator[](UInt64 index) const { return LoadBigEndian(begin + index * width, width); }
+
+  unsigned char const* begin;
+  std::size_t width;
+};
+
+// What has been read, borrowed from the container that was the first to hold it, and how many
+// containers deep it is. A loop keeps a copy, so that nothing it writes can concern these pointers.
+struct KnownObjects {
+  static constexpr UInt16 kUnread = 0xFFFF, kBeingRead = 0xFFFE;
+
+  // A new reference to what is known and no container, else null.
+  CFTypeRef RetainSimple(UInt64 number) const {
+    if (number >= count || heights[number] != 0) return nullptr;
+    CFObject::Of(objects[number]).RetainUnshared();
+    return objects[number];
+  }
+
+  CFTypeRef* objects;
+  UInt16* heights;
+  std::size_t count;
+};
+
 // What follows an object's first byte: how many (bytes, units, references), and where they begin.
 struct Extent {
   UInt64 count = 0;
@@ -46,13 +71,13 @@ class Reader {
   CFPropertyListRef Read() {
     if (!ReadTrailer()) return nullptr;
     objects_.resize(count_);
-    heights_.resize(count_, kUnread);
-    return ReadObject(root_, 0);
+    heights_.resize(count_, KnownObjects::kUnread);
+    known_ = {objects_.data(), heights_.data(), count_};
+    int height = 0;
+    return ReadObject(root_, 0, height);
   }
 
  private:
-  static constexpr UInt16 kUnread = 0xFFFF, kBeingRead = 0xFFFE;
-
   bool Refuse(std::size_t position, char const* message) {
     error_ = {position, message};
     return false;
@@ -63,8 +88,10 @@ class Reader {
   }
 
   bool ReadTrailer();
-  // One reference, or null. `enclosing` counts the containers around the object.
-  CFTypeRef ReadObject(UInt64 number, int enclosing);
+  // One reference, or null. `enclosing` counts the containers around the object, `height` becomes
+  // at least that of the object.
+  CFTypeRef ReadObject(UInt64 number, int enclosing, int& height);
+  CFTypeRef ReadKnownObject(std::size_t number, int enclosing);
   CFTypeRef ReadNewObject(std::size_t number, int enclosing);
   CFTypeRef ReadSimple(std::size_t at);
   CFTypeRef ReadInteger(std::size_t at);
@@ -84,8 +111,8 @@ class Reader {
   // together within the file, which bounds the memory that objects take.
   bool Claim(std::size_t at, std::size_t begin, UInt64 size);
 
-  UInt64 ReferenceAt(std::size_t begin, UInt64 index) const {
-    return LoadBigEndian(bytes_.data() + begin + index * reference_width_, reference_width_);
+  References ReferencesAt(std::size_t begin) const {
+    return {bytes_.data() + begin, reference_width_};
   }
 
   ObjectBlocks blocks_;
@@ -97,10 +124,9 @@ class Reader {
   std::size_t offset_width_ = 0;
   std::size_t reference_width_ = 0;
   std::size_t claimed_ = 0;
-  // What has been read, borrowed from the container that was the first to hold it, and how many
-  // containers deep it is.
   std::vector<CFTypeRef> objects_;
   std::vector<UInt16> heights_;
+  KnownObjects known_ = {};
   // Keys that occurred twice, and their values: others may still refer to them.
   std::vector<CFTypeRef> dropped_;
   std::vector<UniChar> units_;
@@ -137,13 +163,21 @@ bool Reader::ReadTrailer() {
   return true;
 }
 
-CFTypeRef Reader::ReadObject(UInt64 number, int enclosing) {
+CFTypeRef Reader::ReadObject(UInt64 number, int enclosing, int& height) {
   if (number >= count_) return Fail(table_, "a reference to an object that does not exist");
-  UInt16 const height = heights_[number];
-  if (height == kUnread) return ReadNewObject(number, enclosing);
+  CFTypeRef const object = heights_[number] == KnownObjects::kUnread
+                               ? ReadNewObject(number, enclosing)
+                               : ReadKnownObject(number, enclosing);
+  height = std::max<int>(height, heights_[number]);
+  return object;
+}
+
+CFTypeRef Reader::ReadKnownObject(std::size_t number, int enclosing) {
   std::size_t const entry = table_ + number * offset_width_;
-  if (height == kBeingRead) return Fail(entry, "a container that holds itself");
-  if (enclosing + height > kPropertyListNesting) return Fail(entry, kTooDeep);
+  if (heights_[number] == KnownObjects::kBeingRead) {
+    return Fail(entry, "a container that holds itself");
+  }
+  if (enclosing + heights_[number] > kPropertyListNesting) return Fail(entry, kTooDeep);
   CFObject::Of(objects_[number]).RetainUnshared();
   return objects_[number];
 }
@@ -157,7 +191,7 @@ CFTypeRef Reader::ReadNewObject(std::size_t number, int enclosing) {
   CFTypeRef object = nullptr;
   if (kind == kArray || kind == kDictionary) {
     if (enclosing >= kPropertyListNesting) return Fail(at, kTooDeep);
-    heights_[number] = kBeingRead;
+    heights_[number] = KnownObjects::kBeingRead;
     object =
         kind == kArray ? ReadArray(at, number, enclosing) : ReadDictionary(at, number, enclosing);
   } else {
@@ -310,15 +344,16 @@ CFTypeRef Reader::ReadArray(std::size_t at, std::size_t number, int enclosing) {
   if (!ReadExtent(at, reference_width_, extent)) return nullptr;
   __CFArray* const array = __CFArray::MakeUnfilled(extent.count, &blocks_);
   int height = 0;
+  References const references = ReferencesAt(extent.begin);
+  KnownObjects const known = known_;
   for (UInt64 i = 0; i < extent.count; ++i) {
-    UInt64 const reference = ReferenceAt(extent.begin, i);
-    CFTypeRef const object = ReadObject(reference, enclosing + 1);
+    CFTypeRef object = known.RetainSimple(references[i]);
+    if (object == nullptr) object = ReadObject(references[i], enclosing + 1, height);
     if (object == nullptr) {
       CFRelease(array);
       return nullptr;
     }
     array->Take(object);
-    height = std::max<int>(height, heights_[reference]);
   }
   heights_[number] = static_cast<UInt16>(height + 1);
   return array;
@@ -341,8 +376,11 @@ CFTypeRef Reader::ReadDictionary(std::size_t at, std::size_t number, int enclosi
 
 // The references to all keys come first, those to their values behind.
 bool Reader::FillDictionary(__CFDictionary& dictionary, Extent extent, int enclosing, int& height) {
+  References const references = ReferencesAt(extent.begin);
+  KnownObjects const known = known_;
   for (UInt64 i = 0; i < extent.count; ++i) {
-    CFTypeRef const key = ReadObject(ReferenceAt(extent.begin, i), enclosing);
+    CFTypeRef key = known.RetainSimple(references[i]);
+    if (key == nullptr) key = ReadObject(references[i], enclosing, height);
     if (key == nullptr) return false;
     dictionary.TakeKey(key);
     if (CFObject::Of(key).type() != kCFTypeString) {
@@ -350,11 +388,11 @@ bool Reader::FillDictionary(__CFDictionary& dictionary, Extent extent, int enclo
     }
   }
   for (UInt64 i = 0; i < extent.count; ++i) {
-    UInt64 const reference = ReferenceAt(extent.begin, extent.count + i);
-    CFTypeRef const value = ReadObject(reference, enclosing);
+    UInt64 const reference = references[extent.count + i];
+    CFTypeRef value = known.RetainSimple(reference);
+    if (value == nullptr) value = ReadObject(reference, enclosing, height);
     if (value == nullptr) return false;
     dictionary.TakeValue(i, value);
-    height = std::max<int>(height, heights_[reference]);
   }
   return true;
 }

@@ -44,7 +44,7 @@ struct __CFNumber final : CFObject {
 };
 
 struct __CFBoolean final : CFObject {
-  explicit constexpr __CFBoolean(bool value) : CFObject(kCFTypeBoolean, value, kConstantCount) {}
+  explicit constexpr __CFBoolean(bool value) : CFObject(Constant(), kCFTypeBoolean, value) {}
 };
 
 struct __CFDate final : CFObject {
