@@ -9,6 +9,7 @@
 #include "frameworks/CoreFoundation/array_object.h"
 #include "frameworks/CoreFoundation/binary_property_list.h"
 #include "frameworks/CoreFoundation/binary_property_list_form.h"
+#include "frameworks/CoreFoundation/binary_property_list_objects.h"
 #include "frameworks/CoreFoundation/data_object.h"
 #include "frameworks/CoreFoundation/dictionary_object.h"
 #include "frameworks/CoreFoundation/encodings/convert.h"
@@ -18,40 +19,6 @@
 using namespace binary_property_list;
 
 namespace {
-
-// A few bytes (1 to 8), the most significant first. They are taken from eight at once, which lie in
-// the file for every one of them that does not lie in the trailer's last bytes.
-UInt64 LoadBigEndian(unsigned char const* bytes, std::size_t width) {
-  UInt64 value;
-  std::memcpy(&value, bytes, sizeof value);
-  if constexpr (std::endian::native == std::endian::little) value = __builtin_bswap64(value);
-  return value >> (64 - 8 * width);
-}
-
-// References to objects by their numbers, in sequence.
-struct References {
-  UInt64 operator[](UInt64 index) const { return LoadBigEndian(begin + index * width, width); }
-
-  unsigned char const* begin;
-  std::size_t width;
-};
-
-// What has been read, borrowed from the container that was the first to hold it, and how many
-// containers deep it is. A loop keeps a copy, so that nothing it writes can concern these pointers.
-struct KnownObjects {
-  static constexpr UInt16 kUnread = 0xFFFF, kBeingRead = 0xFFFE;
-
-  // A new reference to what is known and no container, else null.
-  CFTypeRef RetainSimple(UInt64 number) const {
-    if (number >= count || heights[number] != 0) return nullptr;
-    CFObject::Of(objects[number]).RetainUnshared();
-    return objects[number];
-  }
-
-  CFTypeRef* objects;
-  UInt16* heights;
-  std::size_t count;
-};
 
 // What follows an object's first byte: how many (bytes, units, references), and where they begin.
 struct Extent {
@@ -70,9 +37,8 @@ class Reader {
 
   CFPropertyListRef Read() {
     if (!ReadTrailer()) return nullptr;
-    objects_.resize(count_);
-    heights_.resize(count_, KnownObjects::kUnread);
-    known_ = {objects_.data(), heights_.data(), count_};
+    words_.resize(count_, KnownObjects::kUnread);
+    known_ = {words_};
     int height = 0;
     return ReadObject(root_, 0, height);
   }
@@ -101,8 +67,8 @@ class Reader {
   CFTypeRef ReadAscii(std::size_t at);
   CFTypeRef ReadUtf16(std::size_t at);
   CFTypeRef ReadUid(std::size_t at);
-  CFTypeRef ReadArray(std::size_t at, std::size_t number, int enclosing);
-  CFTypeRef ReadDictionary(std::size_t at, std::size_t number, int enclosing);
+  CFTypeRef ReadArray(std::size_t at, int enclosing, int& height);
+  CFTypeRef ReadDictionary(std::size_t at, int enclosing, int& height);
   bool FillDictionary(__CFDictionary& dictionary, Extent extent, int enclosing, int& height);
 
   // The count in or behind the first byte, each one `width` bytes, all of them inside the file.
@@ -124,8 +90,7 @@ class Reader {
   std::size_t offset_width_ = 0;
   std::size_t reference_width_ = 0;
   std::size_t claimed_ = 0;
-  std::vector<CFTypeRef> objects_;
-  std::vector<UInt16> heights_;
+  std::vector<UInt64> words_;
   KnownObjects known_ = {};
   // Keys that occurred twice, and their values: others may still refer to them.
   std::vector<CFTypeRef> dropped_;
@@ -165,44 +130,37 @@ bool Reader::ReadTrailer() {
 
 CFTypeRef Reader::ReadObject(UInt64 number, int enclosing, int& height) {
   if (number >= count_) return Fail(table_, "a reference to an object that does not exist");
-  CFTypeRef const object = heights_[number] == KnownObjects::kUnread
+  CFTypeRef const object = known_.HeightOf(number) == KnownObjects::kUnread
                                ? ReadNewObject(number, enclosing)
                                : ReadKnownObject(number, enclosing);
-  height = std::max<int>(height, heights_[number]);
+  height = std::max<int>(height, known_.HeightOf(number));
   return object;
 }
 
 CFTypeRef Reader::ReadKnownObject(std::size_t number, int enclosing) {
   std::size_t const entry = table_ + number * offset_width_;
-  if (heights_[number] == KnownObjects::kBeingRead) {
-    return Fail(entry, "a container that holds itself");
-  }
-  if (enclosing + heights_[number] > kPropertyListNesting) return Fail(entry, kTooDeep);
-  CFObject::Of(objects_[number]).RetainUnshared();
-  return objects_[number];
+  UInt16 const height = known_.HeightOf(number);
+  if (height == KnownObjects::kBeingRead) return Fail(entry, "a container that holds itself");
+  if (enclosing + height > kPropertyListNesting) return Fail(entry, kTooDeep);
+  CFObject::Of(known_.ObjectOf(number)).RetainUnshared();
+  return known_.ObjectOf(number);
 }
 
 CFTypeRef Reader::ReadNewObject(std::size_t number, int enclosing) {
   std::size_t const entry = table_ + number * offset_width_;
   UInt64 const at = LoadBigEndian(&bytes_[entry], offset_width_);
-  if (at < kMagicSize || at >= table_)
+  if (at < kMagicSize || at >= table_) {
     return Fail(entry, "an offset that lies outside the objects");
-  unsigned const kind = bytes_[at] >> 4;
-  CFTypeRef object = nullptr;
-  if (kind == kArray || kind == kDictionary) {
-    if (enclosing >= kPropertyListNesting) return Fail(at, kTooDeep);
-    heights_[number] = KnownObjects::kBeingRead;
-    object =
-        kind == kArray ? ReadArray(at, number, enclosing) : ReadDictionary(at, number, enclosing);
-  } else {
-    object = ReadSimple(at);
-    heights_[number] = kind == kUid ? 1 : 0;
-    if (object != nullptr && enclosing + heights_[number] > kPropertyListNesting) {
-      CFRelease(object);
-      return Fail(at, kTooDeep);
-    }
   }
-  objects_[number] = object;
+  unsigned const kind = bytes_[at] >> 4;
+  bool const is_container = kind == kArray || kind == kDictionary;
+  int height = is_container || kind == kUid ? 1 : 0;
+  if (enclosing + height > kPropertyListNesting) return Fail(at, kTooDeep);
+  known_.Enter(number, nullptr, KnownObjects::kBeingRead);
+  CFTypeRef const object = !is_container    ? ReadSimple(at)
+                           : kind == kArray ? ReadArray(at, enclosing + 1, height)
+                                            : ReadDictionary(at, enclosing + 1, height);
+  known_.Enter(number, object, static_cast<UInt16>(height));
   return object;
 }
 
@@ -339,38 +297,38 @@ CFTypeRef Reader::ReadUid(std::size_t at) {
   return __CFDictionary::MakeTaking(pair, __CFDictionary::Keep::kFirst, &blocks_);
 }
 
-CFTypeRef Reader::ReadArray(std::size_t at, std::size_t number, int enclosing) {
+CFTypeRef Reader::ReadArray(std::size_t at, int enclosing, int& height) {
   Extent extent;
   if (!ReadExtent(at, reference_width_, extent)) return nullptr;
   __CFArray* const array = __CFArray::MakeUnfilled(extent.count, &blocks_);
-  int height = 0;
+  int inside = 0;
   References const references = ReferencesAt(extent.begin);
   KnownObjects const known = known_;
   for (UInt64 i = 0; i < extent.count; ++i) {
     CFTypeRef object = known.RetainSimple(references[i]);
-    if (object == nullptr) object = ReadObject(references[i], enclosing + 1, height);
+    if (object == nullptr) object = ReadObject(references[i], enclosing, inside);
     if (object == nullptr) {
       CFRelease(array);
       return nullptr;
     }
     array->Take(object);
   }
-  heights_[number] = static_cast<UInt16>(height + 1);
+  height = inside + 1;
   return array;
 }
 
-CFTypeRef Reader::ReadDictionary(std::size_t at, std::size_t number, int enclosing) {
+CFTypeRef Reader::ReadDictionary(std::size_t at, int enclosing, int& height) {
   Extent extent;
   if (!ReadExtent(at, 2 * reference_width_, extent)) return nullptr;
-  __CFDictionary* const dictionary =
+  auto* const dictionary =
       __CFDictionary::MakeUnfilled(extent.count, __CFDictionary::kObjects, &blocks_);
-  int height = 0;
-  if (!FillDictionary(*dictionary, extent, enclosing + 1, height)) {
+  int inside = 0;
+  if (!FillDictionary(*dictionary, extent, enclosing, inside)) {
     CFRelease(dictionary);
     return nullptr;
   }
   dictionary->Settle(__CFDictionary::Keep::kLast, &dropped_);
-  heights_[number] = static_cast<UInt16>(height + 1);
+  height = inside + 1;
   return dictionary;
 }
 
