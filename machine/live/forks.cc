@@ -38,10 +38,11 @@ class LiveFile final : public OpenFile {
  private:
   static constexpr std::uint64_t kWhole = ~std::uint64_t{0};
 
-  // Said once more, with the bytes read, when the file is closed.
+  // Said at once, while who asked is still known, and once more, with the bytes read, when the file
+  // is closed.
   Absence Failure(int error) {
     outcome_ = OutcomeOf(error);
-    return {outcome_, path_, {}, error};
+    return AnnounceError(error, path_);
   }
 
   FileDescriptor file_;
@@ -124,6 +125,13 @@ class AttributeFork final : public OpenFile {
   ItemStatus status_;
 };
 
+Absence RefuseLength(std::string const& path, std::size_t most) {
+  Absence absence = AnnounceAbsence(Outcome::kMalformed,
+                                    path + " (more than " + std::to_string(most) + " bytes)");
+  absence.error = EFBIG;
+  return absence;
+}
+
 }  // namespace
 
 Fact<std::unique_ptr<OpenFile>> Files::OpenFork(std::string const& path, Fork fork,
@@ -191,16 +199,18 @@ Fact<std::string> Files::ReadFile(std::string const& path, std::size_t most) con
   auto file = OpenFork(path, Fork::kData, Access::kRead);
   if (!file) return file.absence();
   OpenFile& content = **file;
+  // A file with holes may tell any size, and its content is not read in vain.
+  std::uint64_t const expected = content.Status().bytes;
+  if (expected > most) return RefuseLength(path, most);
   // Files of /proc do not tell their size, and others grow: read on until there is no more.
-  std::size_t const expected = static_cast<std::size_t>(content.Status().bytes);
   std::string text;
-  for (std::size_t step = std::min(most, expected) + 1;; step = std::size_t{1} << 16) {
+  for (std::size_t step = static_cast<std::size_t>(expected) + 1;; step = std::size_t{1} << 16) {
     std::size_t const had = text.size();
     text.resize(had + step);
     Fact<std::size_t> const got = content.ReadAt(had, text.data() + had, step);
     if (!got) return got.absence();
     text.resize(had + *got);
-    if (text.size() > most) return Absence{Outcome::kMalformed, path, "too long", EFBIG};
+    if (text.size() > most) return RefuseLength(path, most);
     if (*got < step) return text;
   }
 }
