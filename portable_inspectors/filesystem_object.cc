@@ -74,7 +74,7 @@ Place Find(std::string_view path, Links links) {
   for (int followed = 0; followed <= kMostLinks; ++followed) {
     ItemKind const kind = OrNoSuchObject(files.Status(place, Links::kKeep)).kind;
     if (kind != ItemKind::kLink || (links == Links::kKeep && !is_of_folder)) {
-      if (is_of_folder && kind != ItemKind::kFolder) break;
+      if (is_of_folder && kind != ItemKind::kFolder) Refuse(path, machine::Outcome::kAbsent);
       return {std::move(place), kind};
     }
     std::string const target = OrNoSuchObject(files.ReadLink(place));
@@ -82,7 +82,7 @@ Place Find(std::string_view path, Links links) {
     place = WithoutParents(
         target.starts_with('/') ? target : JoinPath(std::string(ParentOfPath(place)), target));
   }
-  Refuse(path, machine::Outcome::kAbsent);
+  Refuse(std::string(path) + " (too many links)", machine::Outcome::kMalformed);
 }
 
 filesystem_object FindObject(std::string_view path) {
