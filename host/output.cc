@@ -4,25 +4,14 @@
 
 #include <cerrno>
 
+#include "evaluator/diagnostic.h"
+
 namespace gatotu::host {
 namespace {
 
 // Large, since a reader that pauses must not use up the time of the evaluation.
 constexpr std::size_t kFlushSize = std::size_t{1} << 20;
 constexpr std::chrono::milliseconds kFlushInterval{250};
-
-// Bytes that a terminal would act on are shown as escapes.
-void AppendShown(std::string& out, std::string_view text) {
-  constexpr char kHex[] = "0123456789abcdef";
-  for (char const c : text) {
-    auto const byte = static_cast<unsigned char>(c);
-    if (byte < 0x20 || byte == 0x7f) {
-      out += {'\\', 'x', kHex[byte >> 4U], kHex[byte & 15U]};
-    } else {
-      out += c;
-    }
-  }
-}
 
 }  // namespace
 
@@ -47,11 +36,8 @@ void Output::Flush() {
 }
 
 void Complain(std::string_view message) {
-  std::string line = "gatotu: ";
-  AppendShown(line, message);
-  line += '\n';
   Output errors(STDERR_FILENO);
-  errors.Write(line);
+  errors.Write("gatotu: " + PrintableText(message) + '\n');
   errors.Flush();
 }
 
