@@ -1,7 +1,6 @@
 #include "frameworks/CoreFoundation/property_list_builder.h"
 
 #include <algorithm>
-#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -11,6 +10,7 @@
 #include "frameworks/CoreFoundation/array_object.h"
 #include "frameworks/CoreFoundation/data_object.h"
 #include "frameworks/CoreFoundation/dictionary_object.h"
+#include "frameworks/CoreFoundation/hash.h"
 
 namespace {
 
@@ -19,22 +19,6 @@ constexpr std::size_t kLongestShared = 40;
 
 // Values of a container from which on its memory counts.
 constexpr std::size_t kMany = 32'768;
-
-std::uint64_t WordAt(char const* bytes, std::size_t size) {
-  std::uint64_t word = 0;
-  if (size > 0) std::memcpy(&word, bytes, size);
-  return word;
-}
-
-// A slot among 1024, from the first and last bytes and the length.
-std::size_t SlotOf(std::string_view text) {
-  std::size_t const size = text.size() < 8 ? text.size() : 8;
-  std::uint64_t hash = WordAt(text.data(), size);
-  hash = (hash ^ text.size()) * 0x9E3779B97F4A7C15u;
-  hash ^= hash >> 29;
-  hash = (hash ^ WordAt(text.data() + text.size() - size, size)) * 0x9E3779B97F4A7C15u;
-  return hash >> 54;
-}
 
 }  // namespace
 
@@ -73,7 +57,7 @@ void PropertyListBuilder::MakeRoomFor(CFTypeRef value) try {
 void PropertyListBuilder::AddAscii(std::string_view text) {
   auto const* const bytes = reinterpret_cast<UInt8 const*>(text.data());
   if (text.size() > kLongestShared) return Add(__CFString::MakeAscii(bytes, text.size(), &blocks_));
-  CFStringRef& recent = strings_[SlotOf(text)];
+  CFStringRef& recent = strings_[HashBytes(bytes, text.size()) % strings_.size()];
   if (recent == nullptr || recent->ascii_text() != text) {
     if (recent != nullptr) std::exchange(recent, nullptr)->ReleaseUnshared();
     recent = __CFString::MakeAscii(bytes, text.size(), &blocks_);
@@ -83,7 +67,7 @@ void PropertyListBuilder::AddAscii(std::string_view text) {
 }
 
 void PropertyListBuilder::AddNumber(CFNumberType kind, __CFNumber::Value value) {
-  CFNumberRef& recent = numbers_[value.as_unsigned * 0x9E3779B97F4A7C15u >> 56];
+  CFNumberRef& recent = numbers_[HashWord(value.as_unsigned) % numbers_.size()];
   if (recent == nullptr || recent->kind() != kind || recent->as_unsigned() != value.as_unsigned) {
     if (recent != nullptr) std::exchange(recent, nullptr)->ReleaseUnshared();
     recent = CFObject::MakeIn<__CFNumber>(&blocks_, 0, kind, value);

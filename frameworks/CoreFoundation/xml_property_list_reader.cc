@@ -24,22 +24,41 @@ enum class Element {
   kTrue,
 };
 
+// A name of at most seven bytes and its length as one word, which no other such name has.
+constexpr UInt64 WordOf(std::string_view name) {
+  UInt64 word = name.size();
+  for (char const c : name) word = word << 8 | static_cast<UInt8>(c);
+  return word;
+}
+
 Element FindElement(std::string_view name) {
-  struct Row {
-    std::string_view name;
-    Element element;
-  };
-  // The commonest first.
-  constexpr Row kRows[] = {
-      {"key", Element::kKey},     {"string", Element::kString},      {"integer", Element::kInteger},
-      {"true", Element::kTrue},   {"false", Element::kFalse},        {"dict", Element::kDictionary},
-      {"array", Element::kArray}, {"data", Element::kData},          {"real", Element::kReal},
-      {"date", Element::kDate},   {"plist", Element::kPropertyList},
-  };
-  for (Row const& row : kRows) {
-    if (row.name == name) return row.element;
+  if (name.size() > 7) return Element::kUnknown;
+  switch (WordOf(name)) {
+    case WordOf("array"):
+      return Element::kArray;
+    case WordOf("data"):
+      return Element::kData;
+    case WordOf("date"):
+      return Element::kDate;
+    case WordOf("dict"):
+      return Element::kDictionary;
+    case WordOf("false"):
+      return Element::kFalse;
+    case WordOf("integer"):
+      return Element::kInteger;
+    case WordOf("key"):
+      return Element::kKey;
+    case WordOf("plist"):
+      return Element::kPropertyList;
+    case WordOf("real"):
+      return Element::kReal;
+    case WordOf("string"):
+      return Element::kString;
+    case WordOf("true"):
+      return Element::kTrue;
+    default:
+      return Element::kUnknown;
   }
-  return Element::kUnknown;
 }
 
 // Reads one document. Each function answers whether it went well; the first failure is kept by the
