@@ -5,9 +5,13 @@
 #include "frameworks/CoreFoundation/array_object.h"
 #include "frameworks/CoreFoundation/container_equality.h"
 #include "frameworks/CoreFoundation/hash.h"
+#include "frameworks/CoreFoundation/pages.h"
 
 __CFArray* __CFArray::MakeUnfilled(std::size_t capacity, ObjectBlocks* blocks) {
-  return CFObject::MakeIn<__CFArray>(blocks, capacity * sizeof(void*), kObjects);
+  std::size_t const room = capacity * sizeof(void*);
+  auto* const array = CFObject::MakeIn<__CFArray>(blocks, room, kObjects);
+  FetchPages(array->Inline(), room);
+  return array;
 }
 
 CFArrayRef __CFArray::MakeTaking(std::span<CFTypeRef const> objects, ObjectBlocks* blocks) {

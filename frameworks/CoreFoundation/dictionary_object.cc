@@ -7,6 +7,7 @@
 
 #include "frameworks/CoreFoundation/container_equality.h"
 #include "frameworks/CoreFoundation/hash.h"
+#include "frameworks/CoreFoundation/pages.h"
 
 // `kNone` of an index is `kCFNotFound` of an array.
 static_assert(static_cast<CFIndex>(PlaceIndex::kNone) == kCFNotFound);
@@ -75,7 +76,9 @@ void Drop(CFTypeRef object, std::vector<CFTypeRef>* dropped) {
 __CFDictionary* __CFDictionary::MakeUnfilled(std::size_t capacity, UInt8 variant,
                                              ObjectBlocks* blocks) {
   std::size_t const room = BytesFor(capacity) - sizeof(__CFDictionary);
-  return CFObject::MakeIn<__CFDictionary>(blocks, room, variant);
+  auto* const dictionary = CFObject::MakeIn<__CFDictionary>(blocks, room, variant);
+  FetchPages(dictionary->Inline(), room);
+  return dictionary;
 }
 
 CFDictionaryRef __CFDictionary::MakeTaking(std::span<CFTypeRef const> keys_and_values, Keep keep,
