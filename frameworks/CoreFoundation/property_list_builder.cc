@@ -1,6 +1,7 @@
 #include "frameworks/CoreFoundation/property_list_builder.h"
 
 #include <algorithm>
+#include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <new>
@@ -24,10 +25,12 @@ constexpr std::size_t kMany = 32'768;
 
 void PropertyListBuilder::Freer::operator()(void* memory) const { std::free(memory); }
 
-PropertyListBuilder::PropertyListBuilder(CFOptionFlags options)
+PropertyListBuilder::PropertyListBuilder(CFOptionFlags options, std::size_t text_size)
     : memory_(Resize({}, BytesFor(kFirstCapacity))),
       capacity_(kFirstCapacity),
-      is_mutable_(options != kCFPropertyListImmutable) {}
+      is_mutable_(options != kCFPropertyListImmutable),
+      strings_(std::bit_ceil(std::clamp<std::size_t>(text_size / 32, 16, 1024))),
+      numbers_(strings_.size() / 4) {}
 
 PropertyListBuilder::~PropertyListBuilder() {
   auto const release = [](CFTypeRef object) {
@@ -57,7 +60,7 @@ void PropertyListBuilder::MakeRoomFor(CFTypeRef value) try {
 void PropertyListBuilder::AddAscii(std::string_view text) {
   auto const* const bytes = reinterpret_cast<UInt8 const*>(text.data());
   if (text.size() > kLongestShared) return Add(__CFString::MakeAscii(bytes, text.size(), &blocks_));
-  CFStringRef& recent = strings_[HashBytes(bytes, text.size()) % strings_.size()];
+  CFStringRef& recent = strings_[HashBytes(bytes, text.size()) & (strings_.size() - 1)];
   if (recent == nullptr || recent->ascii_text() != text) {
     if (recent != nullptr) std::exchange(recent, nullptr)->ReleaseUnshared();
     recent = __CFString::MakeAscii(bytes, text.size(), &blocks_);
@@ -67,7 +70,7 @@ void PropertyListBuilder::AddAscii(std::string_view text) {
 }
 
 void PropertyListBuilder::AddNumber(CFNumberType kind, __CFNumber::Value value) {
-  CFNumberRef& recent = numbers_[HashWord(value.as_unsigned) % numbers_.size()];
+  CFNumberRef& recent = numbers_[HashWord(value.as_unsigned) & (numbers_.size() - 1)];
   if (recent == nullptr || recent->kind() != kind || recent->as_unsigned() != value.as_unsigned) {
     if (recent != nullptr) std::exchange(recent, nullptr)->ReleaseUnshared();
     recent = CFObject::MakeIn<__CFNumber>(&blocks_, 0, kind, value);

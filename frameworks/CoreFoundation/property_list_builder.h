@@ -5,19 +5,20 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <array>
 #include <cstddef>
 #include <memory>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "frameworks/CoreFoundation/number_object.h"
 #include "frameworks/CoreFoundation/string_object.h"
 
 class PropertyListBuilder {
  public:
-  // Containers are mutable when the options (`CFPropertyListMutabilityOptions`) say so.
-  explicit PropertyListBuilder(CFOptionFlags options);
+  // Containers are mutable when the options (`CFPropertyListMutabilityOptions`) say so. The size of
+  // the text tells how much remembering is worth.
+  PropertyListBuilder(CFOptionFlags options, std::size_t text_size);
   ~PropertyListBuilder();
   PropertyListBuilder(PropertyListBuilder const&) = delete;
   PropertyListBuilder& operator=(PropertyListBuilder const&) = delete;
@@ -91,6 +92,6 @@ class PropertyListBuilder {
   bool is_mutable_;
   CFTypeRef empty_array_ = nullptr, empty_dictionary_ = nullptr, empty_data_ = nullptr;
   // Short strings and numbers by a hash of what they are, the latest for each, owned.
-  std::array<CFStringRef, 1024> strings_ = {};
-  std::array<CFNumberRef, 256> numbers_ = {};
+  std::vector<CFStringRef> strings_;
+  std::vector<CFNumberRef> numbers_;
 };

@@ -46,7 +46,8 @@ char ControlOf(char letter) {
 // Reads one source. Functions answer whether it went well and keep the first failure.
 class Reader {
  public:
-  Reader(std::string_view text, CFOptionFlags options) : text_(text), builder_(options) {}
+  Reader(std::string_view text, CFOptionFlags options)
+      : text_(text), builder_(options, text.size()) {}
 
   CFPropertyListRef ReadDocument(PropertyListError& error) {
     if (ReadRoot()) return builder_.TakeRoot();

@@ -65,7 +65,8 @@ Element FindElement(std::string_view name) {
 // scanner, with its position.
 class Reader {
  public:
-  Reader(std::string_view text, CFOptionFlags options) : scanner_(text), builder_(options) {}
+  Reader(std::string_view text, CFOptionFlags options)
+      : scanner_(text), builder_(options, text.size()) {}
 
   CFPropertyListRef ReadDocument(PropertyListError& error) {
     if (scanner_.SkipProlog() && ReadRoot() && scanner_.SkipToEnd()) return builder_.TakeRoot();
