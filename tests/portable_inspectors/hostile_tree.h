@@ -77,9 +77,9 @@ inline void AddWaysOut(RecordedTree const& tree, Forbidden const& forbidden) {
 // Adds items whose nature, names or depth are a nuisance.
 inline void AddOddItems(RecordedTree const& tree) {
   tree.Write("/plain", "ordinary");
-  tree.Write(
-      "/list",
-      "<plist><dict><key>plain</key><array><string>ordinary</string></array></dict></plist>");
+  // Without arrays in it: of those the inspectors keep a reference for ever.
+  tree.Write("/list", "<plist><dict><key>*</key><string>ordinary</string></dict></plist>");
+  tree.Write("/array", "<plist><array><string>ordinary</string></array></plist>");
   tree.Write("/deep list", std::string(5000, '('));
   tree.Link("/loop", "loop");
   tree.Link("/ping", "pong");

@@ -36,11 +36,9 @@ class Questions {
   }
 
  private:
-  static std::vector<std::string> Parameters(std::string const& type) {
-    if (type.empty()) return {""};
-    if (type == "integer") return {" 0", " 1"};
-    if (type == "string") return {" \"plain\"", " \"..\"", " \"*\""};
-    return {};
+  static std::string Parameter(std::string const& type) {
+    if (type.empty()) return "";
+    return type == "integer" ? " 0" : " \"*\"";
   }
 
   void Collect(std::string const& start, std::string const& type, std::string const& rest,
@@ -50,13 +48,11 @@ class Questions {
       bool const is_property =
           entry.kind == VocabularyKind::kProperty || entry.kind == VocabularyKind::kIterated;
       if (!is_property || (entry.object != type && entry.object != BaseOf(type))) continue;
-      for (std::string const& parameter : Parameters(entry.parameter)) {
-        std::string const question = entry.plural + parameter + rest;
-        if (gatotu::Check(question + " of " + start + " \"/\"").empty()) {
-          questions.push_back(question);
-        } else {
-          Collect(start, entry.result, " of " + question, depth - 1, questions);
-        }
+      std::string const question = entry.plural + Parameter(entry.parameter) + rest;
+      if (gatotu::Check(question + " of " + start + " \"/\"").empty()) {
+        questions.push_back(question);
+      } else {
+        Collect(start, entry.result, " of " + question, depth - 1, questions);
       }
     }
   }
