@@ -173,6 +173,40 @@ TEST_F(HostileTree, AnswersEveryQuestionFromWithin) {
   ExpectNobodyWasOutside();
 }
 
+// Each value is asked for behind the one before, so that a file changes just between the two.
+std::size_t CountWhile(std::string const& expression, gatotu::FunctionRef<void()> change) {
+  std::size_t values = 0;
+  auto const compilation = gatotu::Compile(expression);
+  EXPECT_TRUE(gatotu::Evaluate(*compilation.expression,
+                               [&](gatotu::Value const&) {
+                                 if (++values == 1) change();
+                                 return true;
+                               })
+                  .IsAnswered())
+      << expression;
+  return values;
+}
+
+TEST(ChangingFiles, AreReadAsFarAsTheyAreThere) {
+  constexpr std::size_t kLines = 100'000;
+  TemporaryFolder folder;
+  std::string text;
+  for (std::size_t i = 0; i < kLines; ++i) text += "0123456789\n";
+  folder.AddFile("long", text);
+  std::string const path = folder.Path("long");
+  std::size_t const read =
+      CountWhile("lines of file \"" + path + '"', [&] { EXPECT_EQ(truncate(path.c_str(), 0), 0); });
+  EXPECT_GT(read, 0U);
+  EXPECT_LT(read, kLines);
+
+  for (int i = 0; i < 10; ++i) folder.AddFile("few " + std::to_string(i), "x");
+  auto const remove_all = [&] {
+    std::filesystem::remove_all(folder.Path());
+    std::filesystem::create_symlink("/dev/zero", folder.Path());
+  };
+  EXPECT_EQ(CountWhile("sha256s of files of folder \"" + folder.Path() + '"', remove_all), 1U);
+}
+
 // Folders and links change places while they are looked at.
 TEST_F(HostileTree, StaysWithinWhileItChanges) {
   tree_.Write("/swap/file", "ordinary");
