@@ -120,7 +120,6 @@ bool PropertyListBuilder::IsWorthHandingOver(std::size_t first) const {
 void* PropertyListBuilder::HandOver(std::size_t first, std::size_t bytes) {
   static_assert(sizeof(__CFArray) == kWordsBefore * sizeof(CFTypeRef));
   static_assert(sizeof(__CFDictionary) == kWordsBefore * sizeof(CFTypeRef));
-  if (bytes > BytesFor(capacity_)) memory_ = Resize(std::move(memory_), bytes);
   std::size_t const rest_capacity = first + kFirstCapacity;
   Memory rest = Resize({}, BytesFor(rest_capacity));
   CFTypeRef* const values = Values();

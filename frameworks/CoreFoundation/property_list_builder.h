@@ -11,6 +11,7 @@
 #include <string_view>
 #include <vector>
 
+#include "frameworks/CoreFoundation/dictionary_object.h"
 #include "frameworks/CoreFoundation/number_object.h"
 #include "frameworks/CoreFoundation/string_object.h"
 
@@ -58,8 +59,10 @@ class PropertyListBuilder {
   std::span<CFTypeRef const> From(std::size_t first) const {
     return {Values() + first, count_ - first};
   }
+  // Those of a dictionary of as many values, so that its index has room behind them. As long as
+  // nothing is there, it takes no memory.
   static std::size_t BytesFor(std::size_t capacity) {
-    return (kWordsBefore + capacity) * sizeof(CFTypeRef);
+    return __CFDictionary::BytesFor((capacity + 1) / 2);
   }
   static Memory Resize(Memory&& memory, std::size_t bytes);
   // Releases the value when there is none.

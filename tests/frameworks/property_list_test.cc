@@ -156,7 +156,7 @@ TEST(XmlPropertyList, BoundsNesting) {
 // Containers of any size, beside each other and inside each other, against mutable ones, which are
 // made value by value.
 TEST(XmlPropertyList, HoldsManyValuesAsFew) {
-  for (int const count : {40, 40'000, 90'000}) {
+  for (int const count : {40, 40'000}) {
     std::string array = "<array>", dictionary = "<dict>";
     for (int i = 0; i < count; ++i) {
       std::string const number = "<integer>" + std::to_string(i) + "</integer>";
