@@ -1,5 +1,6 @@
 #include <CoreFoundation/CFBase.h>
 
+#include "frameworks/CoreFoundation/hash.h"
 #include "frameworks/CoreFoundation/object.h"
 
 namespace {
@@ -28,6 +29,9 @@ void CFObject::End() const {
       return;
   }
 }
+
+// Not the address itself: those of neighbours differ in few bits.
+CFHashCode CFObject::Hash() const { return HashWord(reinterpret_cast<UInt64>(this)); }
 
 // The link takes the place of the count alone: destructors still ask for type and variant. User
 // addresses have 48 bits.

@@ -78,7 +78,7 @@ class CFObject {
 
   // Asked only of two different objects of one type.
   virtual bool EqualTo(CFObject const&) const { return false; }
-  virtual CFHashCode Hash() const { return reinterpret_cast<CFHashCode>(this); }
+  virtual CFHashCode Hash() const;
 
   void Retain() const {
     if (!IsConstant(Head())) head_.fetch_add(kOne, std::memory_order_relaxed);

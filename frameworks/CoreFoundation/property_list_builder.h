@@ -59,7 +59,7 @@ class PropertyListBuilder {
   std::span<CFTypeRef const> From(std::size_t first) const {
     return {Values() + first, count_ - first};
   }
-  // Those of a dictionary of as many values, so that its index has room behind them. As long as
+  // What a dictionary of as many values takes, so that its index has room behind them. As long as
   // nothing is there, it takes no memory.
   static std::size_t BytesFor(std::size_t capacity) {
     return __CFDictionary::BytesFor((capacity + 1) / 2);
