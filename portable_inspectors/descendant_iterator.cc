@@ -1,6 +1,7 @@
 #include "portable_inspectors/descendant_iterator.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "evaluator/plugin/entry_points.h"
 #include "portable/file_errors.h"
@@ -79,8 +80,16 @@ void descendant_iterator::Enter(std::unique_ptr<machine::Folder> open) {
   if (levels_.size() > kMostOpen) levels_[levels_.size() - kMostOpen - 1].open->Rest();
 }
 
-void descendant_iterator::EnterItem() {
+machine::Fact<std::unique_ptr<machine::Folder>> descendant_iterator::OpenItem() {
   auto found = levels_.back().open->OpenFolder(NameInPath(path_));
+  // No more files may be open, which must not pass for an empty folder.
+  if (found || (found.absence().error != EMFILE && found.absence().error != ENFILE)) return found;
+  for (Level const& level : levels_) level.open->Rest();
+  return levels_.back().open->OpenFolder(NameInPath(path_));
+}
+
+void descendant_iterator::EnterItem() {
+  auto found = OpenItem();
   if (!found) return;
   machine::ItemStatus const& status = (*found)->Status();
   bool const is_inside_itself =

@@ -1,5 +1,6 @@
 // Property lists that are damaged at random, and what reading takes.
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -87,34 +88,71 @@ std::string Repeated(std::string_view head, std::string_view piece, std::string_
   return text += foot;
 }
 
-// By how much reading in a process of its own raises the peak, in parts of the text.
-double PeakOfReading(std::string const& text) {
-  int pipe_ends[2];
-  if (pipe(pipe_ends) != 0) return -1;
-  pid_t const child = fork();
-  if (child == 0) {
-    auto const peak = [] {
-      rusage usage = {};
-      getrusage(RUSAGE_SELF, &usage);
-      return static_cast<double>(usage.ru_maxrss) * 1024;
-    };
-    double const before = peak();
-    OwnedObject const data = MakeBytes(text);
-    OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(data.get()),
-                                                        0, nullptr, nullptr));
-    double const grown =
-        root == nullptr ? -1 : (peak() - before) / static_cast<double>(text.size());
-    _exit(write(pipe_ends[1], &grown, sizeof grown) == sizeof grown ? 0 : 1);
+// The piece with another number of six digits in place of its "#" each time.
+std::string Numbered(std::string_view head, std::string_view piece, std::string_view foot) {
+  std::string text(head);
+  std::size_t const mark = piece.find('#');
+  for (int number = 100'000; text.size() < 8'000'000; ++number) {
+    text.append(piece.substr(0, mark)) += std::to_string(number);
+    text += piece.substr(mark + 1);
   }
-  close(pipe_ends[1]);
-  double grown = -1;
-  if (read(pipe_ends[0], &grown, sizeof grown) != sizeof grown) grown = -1;
-  close(pipe_ends[0]);
-  waitpid(child, nullptr, 0);
-  return grown;
+  return text += foot;
 }
 
-// The copy of the text that the reader is given counts as well.
+double Count(std::string_view text, std::string_view mark) {
+  double count = 0;
+  for (auto at = text.find(mark); at != text.npos; at = text.find(mark, at + 1)) ++count;
+  return count;
+}
+
+// What is made in a process of its own.
+template <typename Make>
+std::string MadeByChild(Make&& make) {
+  // What the heap holds in reserve would else be taken before the peak rises.
+  malloc_trim(0);
+  int pipe_ends[2];
+  if (pipe(pipe_ends) != 0) return {};
+  pid_t const child = fork();
+  if (child == 0) {
+    std::string const made = make();
+    std::size_t done = 0;
+    for (ssize_t written = 1; written > 0 && done < made.size();) {
+      written = write(pipe_ends[1], made.data() + done, made.size() - done);
+      if (written > 0) done += static_cast<std::size_t>(written);
+    }
+    _exit(done == made.size() ? 0 : 1);
+  }
+  close(pipe_ends[1]);
+  std::string made;
+  char piece[65'536];
+  for (ssize_t size; (size = read(pipe_ends[0], piece, sizeof piece)) > 0;) {
+    made.append(piece, static_cast<std::size_t>(size));
+  }
+  close(pipe_ends[0]);
+  waitpid(child, nullptr, 0);
+  return made;
+}
+
+double Peak() {
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) * 1024;
+}
+
+OwnedObject ReadAll(std::string const& bytes) {
+  return OwnedObject(CFPropertyListCreateWithData(
+      nullptr, static_cast<CFDataRef>(MakeBytes(bytes).get()), 0, nullptr, nullptr));
+}
+
+// By how many bytes reading raises the peak, the copy that the reader is given among them.
+double PeakOfReading(std::string const& bytes) {
+  std::string const grown = MadeByChild([&] {
+    double const before = Peak();
+    return ReadAll(bytes) == nullptr ? "" : std::to_string(Peak() - before);
+  });
+  return grown.empty() ? -1 : std::stod(grown);
+}
+
 TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
   if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
   struct {
@@ -132,11 +170,46 @@ TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
       {"empty containers", Repeated("<array>", "<array/><dict/>", "</array>")},
       {"small numbers", Repeated("<array>", "<integer>1</integer>", "</array>")},
       {"booleans", Repeated("<array>", "<true/>", "</array>")},
+      {"short keys", Numbered("<dict>", "<key>#</key><true/>", "</dict>")},
+      {"short reals", Numbered("<array>", "<real>#</real>", "</array>")},
+      {"short strings", Numbered("<array>", "<string>#</string>", "</array>")},
+      {"no data", Repeated("<array>", "<data/>", "</array>")},
+      {"a byte of data", Repeated("<array>", "<data>AA==</data>", "</array>")},
+      {"arrays of one", Repeated("<array>", "<array><true/></array>", "</array>")},
   };
   for (auto const& row : rows) {
     double const grown = PeakOfReading(row.text);
     EXPECT_GT(grown, 0) << row.name;
-    EXPECT_LE(grown, 4) << row.name;
+    EXPECT_LE(grown, 4 * static_cast<double>(row.text.size())) << row.name;
+  }
+}
+
+// Small objects may take more than their few bytes of the file, but no more than what they are.
+TEST(BinaryPropertyList, TakesLittleForEachObjectAndReference) {
+  if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
+  struct {
+    char const* name;
+    std::string text;
+    double objects;  // Written once each, of the root's references.
+  } const rows[] = {
+      {"booleans", Repeated("<array>", "<true/><false/>", "</array>"), 0},
+      {"integers", Numbered("<array>", "<integer>#</integer>", "</array>"), 1},
+      {"short strings", Numbered("<array>", "<string>#</string>", "</array>"), 1},
+      {"short keys", Numbered("<dict>", "<key>#</key><true/>", "</dict>"), 0.5},
+  };
+  for (auto const& row : rows) {
+    std::string const bytes = MadeByChild([&] {
+      OwnedObject const root = ReadAll(row.text);
+      OwnedObject const data(CFPropertyListCreateData(
+          nullptr, root.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+      return BytesOfData(data.get());
+    });
+    // Each element ends in one of the two.
+    double const references = Count(row.text, "</") + Count(row.text, "/>");
+    double const grown = PeakOfReading(bytes);
+    EXPECT_GT(grown, 0) << row.name;
+    EXPECT_LE(grown, 4 * static_cast<double>(bytes.size()) + references * (8 + 48 * row.objects))
+        << row.name;
   }
 }
 

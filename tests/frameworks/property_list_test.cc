@@ -5,6 +5,9 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "tests/frameworks/property_list_print.h"
 
@@ -148,6 +151,48 @@ TEST(XmlPropertyList, BoundsNesting) {
     EXPECT_EQ(PrintParsed(nested(open, close, 513)), "! Nested too deeply on line 1");
     EXPECT_EQ(PrintParsed(nested(open, close, 1'000'000)), "! Nested too deeply on line 1");
   }
+}
+
+// Containers of any size, beside each other and inside each other, against mutable ones, which are
+// made value by value.
+TEST(XmlPropertyList, HoldsManyValuesAsFew) {
+  for (int const count : {40, 40'000}) {
+    std::string array = "<array>", dictionary = "<dict>";
+    for (int i = 0; i < count; ++i) {
+      std::string const number = "<integer>" + std::to_string(i) + "</integer>";
+      array += number;
+      // Every third key was there before.
+      dictionary += "<key>" + std::to_string(i % 3 == 0 ? i / 3 : i) + "</key>" + number;
+    }
+    array += "</array>";
+    dictionary += "</dict>";
+    std::string const text = "<array><true/>" + array + dictionary + "<dict><key>a</key>" +
+                             dictionary + "<key>b</key>" + array + "</dict><false/></array>";
+    std::string const printed = PrintParsed(text);
+    EXPECT_EQ(printed.substr(0, 10), "[true,[0,1");
+    EXPECT_TRUE(printed == PrintParsed(text, kCFPropertyListMutableContainers)) << count;
+  }
+}
+
+// What was made together ends apart, wherever and whenever each object is released.
+TEST(PropertyList, LeavesEachObjectToItsOwners) {
+  std::string text = "<array>";
+  for (int i = 0; i < 20'000; ++i) text += "<string>" + std::to_string(i) + "</string>";
+  OwnedObject root(CFPropertyListCreateWithData(
+      nullptr, static_cast<CFDataRef>(MakeBytes(text + "</array>").get()), 0, nullptr, nullptr));
+  ASSERT_NE(root, nullptr);
+  auto const array = static_cast<CFArrayRef>(root.get());
+  std::vector<OwnedObject> kept[2];
+  for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
+    kept[i % 2].emplace_back(CFRetain(CFArrayGetValueAtIndex(array, i)));
+  }
+  std::thread other([&] { kept[0].clear(); });
+  root.reset();
+  EXPECT_EQ(Print(kept[1][9'999].get()), "\"19999\"");
+  kept[1].resize(1);
+  other.join();
+  EXPECT_EQ(CFGetRetainCount(kept[1][0].get()), 1);
+  EXPECT_EQ(Print(kept[1][0].get()), "\"1\"");
 }
 
 TEST(PropertyListSource, IsUnderstoodInEveryEncoding) {

@@ -12,6 +12,7 @@ struct ProcessResult {
   std::string errors;
   int status = -1;  // what it exited with, 128 + signal when killed
   std::chrono::milliseconds took{0};
+  std::size_t most_memory = 0;  // bytes; not less than what this process has
 };
 
 struct Launch {

@@ -213,7 +213,7 @@ TEST_F(Capture, IsRefusedWithOneMessage) {
   std::filesystem::remove(tree.At("/machine.plist"));
   std::ofstream(tree.At("/machine.plist")).close();
   std::filesystem::resize_file(tree.At("/machine.plist"), std::uintmax_t{1} << 40);
-  EXPECT_THAT(machine::CaptureMessage(Open().absence()), HasSubstr("too long"));
+  EXPECT_THAT(machine::CaptureMessage(Open().absence()), HasSubstr("too large"));
   auto const missing = machine::OpenCapture("/no/such", {}, &ReadRecordedFacts);
   EXPECT_EQ(machine::CaptureMessage(missing.absence()), "/no/such: No such file or directory");
 }

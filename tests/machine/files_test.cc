@@ -84,7 +84,9 @@ TEST(Files, BelowARootStayThere) {
             files.Status("/", Links::kKeep)->inode);
   EXPECT_EQ(files.CanonicalFolder("/folder/../..//folder/").value(), "/folder");
   EXPECT_EQ(files.UserName(1000).value(), "ann");
+  AnnouncementLog log;
   EXPECT_FALSE(files.UserName(0xFFFFFFFF));
+  EXPECT_THAT(log.entries.back(), Pair("/etc/passwd", Outcome::kAbsent));
   EXPECT_FALSE(files.ReadFile(std::string("/etc/passwd\0x", 13), 9));
 }
 

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <cstdint>
+#include <filesystem>
 #include <random>
 #include <string>
 
@@ -72,6 +74,9 @@ TEST(FileContent, IsThatOfRegularFilesOnly) {
     EXPECT_EQ(folder.Ask("number of lines" + file), "0") << path;
     EXPECT_EQ(folder.Ask("sha1" + file), "no such object") << path;
   }
+  folder.AddFile("sparse");
+  std::filesystem::resize_file(folder.Path("sparse"), std::uintmax_t{5} << 30);
+  EXPECT_NE(folder.Ask(R"(content of file "%/sparse")").find("FileTooLarge"), std::string::npos);
   // Files without a size have content all the same.
   EXPECT_EQ(
       Answer(R"(content of file "/proc/self/comm" = line 1 of file "/proc/self/comm" & "\n")"),
