@@ -78,7 +78,11 @@ ExitStatus Record(CommandLine const& line, machine::Recorder& recorder, Expressi
     return status;
   }
   LimitedWork work(line, nothing_written);
-  if (work.Do([&] { recorder.RecordEverything(); })) return ExitStatus::kAnswered;
+  bool const is_whole = work.Do([&] {
+    recorder.RecordEverything();
+    AskSpecialFolders();
+  });
+  if (is_whole) return ExitStatus::kAnswered;
   work.SayStopped();
   return ExitStatus::kInterrupted;
 }
