@@ -1,6 +1,7 @@
 #include "machine/gestalt.h"
 
 #include <algorithm>
+#include <cstdio>
 #include <iterator>
 
 namespace machine {
@@ -123,6 +124,25 @@ Fact<GestaltResponse> UsbVersion(Machine const& machine) {
   return *release << 16 | kReleaseStage << 8;
 }
 
+// Major, minor and bug fix as in 0x1049 for 10.4.9: the major number in two decimal digits, the
+// others in one, where 9 stands for all that is more.
+Fact<GestaltResponse> SystemVersionCode(Machine const& machine) {
+  Fact<Platform> const platform = machine.System().SystemPlatform();
+  if (!platform) return platform.absence();
+  if (*platform != Platform::kMacOS) return Undefined(Code("sysv"), "no such system");
+  Fact<SystemVersion> const version = machine.System().Version();
+  if (!version) return version.absence();
+  for (auto const& [key, text] : *version) {
+    if (key != "ProductVersion") continue;
+    unsigned parts[3] = {};
+    if (std::sscanf(text.c_str(), "%4u.%4u.%4u", &parts[0], &parts[1], &parts[2]) < 1) break;
+    if (parts[0] > 99) break;
+    return parts[0] / 10 << 12 | parts[0] % 10 << 8 | std::min(parts[1], 9u) << 4 |
+           std::min(parts[2], 9u);
+  }
+  return Undefined(Code("sysv"), "no version");
+}
+
 struct Row {
   std::uint32_t selector;
   Fact<GestaltResponse> (*respond)(Machine const&);
@@ -131,8 +151,9 @@ constexpr Row kRows[] = {
     {Code("cpuf"), ProcessorFamily},    {Code("cput"), ProcessorType},
     {Code("lram"), LogicalMemory},      {Code("mclk"), ProcessorClock},
     {Code("mnam"), MachineName},        {Code("ramm"), MemoryMegabytes},
-    {Code("sysa"), SystemArchitecture}, {Code("usb "), UsbAttributes},
-    {Code("usbv"), UsbVersion},         {Code("vm  "), VirtualMemory},
+    {Code("sysa"), SystemArchitecture}, {Code("sysv"), SystemVersionCode},
+    {Code("usb "), UsbAttributes},      {Code("usbv"), UsbVersion},
+    {Code("vm  "), VirtualMemory},
 };
 
 }  // namespace
@@ -142,6 +163,12 @@ Fact<GestaltResponse> DerivedGestalt::Response(std::uint32_t selector) const {
     if (row.selector == selector) return row.respond(machine_);
   }
   return Undefined(selector);
+}
+
+Fact<std::vector<std::uint32_t>> DerivedGestalt::Selectors() const {
+  std::vector<std::uint32_t> selectors;
+  for (Row const& row : kRows) selectors.push_back(row.selector);
+  return selectors;
 }
 
 }  // namespace machine

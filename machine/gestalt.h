@@ -12,6 +12,7 @@ class MACHINE_API DerivedGestalt final : public GestaltSource {
   explicit DerivedGestalt(Machine const& machine) : machine_(machine) {}
 
   Fact<GestaltResponse> Response(std::uint32_t selector) const override;
+  Fact<std::vector<std::uint32_t>> Selectors() const override;
 
  private:
   Machine const& machine_;

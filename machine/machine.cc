@@ -90,9 +90,7 @@ Fact<std::string> NameSource::HostName() const { return NotSupported("host name"
 Fact<std::string> NameSource::ComputerName() const { return NotSupported("computer name"); }
 Fact<std::string> NameSource::HostIdentifier() const { return NotSupported("host identifier"); }
 Fact<Platform> SystemSource::SystemPlatform() const { return NotSupported("platform"); }
-Fact<std::vector<std::pair<std::string, std::string>>> SystemSource::Version() const {
-  return NotSupported("system version");
-}
+Fact<SystemVersion> SystemSource::Version() const { return NotSupported("system version"); }
 Fact<std::string> SystemSource::KernelRelease() const { return NotSupported("kernel release"); }
 Fact<std::string> UserSource::CurrentUser() const { return NotSupported("current user"); }
 Fact<std::string> UserSource::CurrentHome() const { return NotSupported("current user"); }
@@ -110,6 +108,7 @@ Fact<std::string> ScsiSource::Inquiry(std::uint8_t, std::uint8_t) const {
 Fact<std::vector<Component>> ComponentSource::Components() const {
   return NotSupported("components");
 }
+Fact<std::vector<std::string>> UserSource::UserNames() const { return NotSupported("users"); }
 Fact<std::uint64_t> MemorySource::PhysicalBytes() const { return NotSupported("memory"); }
 Fact<std::uint64_t> MemorySource::SwapBytes() const { return NotSupported("swap"); }
 Fact<std::uint32_t> ProcessorSource::OnlineCount() const { return NotSupported("processors"); }
@@ -125,6 +124,9 @@ Fact<Process> ProcessSource::ProcessWithPid(std::int32_t) const {
   return NotSupported("processes");
 }
 Fact<GestaltResponse> GestaltSource::Response(std::uint32_t) const {
+  return NotSupported("Gestalt");
+}
+Fact<std::vector<std::uint32_t>> GestaltSource::Selectors() const {
   return NotSupported("Gestalt");
 }
 

@@ -52,13 +52,15 @@ class MACHINE_API NameSource {
 // Decides which folders the system's own are.
 enum class Platform { kLinux, kMacOS };
 
+// "ProductName", "ProductVersion", "ProductBuildVersion", "Architecture" (the kernel's, such as
+// "x86_64") and what else the system says of itself, UTF-8, each key once.
+using SystemVersion = std::vector<std::pair<std::string, std::string>>;
+
 class MACHINE_API SystemSource {
  public:
   virtual ~SystemSource() = default;
   virtual Fact<Platform> SystemPlatform() const;
-  // "ProductName", "ProductVersion", "ProductBuildVersion" and what else the system says of itself,
-  // UTF-8, each key once.
-  virtual Fact<std::vector<std::pair<std::string, std::string>>> Version() const;
+  virtual Fact<SystemVersion> Version() const;
   // Of the kernel, "6.1.0-13-amd64".
   virtual Fact<std::string> KernelRelease() const;
 };
@@ -71,6 +73,8 @@ class MACHINE_API UserSource {
   virtual Fact<std::string> CurrentUser() const;
   virtual Fact<std::string> CurrentHome() const;
   virtual Fact<std::string> HomeOf(std::string const& user) const;
+  // Those that are known without asking for one by its name; there may be more.
+  virtual Fact<std::vector<std::string>> UserNames() const;
 };
 
 class MACHINE_API MemorySource {
@@ -129,6 +133,8 @@ class MACHINE_API GestaltSource {
   // The selector is four characters, the first in the most significant byte. Absent or not
   // supported: the selector is undefined on this machine.
   virtual Fact<GestaltResponse> Response(std::uint32_t selector) const;
+  // Those that may have a response, as far as this source knows.
+  virtual Fact<std::vector<std::uint32_t>> Selectors() const;
 };
 
 }  // namespace machine

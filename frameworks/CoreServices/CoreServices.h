@@ -3,6 +3,7 @@
 
 #include <CoreFoundation/CoreFoundation.h>
 #include <CoreServices/Files.h>
+#include <CoreServices/Folders.h>
 #include <CoreServices/Gestalt.h>
 #include <CoreServices/MacTypes.h>
 #include <CoreServices/MachineName.h>

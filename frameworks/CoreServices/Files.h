@@ -293,7 +293,7 @@ CF_EXPORT OSErr FSSetForkSize(FSIORefNum forkRefNum, UInt16 positionMode, SInt64
 CF_EXPORT OSErr FSFlushFork(FSIORefNum forkRefNum);
 CF_EXPORT OSErr FSCloseFork(FSIORefNum forkRefNum);
 
-// --- Volumes and folders of the system
+// --- Volumes
 
 using FSVolumeInfoBitmap = UInt32;
 enum : FSVolumeInfoBitmap {
@@ -333,18 +333,3 @@ struct FSVolumeInfo {
 CF_EXPORT OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex,
                                 FSVolumeRefNum* actualVolume, FSVolumeInfoBitmap whichInfo,
                                 FSVolumeInfo* info, HFSUniStr255* volumeName, FSRef* rootDirectory);
-
-enum : FSVolumeRefNum {
-  kOnSystemDisk = -32768,
-  kOnAppropriateDisk = -32767,
-  kSystemDomain = -32766,
-  kLocalDomain = -32765,
-  kNetworkDomain = -32764,
-  kUserDomain = -32763,
-  kClassicDomain = -32762,
-};
-enum : OSType { kTemporaryFolderType = 0x74656D70 };  // "temp"
-
-// The folder for temporary files; every other kind is `fnfErr`. Nothing is created.
-CF_EXPORT OSErr FSFindFolder(FSVolumeRefNum vRefNum, OSType folderType, Boolean createFolder,
-                             FSRef* foundRef);

@@ -1,4 +1,4 @@
-// Volumes by the items that lie on them, and the folders of the system.
+// Volumes by the items that lie on them.
 #include <CoreServices/Files.h>
 
 #include <mutex>
@@ -145,24 +145,5 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefN
     return static_cast<OSErr>(FSPathMakeRef(reinterpret_cast<UInt8 const*>(found->folder.c_str()),
                                             rootDirectory, nullptr));
   }
-  return noErr;
-}
-
-// Temporary files of the user go where the environment says.
-OSErr FSFindFolder(FSVolumeRefNum vRefNum, OSType folderType, Boolean, FSRef* foundRef) {
-  bool const has_one = vRefNum != kNetworkDomain && vRefNum != kClassicDomain;
-  if (folderType != kTemporaryFolderType || !has_one) return fnfErr;
-  std::string path = "/tmp";
-  if (vRefNum == kUserDomain) {
-    auto const variable = machine::CurrentMachine().Environment().Variable("TMPDIR");
-    if (variable && variable->starts_with('/')) path = *variable;
-  }
-  Boolean is_folder = false;
-  FSRef ref;
-  OSStatus const code =
-      FSPathMakeRef(reinterpret_cast<UInt8 const*>(path.c_str()), &ref, &is_folder);
-  if (code != noErr) return static_cast<OSErr>(code);
-  if (!is_folder) return errFSNotAFolder;
-  *foundRef = ref;
   return noErr;
 }

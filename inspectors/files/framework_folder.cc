@@ -13,7 +13,7 @@ folder framework_folder_of_domain(unsigned char const* name, unsigned long lengt
                                   domain const& domain) {
   std::string const text = std::string(name, name + length) + ".framework";
   return folder_of(reinterpret_cast<unsigned char const*>(text.data()), text.size(),
-                   special_folder_of_domain<FolderCode("fram")>(domain));
+                   special_folder_of_domain<kFrameworksFolderType>(domain));
 }
 
 namespace {

@@ -5,18 +5,11 @@
 // since is still where it was.
 #pragma once
 
-#include "frame/combine.h"
 #include "inspectors/files/domain.h"
 #include "portable/macintosh/special_folder.h"
 #include "portable_inspectors/filesystem_object.h"
 
 using MacintoshPlatform::MacFileType;
-
-// "\xC4" is the letter "ƒ" of Mac Roman, which many codes have.
-consteval MacFileType FolderCode(char const (&code)[5]) {
-  return Combine(static_cast<unsigned char>(code[0]), static_cast<unsigned char>(code[1]),
-                 static_cast<unsigned char>(code[2]), static_cast<unsigned char>(code[3]));
-}
 
 folder FindSpecialFolder(MacFileType code, domain const& domain);
 

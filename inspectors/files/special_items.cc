@@ -5,40 +5,44 @@
 
 namespace {
 
-// The folders of the enabled and of the disabled items of a kind.
-constexpr MacFileType kExtensions = FolderCode("extn"), kDisabledExtensions = FolderCode("extD");
-constexpr MacFileType kPanels = FolderCode("ctrl"), kDisabledPanels = FolderCode("ctrD");
-constexpr MacFileType kStartup = FolderCode("strt"), kDisabledStartup = FolderCode("strD");
-constexpr MacFileType kShutdown = FolderCode("shdf"), kDisabledShutdown = FolderCode("shdD");
-
-using Extensions = SpecialItemIterator<kExtensions, kDisabledExtensions>;
-using Panels = SpecialItemIterator<kPanels, kDisabledPanels>;
-using Startup = SpecialItemIterator<kStartup, kDisabledStartup>;
-using Shutdown = SpecialItemIterator<kShutdown, kDisabledShutdown>;
-using NamedExtensions = NamedSpecialItemIterator<kExtensions, kDisabledExtensions>;
-using NamedPanels = NamedSpecialItemIterator<kPanels, kDisabledPanels>;
-using NamedStartup = NamedSpecialItemIterator<kStartup, kDisabledStartup>;
-using NamedShutdown = NamedSpecialItemIterator<kShutdown, kDisabledShutdown>;
+// The folders of the enabled items, then of the disabled ones.
+using Extensions = SpecialItemIterator<kExtensionFolderType, kExtensionDisabledFolderType>;
+using Panels = SpecialItemIterator<kControlPanelFolderType, kControlPanelDisabledFolderType>;
+using Startup = SpecialItemIterator<kStartupFolderType, kStartupItemsDisabledFolderType>;
+using Shutdown = SpecialItemIterator<kShutdownFolderType, kShutdownItemsDisabledFolderType>;
+using NamedExtensions =
+    NamedSpecialItemIterator<kExtensionFolderType, kExtensionDisabledFolderType>;
+using NamedPanels =
+    NamedSpecialItemIterator<kControlPanelFolderType, kControlPanelDisabledFolderType>;
+using NamedStartup = NamedSpecialItemIterator<kStartupFolderType, kStartupItemsDisabledFolderType>;
+using NamedShutdown =
+    NamedSpecialItemIterator<kShutdownFolderType, kShutdownItemsDisabledFolderType>;
 
 }  // namespace
 
 EnableableFile Neex(inspector_string const& name) {
-  return {special_file<kExtensions>(name), true};
+  return {special_file<kExtensionFolderType>(name), true};
 }
-EnableableFile Necp(inspector_string const& name) { return {special_file<kPanels>(name), true}; }
-EnableableFile Nest(inspector_string const& name) { return {special_file<kStartup>(name), true}; }
-EnableableFile Nesd(inspector_string const& name) { return {special_file<kShutdown>(name), true}; }
+EnableableFile Necp(inspector_string const& name) {
+  return {special_file<kControlPanelFolderType>(name), true};
+}
+EnableableFile Nest(inspector_string const& name) {
+  return {special_file<kStartupFolderType>(name), true};
+}
+EnableableFile Nesd(inspector_string const& name) {
+  return {special_file<kShutdownFolderType>(name), true};
+}
 EnableableFile Ndex(inspector_string const& name) {
-  return {special_file<kDisabledExtensions>(name), false};
+  return {special_file<kExtensionDisabledFolderType>(name), false};
 }
 EnableableFile Ndcp(inspector_string const& name) {
-  return {special_file<kDisabledPanels>(name), false};
+  return {special_file<kControlPanelDisabledFolderType>(name), false};
 }
 EnableableFile Ndst(inspector_string const& name) {
-  return {special_file<kDisabledStartup>(name), false};
+  return {special_file<kStartupItemsDisabledFolderType>(name), false};
 }
 EnableableFile Ndsd(inspector_string const& name) {
-  return {special_file<kDisabledShutdown>(name), false};
+  return {special_file<kShutdownItemsDisabledFolderType>(name), false};
 }
 
 namespace {

@@ -7,10 +7,10 @@
 
 #include <cerrno>
 #include <climits>
-#include <vector>
 
 #include "machine/live/item.h"
-#include "machine/live/text.h"
+#include "machine/live/name_service.h"
+#include "machine/system_files.h"
 
 namespace machine::live {
 
@@ -102,45 +102,12 @@ Fact<VolumeSpace> Files::Space(std::string const& path) const {
                      .is_read_only = (volume.f_flag & ST_RDONLY) != 0};
 }
 
-// Lines of passwd and group begin with "name:password:number:".
 Fact<std::string> Files::NameInList(char const* list, std::uint32_t number) const {
   Fact<std::string> const file = root_.ReadFile(list);
   if (!file) return file.absence();
-  for (std::string_view text = *file; !text.empty();) {
-    std::string_view const line = TakeLine(text);
-    std::size_t const password = line.find(':');
-    std::size_t const start = line.find(':', password + 1);
-    if (password == std::string_view::npos || start == std::string_view::npos) continue;
-    std::string_view const field = line.substr(start + 1);
-    if (ParseNumber<std::uint32_t>(field.substr(0, field.find(':'))) == number) {
-      return std::string(line.substr(0, password));
-    }
-  }
+  if (auto const name = NameInAccounts(*file, number)) return std::string(*name);
   return Absence{Outcome::kAbsent, list, std::to_string(number)};
 }
-
-namespace {
-
-// The name service's reentrant calls: `ask(record, buffer, found)` until the buffer suffices.
-template <typename Record, typename Ask>
-Fact<std::string> AskNameService(char const* source, char* Record::*name, Ask&& ask) {
-  constexpr std::size_t kLargest = std::size_t{1} << 20;
-  int error = ERANGE;
-  for (std::size_t size = 1024; error == ERANGE && size <= kLargest; size *= 4) {
-    Record record;
-    Record* found = nullptr;
-    std::vector<char> buffer(size);
-    error = ask(record, buffer, found);
-    if (error == 0 && found != nullptr) {
-      std::string text = found->*name;
-      Announce(source, Outcome::kAnswered, text.size());
-      return text;
-    }
-  }
-  return AnnounceError(error == 0 ? ENOENT : error, source);
-}
-
-}  // namespace
 
 Fact<std::string> Files::UserName(std::uint32_t user) const {
   if (!root_.is_running()) return NameInList("/etc/passwd", user);

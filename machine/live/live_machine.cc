@@ -21,6 +21,8 @@ class LiveMachine final : public Machine {
   ProcessSource const& Processes() const override { return processes_; }
   GestaltSource const& Gestalt() const override { return gestalt_; }
   FileSource const& Files() const override { return files_; }
+  SystemSource const& System() const override { return system_; }
+  UserSource const& Users() const override { return users_; }
 
  private:
   bool AreAllowed(Changes changes) const {
@@ -32,12 +34,14 @@ class LiveMachine final : public Machine {
   live::Clock clock_{root_};
   live::Zone zone_{root_};
   live::Environment environment_{root_};
-  live::Names names_{root_};
+  live::Files files_;
+  live::Names names_{root_, files_};
   live::Memory memory_{root_};
   live::Processors processors_{root_};
   live::Hardware hardware_{root_};
   live::Processes processes_{root_};
-  live::Files files_;
+  live::System system_{root_, files_};
+  live::Users users_{root_, files_};
   DerivedGestalt gestalt_{*this};
 };
 

@@ -4,28 +4,10 @@
 
 #include "machine/live/sources.h"
 #include "machine/live/text.h"
+#include "machine/system_files.h"
 
 namespace machine::live {
 namespace {
-
-// Takes the quotes off a value as a shell would, for files of assignments like /etc/machine-info.
-std::string Unquote(std::string_view text) {
-  std::string plain;
-  char quote = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    char const character = text[i];
-    if (character == '\\' && quote != '\'' && i + 1 < text.size()) {
-      plain += text[++i];
-    } else if (quote == 0 && (character == '"' || character == '\'')) {
-      quote = character;
-    } else if (character == quote) {
-      quote = 0;
-    } else {
-      plain += character;
-    }
-  }
-  return plain;
-}
 
 // The first line that is neither empty nor a comment.
 std::string_view FirstEntry(std::string_view text) {
@@ -68,5 +50,7 @@ Fact<std::string> Names::ComputerName() const {
   if (!host) return host;
   return host->substr(0, host->find('.'));
 }
+
+Fact<std::string> Names::HostIdentifier() const { return MachineIdentifier(files_); }
 
 }  // namespace machine::live

@@ -6,6 +6,7 @@
 
 #include "machine/live/root.h"
 #include "machine/sources.h"
+#include "machine/system_files.h"
 
 namespace machine::live {
 
@@ -53,12 +54,42 @@ class Environment final : public EnvironmentSource {
 
 class Names final : public NameSource {
  public:
-  explicit Names(Root const& root) : root_(root) {}
+  Names(Root const& root, FileSource const& files) : root_(root), files_(files) {}
   Fact<std::string> HostName() const override;
   Fact<std::string> ComputerName() const override;
+  Fact<std::string> HostIdentifier() const override;
 
  private:
   Root const& root_;
+  FileSource const& files_;
+};
+
+// The kernel's release and architecture are the running machine's own, or as a tree recorded them.
+class System final : public SystemSource {
+ public:
+  System(Root const& root, FileSource const& files) : root_(root), files_(files) {}
+  Fact<Platform> SystemPlatform() const override { return PlatformOfFiles(files_); }
+  Fact<SystemVersion> Version() const override;
+  Fact<std::string> KernelRelease() const override;
+
+ private:
+  Root const& root_;
+  FileSource const& files_;
+};
+
+// The running machine's by its name service; its current user is the process's. A recorded tree has
+// accounts, none of them current.
+class Users final : public UserSource {
+ public:
+  Users(Root const& root, FileSource const& files) : root_(root), files_(files) {}
+  Fact<std::string> CurrentUser() const override;
+  Fact<std::string> CurrentHome() const override;
+  Fact<std::string> HomeOf(std::string const& user) const override;
+  Fact<std::vector<std::string>> UserNames() const override { return NamesInAccounts(files_); }
+
+ private:
+  Root const& root_;
+  FileSource const& files_;
 };
 
 // Installed memory by the firmware's tables, else by the kernel's memory blocks, else what the

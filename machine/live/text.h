@@ -3,6 +3,7 @@
 
 #include <charconv>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace machine::live {
@@ -58,6 +59,25 @@ inline std::optional<std::string_view> FindValue(std::string_view text, std::str
     if (auto const value = ValueIn(TakeLine(text), key, separator)) return value;
   }
   return {};
+}
+
+// Takes the quotes off a value as a shell would, for files of assignments like /etc/machine-info.
+inline std::string Unquote(std::string_view text) {
+  std::string plain;
+  char quote = 0;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    char const character = text[i];
+    if (character == '\\' && quote != '\'' && i + 1 < text.size()) {
+      plain += text[++i];
+    } else if (quote == 0 && (character == '"' || character == '\'')) {
+      quote = character;
+    } else if (character == quote) {
+      quote = 0;
+    } else {
+      plain += character;
+    }
+  }
+  return plain;
 }
 
 }  // namespace machine::live

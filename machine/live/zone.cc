@@ -1,25 +1,7 @@
 #include "machine/live/sources.h"
+#include "machine/system_files.h"
 
 namespace machine::live {
-namespace {
-
-constexpr std::string_view kZoneFolder = "/usr/share/zoneinfo/";
-constexpr char const* kLocalTime = "/etc/localtime";
-
-// "Europe/Berlin" of a path that lies in a folder of zones; empty for any other path.
-std::string NameOfZoneFile(std::string_view path) {
-  constexpr std::string_view kMark = "zoneinfo/";
-  std::size_t const at = path.find(kMark);
-  if (at == std::string_view::npos) return {};
-  std::string_view name = path.substr(at + kMark.size());
-  for (std::string_view variant : {"posix/", "right/"}) {
-    if (name.starts_with(variant)) name.remove_prefix(variant.size());
-  }
-  return std::string(name);
-}
-
-}  // namespace
-
 Fact<TimeZone> Zone::CurrentZone() const {
   if (root_.is_running()) {
     Fact<std::string> const variable = Environment(root_).Variable("TZ");
@@ -45,10 +27,10 @@ Fact<TimeZone> Zone::ZoneOfVariable(std::string const& text) const {
 
 // Without the file the zone is UTC, as its manual page has it.
 Fact<TimeZone> Zone::ZoneOfFile() const {
-  Fact<Rules> const rules = RulesIn(kLocalTime);
+  Fact<Rules> const rules = RulesIn(kLocalTimePath);
   if (!rules && rules.outcome() == Outcome::kAbsent) return TimeZone{"UTC", ZoneRules::Utc()};
   if (!rules) return rules.absence();
-  if (Fact<std::string> const target = root_.ReadLink(kLocalTime)) {
+  if (Fact<std::string> const target = root_.ReadLink(kLocalTimePath)) {
     if (std::string name = NameOfZoneFile(*target); !name.empty()) return TimeZone{name, *rules};
   }
   if (Fact<std::string> const name = root_.ReadText("/etc/timezone")) {

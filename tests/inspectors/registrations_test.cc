@@ -54,14 +54,27 @@ TEST(Registrations, PluralsEndInSButForThese) {
   EXPECT_GT(count, 80);
 }
 
+TEST(Registrations, ThereIsOneCache) {
+  std::vector<unsigned long> reserved;
+  for (RecordedRegistration const& each : Own()) {
+    if (each.call == "Cache") reserved.push_back(each.reserved);
+  }
+  EXPECT_THAT(reserved, testing::ElementsAre(0x40));
+}
+
+TEST(Registrations, EnableableFilesAreFiles) {
+  auto const* const type = RecordingEvaluator::Instance().Find("Type", "enableable_file", "file");
+  ASSERT_NE(type, nullptr);
+}
+
 // What can be asked of each type, by how it is found: plain, "by string", "by integer" or "all".
 TEST(Registrations, OfPropertyListsAndFiles) {
   std::map<std::string, std::set<std::string>> found;
   std::set<std::string> const types = {
-      "array",    "dictionary", "dictionaryentry", "osxvalue",       "file",
-      "datafork", "resfork",    "file type",       "file signature", "filesystem object"};
+      "array",   "dictionary", "dictionaryentry", "osxvalue",          "file",           "datafork",
+      "resfork", "file type",  "file signature",  "filesystem object", "enableable_file"};
   for (RecordedRegistration const& each : Own()) {
-    if (!types.contains(each.object)) continue;
+    if (!types.contains(each.object) || each.call == "Type") continue;
     std::string how = each.call == "Iterated_Property" ? " all" : "";
     if (!each.parameter.empty()) how = " by " + each.parameter;
     if (each.call == "Cast") how = " cast";
@@ -74,6 +87,7 @@ TEST(Registrations, OfPropertyListsAndFiles) {
                  "resource fork: resfork", "length: integer", "size: integer"}));
   EXPECT_EQ(found["datafork"], (Set{"length: integer", "size: integer"}));
   EXPECT_EQ(found["resfork"], (Set{"length: integer", "size: integer"}));
+  EXPECT_EQ(found["enableable_file"], (Set{"enabled: boolean", "disabled: boolean"}));
   EXPECT_EQ(found["file type"], (Set{"6 by file type: boolean"}));
   EXPECT_EQ(found["file signature"], (Set{"6 by file signature: boolean"}));
   EXPECT_EQ(found["filesystem object"], (Set{"hfs path: string", "posix path: string",

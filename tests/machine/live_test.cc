@@ -196,9 +196,46 @@ TEST(Observer, HearsEverySourceOnItsOwnThread) {
   EXPECT_THAT(log.entries, Contains(Pair("clock", Outcome::kNotSupported)));
 }
 
+TEST(System, IsWhatTheTreeSays) {
+  RecordedTree tree;
+  auto const machine = tree.Machine();
+  EXPECT_EQ(machine->System().SystemPlatform().outcome(), Outcome::kAbsent);
+  tree.Write("/usr/lib/os-release", "PRETTY_NAME=x\nNAME=\"Some OS\"\nVERSION_ID='12'\n");
+  EXPECT_EQ(machine->System().SystemPlatform().value(), machine::Platform::kLinux);
+  EXPECT_THAT(*machine->System().Version(),
+              ElementsAre(Pair("ProductName", "Some OS"), Pair("ProductVersion", "12")));
+  EXPECT_EQ(machine->System().KernelRelease().outcome(), Outcome::kAbsent);
+  tree.Write("/proc/sys/kernel/osrelease", "6.1.0\n");
+  EXPECT_EQ(machine->System().Version()->at(2).second, "6.1.0");
+  tree.Write("/etc/os-release", "NAME=Other\nBUILD_ID=77\n");
+  EXPECT_THAT(*machine->System().Version(),
+              ElementsAre(Pair("ProductName", "Other"), Pair("ProductBuildVersion", "77")));
+  tree.Write("/etc/machine-id", "0123\n");
+  EXPECT_EQ(machine->Names().HostIdentifier().value(), "0123");
+  tree.Write("/System/Library/CoreServices/SystemVersion.plist", "");
+  EXPECT_EQ(machine->System().SystemPlatform().value(), machine::Platform::kMacOS);
+  EXPECT_EQ(machine->System().Version().outcome(), Outcome::kNotSupported);
+}
+
+TEST(Users, AreThoseOfTheTree) {
+  RecordedTree tree;
+  auto const machine = tree.Machine();
+  tree.Write("/etc/passwd", "ann:x:7:7:Ann:/home/ann:/bin/sh\nshort:x:8\nodd:x:9:9::here:\n");
+  EXPECT_EQ(machine->Users().HomeOf("ann").value(), "/home/ann");
+  EXPECT_EQ(machine->Users().HomeOf("short").outcome(), Outcome::kAbsent);
+  EXPECT_EQ(machine->Users().HomeOf("odd").outcome(), Outcome::kMalformed);
+  EXPECT_THAT(*machine->Users().UserNames(), ElementsAre("ann", "odd"));
+  EXPECT_EQ(machine->Users().CurrentHome().outcome(), Outcome::kNotSupported);
+}
+
 TEST(LiveMachine, AgreesWithOtherPrograms) {
   machine::Machine const& live = machine::CurrentMachine();
   EXPECT_EQ(live.Names().HostName().value(), OutputOf("uname -n"));
+  EXPECT_EQ(live.System().KernelRelease().value(), OutputOf("uname -r"));
+  EXPECT_THAT(*live.System().Version(), Contains(Pair("Architecture", OutputOf("uname -m"))));
+  EXPECT_EQ(live.Users().CurrentUser().value(), OutputOf("id -un"));
+  EXPECT_EQ(live.Users().CurrentHome().value(), OutputOf("printf %s \"$HOME\""));
+  EXPECT_EQ(live.Users().HomeOf("root").value(), OutputOf("getent passwd root | cut -d: -f6"));
   EXPECT_EQ(std::to_string(live.Clock().BootSecondsSince1970().value()),
             OutputOf("sed -n 's/^btime //p' /proc/stat"));
   EXPECT_EQ(std::to_string(live.Processors().OnlineCount().value()),

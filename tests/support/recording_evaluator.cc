@@ -80,7 +80,7 @@ bool Register_Property(void* handle, unsigned long reserved, char const* singula
 bool Register_Iterated_Property(void* handle, unsigned long reserved, char const* singular,
                                 char const* plural, char const* parameter_type,
                                 char const* direct_object_type, char const* result_type,
-                                unsigned long state_size, InspectorConstruct,
+                                unsigned long state_size, InspectorConstruct construct,
                                 InspectorDestroy destroy, InspectorGet first, InspectorGet next,
                                 void const* context, FingerprintFunction fingerprint) {
   Register_Property(handle, reserved, singular, plural, parameter_type, direct_object_type,
@@ -88,6 +88,7 @@ bool Register_Iterated_Property(void* handle, unsigned long reserved, char const
   RecordedRegistration& property = RecordingEvaluator::Instance().registered.back();
   property.call = "Iterated_Property";
   property.size = state_size;
+  property.construct = construct;
   property.destroy = destroy;
   property.next = next;
   return true;

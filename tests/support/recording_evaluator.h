@@ -25,7 +25,8 @@ struct RecordedRegistration {
   unsigned long size = 0;  // of a type's value or an iterator's state
   int fingerprinting = 0;
   InspectorDestroy destroy = nullptr;
-  InspectorGet get = nullptr;  // of an iterated property: the first element
+  InspectorConstruct construct = nullptr;  // of an iterator's state
+  InspectorGet get = nullptr;              // of an iterated property: the first element
   InspectorGet next = nullptr;
   InspectorCast cast = nullptr;
   InspectorOperator apply = nullptr;

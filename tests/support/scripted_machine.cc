@@ -40,6 +40,12 @@ machine::Fact<std::string> ScriptedMachine::HomeOf(std::string const& user) cons
   return found->second;
 }
 
+machine::Fact<std::vector<std::string>> ScriptedMachine::UserNames() const {
+  std::vector<std::string> names;
+  for (auto const& [name, home] : homes) names.push_back(name);
+  return names;
+}
+
 machine::Fact<bool> ScriptedMachine::HasUsb() const {
   if (!usb_release) return Missing();
   return true;
@@ -73,4 +79,14 @@ machine::Fact<machine::GestaltResponse> ScriptedMachine::Response(std::uint32_t 
   auto const found = gestalt.find(text);
   if (found != gestalt.end()) return found->second;
   return derived_.Response(selector);
+}
+
+machine::Fact<std::vector<std::uint32_t>> ScriptedMachine::Selectors() const {
+  std::vector<std::uint32_t> selectors = *derived_.Selectors();
+  for (auto const& [text, response] : gestalt) {
+    std::uint32_t selector = 0;
+    for (unsigned char byte : text) selector = selector << 8 | byte;
+    selectors.push_back(selector);
+  }
+  return selectors;
 }

@@ -44,6 +44,7 @@ class ScriptedMachine final : public machine::Machine,
   std::map<std::string, machine::GestaltResponse> gestalt;
 
   std::optional<machine::Platform> platform;
+  std::optional<machine::SystemVersion> version;
   std::optional<std::string> host_identifier, kernel_release, current_user, current_home;
   std::map<std::string, std::string> homes;
 
@@ -108,10 +109,12 @@ class ScriptedMachine final : public machine::Machine,
   Fact<std::string> ComputerName() const override { return Of(computer_name); }
   Fact<std::string> HostIdentifier() const override { return Of(host_identifier); }
   Fact<machine::Platform> SystemPlatform() const override { return Of(platform); }
+  Fact<machine::SystemVersion> Version() const override { return Of(version); }
   Fact<std::string> KernelRelease() const override { return Of(kernel_release); }
   Fact<std::string> CurrentUser() const override { return Of(current_user); }
   Fact<std::string> CurrentHome() const override { return Of(current_home); }
   Fact<std::string> HomeOf(std::string const& user) const override;
+  Fact<std::vector<std::string>> UserNames() const override;
   Fact<std::uint64_t> PhysicalBytes() const override { return Of(physical_bytes); }
   Fact<std::uint64_t> SwapBytes() const override { return Of(swap_bytes); }
   Fact<std::uint32_t> OnlineCount() const override { return Of(online_processors); }
@@ -125,6 +128,7 @@ class ScriptedMachine final : public machine::Machine,
   Fact<std::vector<machine::Process>> AllProcesses() const override;
   Fact<machine::Process> ProcessWithPid(std::int32_t pid) const override;
   Fact<machine::GestaltResponse> Response(std::uint32_t selector) const override;
+  Fact<std::vector<std::uint32_t>> Selectors() const override;
 
   mutable Calls calls_;
   machine::DerivedGestalt derived_{*this};

@@ -1,0 +1,44 @@
+#include <pwd.h>
+#include <unistd.h>
+
+#include "machine/live/name_service.h"
+#include "machine/live/sources.h"
+
+namespace machine::live {
+namespace {
+
+Absence NoCurrentUser() {
+  return AnnounceAbsence(Outcome::kNotSupported, "current user", "nobody uses a recorded tree");
+}
+
+Fact<std::string> TextOfThisUser(char* passwd::*text) {
+  return AskNameService(
+      "getpwuid", text, [](passwd& record, std::vector<char>& buffer, passwd*& found) {
+        return ::getpwuid_r(::geteuid(), &record, buffer.data(), buffer.size(), &found);
+      });
+}
+
+}  // namespace
+
+Fact<std::string> Users::CurrentUser() const {
+  if (!root_.is_running()) return NoCurrentUser();
+  return TextOfThisUser(&passwd::pw_name);
+}
+
+Fact<std::string> Users::CurrentHome() const {
+  if (!root_.is_running()) return NoCurrentUser();
+  Fact<std::string> home = Environment(root_).Variable("HOME");
+  if (home && home->starts_with('/')) return home;
+  return TextOfThisUser(&passwd::pw_dir);
+}
+
+Fact<std::string> Users::HomeOf(std::string const& user) const {
+  if (!root_.is_running()) return HomeInAccounts(files_, user);
+  if (user.find('\0') != std::string::npos) return AnnounceError(EINVAL, "getpwnam");
+  return AskNameService(
+      "getpwnam", &passwd::pw_dir, [&](passwd& record, std::vector<char>& buffer, passwd*& found) {
+        return ::getpwnam_r(user.c_str(), &record, buffer.data(), buffer.size(), &found);
+      });
+}
+
+}  // namespace machine::live

@@ -1,0 +1,155 @@
+// Extensions, control panels, startup items and shutdown items, asked through what they register.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "evaluator/plugin/exceptions.h"
+#include "inspectors/files/enableable_file.h"
+#include "inspectors/files/special_folder.h"
+#include "tests/inspectors/scripted_folders.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/recording_evaluator.h"
+
+namespace {
+
+using Items = std::vector<std::string>;
+
+// "name" of one that is enabled, "(name)" of one that is not.
+std::string Shown(EnableableFile const& item) {
+  boolean const enabled = enabled_of(item);
+  EXPECT_NE(enabled, disabled_of(item));
+  std::string const name = std::filesystem::path(item.Path()).filename();
+  return enabled ? name : "(" + name + ")";
+}
+
+RecordedRegistration const* Find(std::string const& call, std::string const& name,
+                                 std::string const& parameter) {
+  for (RecordedRegistration const& each : RecordingEvaluator::Instance().registered) {
+    bool const is_one = each.call == call && each.name == name && each.parameter == parameter;
+    if (is_one && each.result == "enableable_file" && each.object.empty()) return &each;
+  }
+  return nullptr;
+}
+
+inspector_string Text(std::string const& text) {
+  return {reinterpret_cast<unsigned char const*>(text.data()), text.size()};
+}
+
+// All that an iterated property gives, as the evaluator would ask for it.
+Items All(std::string const& name, char const* parameter = nullptr) {
+  auto const* const found = Find("Iterated_Property", name, parameter != nullptr ? "string" : "");
+  if (found == nullptr) return {"not registered"};
+  std::string const text = parameter != nullptr ? parameter : "";
+  inspector_string const wanted = Text(text);
+  RawStorage state(found->size), value(sizeof(EnableableFile));
+  found->construct(state.Address());
+  Items items;
+  try {
+    for (InspectorGet step = found->get;; step = found->next) {
+      step(value.Address(), &wanted, nullptr, state.Address(), found->context);
+      auto* const item = static_cast<EnableableFile*>(value.Address());
+      items.push_back(Shown(*item));
+      item->~EnableableFile();
+    }
+  } catch (NoSuchObject const&) {
+  }
+  found->destroy(state.Address());
+  return items;
+}
+
+// What a property gives for one name.
+Items One(std::string const& name, std::string const& parameter) {
+  auto const* const found = Find("Property", name, "string");
+  if (found == nullptr) return {"not registered"};
+  inspector_string const wanted = Text(parameter);
+  try {
+    return {Shown(found->Get<EnableableFile>(&wanted))};
+  } catch (NoSuchObject const&) {
+    return {};
+  }
+}
+
+class SpecialItems : public testing::Test {
+ protected:
+  SpecialItems() { Forget(); }
+  ~SpecialItems() override { Forget(); }
+
+  static void Forget() {
+    Instant now{};
+    ClearSpecialFolderCaches(now, nullptr);
+  }
+
+  // Lets the system know these two folders and no other.
+  void Place(OSType enabled, OSType disabled) {
+    Forget();
+    folders_.paths = {{{kSystemDomain, enabled}, tree_.At("/enabled")},
+                      {{kSystemDomain, disabled}, tree_.At("/disabled")}};
+  }
+
+  RecordedTree tree_;
+  ScriptedFolders folders_;
+};
+
+struct Kind {
+  std::string name;
+  OSType enabled, disabled;
+};
+Kind const kKinds[] = {{"extension", 0x6578746E, 0x65787444},
+                       {"control panel", 0x6374726C, 0x63747244},
+                       {"startup item", 0x73747274, 0x73747244},
+                       {"shutdown item", 0x73686466, 0x73686444}};
+
+TEST_F(SpecialItems, HaveSixForms) {
+  for (char const* path : {"/enabled/a", "/enabled/b", "/enabled/folder/x", "/disabled/b"}) {
+    tree_.Write(path, "");
+  }
+  for (auto const& [name, enabled, disabled] : kKinds) {
+    SCOPED_TRACE(name);
+    Place(enabled, disabled);
+    Items all = All(name);
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_EQ(all.back(), "(b)") << "the disabled ones come last";
+    EXPECT_THAT(all, testing::UnorderedElementsAre("a", "b", "(b)"));
+    EXPECT_THAT(All("enabled " + name), testing::UnorderedElementsAre("a", "b"));
+    EXPECT_EQ(All("disabled " + name), Items{"(b)"});
+
+    EXPECT_EQ(All(name, "a"), Items{"a"});
+    EXPECT_EQ(All(name, "b"), (Items{"b", "(b)"}));
+    EXPECT_EQ(All(name, "folder"), Items{});
+    EXPECT_EQ(One("enabled " + name, "a"), Items{"a"});
+    EXPECT_EQ(One("enabled " + name, "c"), Items{});
+    EXPECT_EQ(One("disabled " + name, "b"), Items{"(b)"});
+    EXPECT_EQ(One("disabled " + name, "a"), Items{});
+  }
+}
+
+TEST_F(SpecialItems, AreAllThereAreWhenAFolderIsEmptyOrMissing) {
+  tree_.Write("/full/x", "");
+  std::filesystem::create_directories(tree_.At("/empty"));
+  struct {
+    char const *enabled, *disabled;
+    Items all, named;
+  } const cases[] = {
+      {"full", "empty", {"x"}, {"x"}},
+      {"full", "missing", {"x"}, {"x"}},
+      {"empty", "full", {"(x)"}, {"(x)"}},
+      {"missing", "full", {"(x)"}, {"(x)"}},
+      {"full", "full", {"x", "(x)"}, {"x", "(x)"}},
+      {"empty", "missing", {}, {}},
+      {"missing", "missing", {}, {}},
+  };
+  for (auto const& row : cases) {
+    SCOPED_TRACE(std::string(row.enabled) + ", " + row.disabled);
+    Forget();
+    folders_.paths = {
+        {{kSystemDomain, kStartupFolderType}, tree_.At(std::string("/") + row.enabled)},
+        {{kSystemDomain, kStartupItemsDisabledFolderType},
+         tree_.At(std::string("/") + row.disabled)}};
+    EXPECT_EQ(All("startup item"), row.all);
+    EXPECT_EQ(All("startup item", "x"), row.named);
+  }
+}
+
+}  // namespace
