@@ -1,5 +1,6 @@
 #include "machine/files.h"
 
+#include <algorithm>
 #include <cerrno>
 
 namespace machine {
@@ -24,16 +25,37 @@ Fact<std::string> FileSource::ReadLink(std::string const&) const { return NotSup
 Fact<std::unique_ptr<Folder>> FileSource::OpenFolder(std::string const&) const {
   return NotSupported();
 }
-Fact<std::unique_ptr<OpenFile>> FileSource::OpenFork(std::string const&, Fork, Access) const {
-  return NotSupported();
-}
-Fact<std::string> FileSource::ReadFile(std::string const&, std::size_t) const {
-  return NotSupported();
+Fact<std::unique_ptr<OpenFile>> FileSource::OpenFork(std::string const& path, Fork,
+                                                     Access access) const {
+  return access == Access::kRead ? NotSupported() : Refused(path);
 }
 Fact<std::string> FileSource::CanonicalFolder(std::string const&) const { return NotSupported(); }
 Fact<VolumeSpace> FileSource::Space(std::string const&) const { return NotSupported(); }
 Fact<std::string> FileSource::UserName(std::uint32_t) const { return NotSupported(); }
 Fact<std::string> FileSource::GroupName(std::uint32_t) const { return NotSupported(); }
+
+Fact<std::string> ReadWhole(OpenFile& file, std::string const& path, std::size_t most) {
+  // Files of /proc do not tell their size, and others grow: read on until there is no more.
+  Fact<std::uint64_t> const size = file.Size();
+  std::size_t const expected =
+      size ? static_cast<std::size_t>(std::min<std::uint64_t>(most, *size)) : 0;
+  std::string text;
+  for (std::size_t step = expected + 1;; step = std::size_t{1} << 16) {
+    std::size_t const had = text.size();
+    text.resize(had + step);
+    Fact<std::size_t> const got = file.ReadAt(had, text.data() + had, step);
+    if (!got) return got.absence();
+    text.resize(had + *got);
+    if (text.size() > most) return Absence{Outcome::kMalformed, path, "too long", EFBIG};
+    if (*got < step) return text;
+  }
+}
+
+Fact<std::string> FileSource::ReadFile(std::string const& path, std::size_t most) const {
+  auto file = OpenFork(path, Fork::kData, Access::kRead);
+  if (!file) return file.absence();
+  return ReadWhole(**file, path, most);
+}
 
 Fact<Done> FileSource::CreateFile(std::string const& path, std::uint32_t) const {
   return Refused(path);

@@ -104,6 +104,9 @@ class MACHINE_API OpenFile {
   virtual Fact<bool> Flush() = 0;
 };
 
+// All of an open fork; malformed (error EFBIG) when it has more than `most` bytes.
+MACHINE_API Fact<std::string> ReadWhole(OpenFile& file, std::string const& path, std::size_t most);
+
 // Of the volume that holds an item. Bytes are those that every user may have.
 struct VolumeSpace {
   std::uint64_t total_bytes = 0, free_bytes = 0;
@@ -134,7 +137,7 @@ class MACHINE_API FileSource {
   // Follows links. A file without resource fork has an empty one; a resource fork is read only.
   virtual Fact<std::unique_ptr<OpenFile>> OpenFork(std::string const& path, Fork fork,
                                                    Access access) const;
-  // The whole data fork; malformed when it has more than `most` bytes.
+  // The whole data fork, by `OpenFork`; malformed when it has more than `most` bytes.
   virtual Fact<std::string> ReadFile(std::string const& path, std::size_t most) const;
   // The folder's path without links, "." and "..".
   virtual Fact<std::string> CanonicalFolder(std::string const& path) const;

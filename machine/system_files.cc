@@ -25,6 +25,15 @@ std::optional<std::string_view> FieldOf(std::string_view line, int index) {
   return line.substr(0, line.find(':'));
 }
 
+// The first line that is neither empty nor a comment.
+std::string_view FirstEntry(std::string_view text) {
+  while (!text.empty()) {
+    std::string_view const line = Trim(TakeLine(text));
+    if (!line.empty() && line.front() != '#') return line;
+  }
+  return {};
+}
+
 std::optional<std::string> AssignedText(std::string_view text, std::string_view key) {
   auto const value = live::FindValue(text, key, '=');
   if (!value) return {};
@@ -60,6 +69,15 @@ Fact<SystemVersion> VersionInOsRelease(FileSource const& files) {
     if (auto value = AssignedText(*text, key)) version.emplace_back(name, *std::move(value));
   }
   return version;
+}
+
+Fact<std::string> HostNameInFile(FileSource const& files) {
+  constexpr char const* kPath = "/etc/hostname";
+  Fact<std::string> const text = files.ReadFile(kPath, kLargestSystemFile);
+  if (!text) return text;
+  std::string_view const name = FirstEntry(*text);
+  if (name.empty()) return Absence{Outcome::kAbsent, kPath, "empty"};
+  return std::string(name);
 }
 
 Fact<std::string> MachineIdentifier(FileSource const& files) {

@@ -14,6 +14,7 @@ namespace machine {
 
 inline constexpr char kSystemVersionPath[] = "/System/Library/CoreServices/SystemVersion.plist";
 inline constexpr char kUserListPath[] = "/etc/passwd";
+inline constexpr char kGroupListPath[] = "/etc/group";
 inline constexpr std::string_view kZoneFolder = "/usr/share/zoneinfo/";
 inline constexpr char kLocalTimePath[] = "/etc/localtime";
 // These files are small; one that is larger than this is malformed.
@@ -24,6 +25,9 @@ Fact<Platform> PlatformOfFiles(FileSource const& files);
 
 // The product's name, version and build, as far as os-release(5) has them.
 Fact<SystemVersion> VersionInOsRelease(FileSource const& files);
+
+// hostname(5)
+Fact<std::string> HostNameInFile(FileSource const& files);
 
 // machine-id(5)
 Fact<std::string> MachineIdentifier(FileSource const& files);

@@ -54,7 +54,7 @@ class CompiledZoneReader {
  public:
   explicit CompiledZoneReader(std::string_view bytes) : cursor_(bytes) {}
 
-  std::shared_ptr<ZoneRules const> Read() {
+  std::shared_ptr<ZoneRules> Read() {
     Counts counts = ReadHeader();
     if (cursor_.failed()) return nullptr;
     std::size_t time_size = 4;
@@ -229,7 +229,9 @@ class ZoneRules::PosixParser {
 };
 
 std::shared_ptr<ZoneRules const> ZoneRules::FromCompiledFile(std::string_view bytes) {
-  return CompiledZoneReader(bytes).Read();
+  auto const rules = CompiledZoneReader(bytes).Read();
+  if (rules != nullptr) rules->compiled_file_ = bytes;
+  return rules;
 }
 
 std::shared_ptr<ZoneRules const> ZoneRules::FromPosixText(std::string_view text) {

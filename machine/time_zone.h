@@ -36,6 +36,8 @@ class MACHINE_API ZoneRules {
 
   // The rule for moments after the last listed change, in the POSIX form; may be empty.
   std::string const& posix_text() const { return posix_text_; }
+  // The compiled file that these were read from, empty where they come of a text.
+  std::string const& compiled_file() const { return compiled_file_; }
 
  private:
   friend class CompiledZoneReader;
@@ -69,7 +71,7 @@ class MACHINE_API ZoneRules {
   Kind before_;  // holds before the first change
   std::vector<Change> changes_;
   std::optional<YearlyRule> rule_;  // holds after the last change
-  std::string posix_text_;
+  std::string posix_text_, compiled_file_;
 };
 
 // A zone with the name under which the machine knows it ("Europe/Berlin").

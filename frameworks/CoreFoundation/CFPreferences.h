@@ -18,7 +18,7 @@
 
 #include <CoreFoundation/CFString.h>
 
-// This process has no preferences of its own: as an application it is like the next.
+// This process, which has no preferences of its own: the global ones alone answer.
 #define kCFPreferencesCurrentApplication CFSTR("kCFPreferencesCurrentApplication")
 // The global preferences alone.
 #define kCFPreferencesAnyApplication CFSTR("kCFPreferencesAnyApplication")

@@ -15,6 +15,7 @@ class RingOfCopies {
   }
   ~RingOfCopies() { Unlink(); }
 
+  bool IsAlone() const { return next_ == this; }
   RingOfCopies const* Next() const { return next_; }
   RingOfCopies const* Previous() const { return previous_; }
 

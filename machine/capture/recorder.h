@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "machine/capture/record.h"
 #include "machine/files.h"
@@ -34,6 +35,9 @@ class MACHINE_API Recorder {
   // Asks the machine all that it has sources for, except its files: of those only what identifies
   // the system and tells where its users live.
   void RecordEverything();
+
+  // The paths of the files whose contents did not fit.
+  std::vector<std::string> LeftOut() const;
 
   // Lays the capture down in a folder that does not exist yet or is empty. `machine.plist` comes
   // last, so that one that was broken off is no capture. To be called once nobody asks any more.

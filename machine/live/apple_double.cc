@@ -20,7 +20,33 @@ std::uint32_t BigEndian(unsigned char const* bytes, int count) {
   return number;
 }
 
+void AppendNumber(std::string& text, std::uint32_t number, int bytes) {
+  while (bytes-- > 0) text += static_cast<char>(number >> (8 * bytes));
+}
+
 }  // namespace
+
+std::string AppleDoubleText(FinderInfo const* info, std::string const& resource_fork) {
+  constexpr std::uint32_t kVersion = 0x00020000;
+  constexpr int kFiller = 16;
+  std::string text;
+  AppendNumber(text, kMagic, 4);
+  AppendNumber(text, kVersion, 4);
+  text.append(kFiller, ' ');
+  std::uint32_t const count = info == nullptr ? 1 : 2;
+  AppendNumber(text, count, 2);
+  auto offset = static_cast<std::uint32_t>(kHeaderBytes + count * kEntryBytes);
+  auto const append_entry = [&](std::uint32_t id, std::size_t size) {
+    AppendNumber(text, id, 4);
+    AppendNumber(text, offset, 4);
+    AppendNumber(text, static_cast<std::uint32_t>(size), 4);
+    offset += static_cast<std::uint32_t>(size);
+  };
+  if (info != nullptr) append_entry(kFinderInfo, info->size());
+  append_entry(kResourceFork, resource_fork.size());
+  if (info != nullptr) text.append(info->begin(), info->end());
+  return text + resource_fork;
+}
 
 std::optional<AppleDouble> ReadAppleDouble(int file) {
   struct stat status;

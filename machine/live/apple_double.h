@@ -21,6 +21,9 @@ struct AppleDouble {
 // Nothing when the file is not one. It is read at the start and where its Finder information lies.
 std::optional<AppleDouble> ReadAppleDouble(int file);
 
+// Such a file; `info` may be null. The resource fork has at most 2^32-1 bytes.
+std::string AppleDoubleText(FinderInfo const* info, std::string const& resource_fork);
+
 inline constexpr std::string_view kCompanionPrefix = "._";
 inline bool IsCompanionName(std::string_view name) {
   return name.size() > kCompanionPrefix.size() && name.starts_with(kCompanionPrefix);

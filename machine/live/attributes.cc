@@ -122,6 +122,11 @@ int WriteFinderInfo(char const* path, FinderInfo const& info) {
   return ::lsetxattr(path, attribute.c_str(), info.data(), info.size(), 0);
 }
 
+int WriteResourceFork(char const* path, std::string const& content) {
+  std::string const attribute = std::string(kSpaces[0]) + std::string(kResourceFork);
+  return ::lsetxattr(path, attribute.c_str(), content.data(), content.size(), 0);
+}
+
 bool CopyAttributes(char const* from, char const* to) {
   int error = 0;
   auto const list = [from](char* names, std::size_t size) {

@@ -21,7 +21,9 @@ std::optional<FinderInfo> ReadFinderInfo(char const* path, std::string const& at
 std::optional<std::uint64_t> AttributeSize(char const* path, std::string const& attribute);
 std::optional<std::string> ReadAttribute(char const* path, std::string const& attribute);
 
-int WriteFinderInfo(char const* path, FinderInfo const& info);  // as lsetxattr
+// As lsetxattr.
+int WriteFinderInfo(char const* path, FinderInfo const& info);
+int WriteResourceFork(char const* path, std::string const& content);
 
 // Gives an item what another has. Attributes that this process may not set, or that mean nothing
 // on the other file system, are left out, but not what a Macintosh keeps: then false, with `errno`.

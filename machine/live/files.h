@@ -20,7 +20,6 @@ class Files final : public FileSource {
   Fact<std::unique_ptr<Folder>> OpenFolder(std::string const& path) const override;
   Fact<std::unique_ptr<OpenFile>> OpenFork(std::string const& path, Fork fork,
                                            Access access) const override;
-  Fact<std::string> ReadFile(std::string const& path, std::size_t most) const override;
   Fact<std::string> CanonicalFolder(std::string const& path) const override;
   Fact<VolumeSpace> Space(std::string const& path) const override;
   Fact<std::string> UserName(std::uint32_t user) const override;

@@ -187,22 +187,4 @@ Fact<std::unique_ptr<OpenFile>> Files::OpenResourceFork(std::string const& path)
   return std::unique_ptr<OpenFile>(std::make_unique<AttributeFork>(std::string(), path, status));
 }
 
-Fact<std::string> Files::ReadFile(std::string const& path, std::size_t most) const {
-  auto file = OpenFork(path, Fork::kData, Access::kRead);
-  if (!file) return file.absence();
-  OpenFile& content = **file;
-  // Files of /proc do not tell their size, and others grow: read on until there is no more.
-  std::size_t const expected = static_cast<std::size_t>(content.Status().bytes);
-  std::string text;
-  for (std::size_t step = std::min(most, expected) + 1;; step = std::size_t{1} << 16) {
-    std::size_t const had = text.size();
-    text.resize(had + step);
-    Fact<std::size_t> const got = content.ReadAt(had, text.data() + had, step);
-    if (!got) return got.absence();
-    text.resize(had + *got);
-    if (text.size() > most) return Absence{Outcome::kMalformed, path, "too long", EFBIG};
-    if (*got < step) return text;
-  }
-}
-
 }  // namespace machine::live

@@ -7,19 +7,6 @@
 #include "machine/system_files.h"
 
 namespace machine::live {
-namespace {
-
-// The first line that is neither empty nor a comment.
-std::string_view FirstEntry(std::string_view text) {
-  while (!text.empty()) {
-    std::string_view const line = Trim(TakeLine(text));
-    if (!line.empty() && line.front() != '#') return line;
-  }
-  return {};
-}
-
-}  // namespace
-
 Fact<std::string> Names::HostName() const {
   if (root_.is_running()) {
     char name[HOST_NAME_MAX + 1] = {};
@@ -32,12 +19,7 @@ Fact<std::string> Names::HostName() const {
   }
   Fact<std::string> const kernel = root_.ReadText("/proc/sys/kernel/hostname");
   if (kernel) return kernel;
-  constexpr char const* kPath = "/etc/hostname";
-  Fact<std::string> const file = root_.ReadFile(kPath);
-  if (!file) return file.absence();
-  std::string_view const name = FirstEntry(*file);
-  if (name.empty()) return Absence{Outcome::kAbsent, kPath, "empty"};
-  return std::string(name);
+  return HostNameInFile(files_);
 }
 
 Fact<std::string> Names::ComputerName() const {

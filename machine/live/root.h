@@ -36,6 +36,8 @@ class Place {
 class Root {
  public:
   explicit Root(std::string folder);
+  // A folder that is open already and never the running machine's root.
+  explicit Root(FileDescriptor folder) : is_running_(false), folder_(std::move(folder)) {}
 
   // Whether this is the machine that runs this process, so that system calls speak of it too.
   bool is_running() const { return is_running_; }

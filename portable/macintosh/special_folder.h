@@ -12,7 +12,7 @@ using MacFileType = UInt32;
 // `CannotCreateSpecialFolder` with the platform's code.
 GATOTU_API FileLocation MakeFileLocation(MacFileType type, short domain, unsigned char create);
 
-// Where temporary files belong on a volume or in a domain.
+// Where temporary files belong on the system's volume (`kOnSystemDisk`) or in a domain.
 GATOTU_API FileLocation TemporaryFileDirLocation(short volume);
 
 }  // namespace MacintoshPlatform

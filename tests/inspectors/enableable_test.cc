@@ -11,6 +11,7 @@
 #include "tests/inspectors/scripted_folders.h"
 #include "tests/machine/recorded_tree.h"
 #include "tests/support/recording_evaluator.h"
+#include "tests/support/scripted_machine.h"
 
 namespace {
 
@@ -73,17 +74,9 @@ Items One(std::string const& name, std::string const& parameter) {
 
 class SpecialItems : public testing::Test {
  protected:
-  SpecialItems() { Forget(); }
-  ~SpecialItems() override { Forget(); }
-
-  static void Forget() {
-    Instant now{};
-    ClearSpecialFolderCaches(now, nullptr);
-  }
-
   // Lets the system know these two folders and no other.
   void Place(OSType enabled, OSType disabled) {
-    Forget();
+    ScriptedFolders::Forget();
     folders_.paths = {{{kSystemDomain, enabled}, tree_.At("/enabled")},
                       {{kSystemDomain, disabled}, tree_.At("/disabled")}};
   }
@@ -142,7 +135,7 @@ TEST_F(SpecialItems, AreAllThereAreWhenAFolderIsEmptyOrMissing) {
   };
   for (auto const& row : cases) {
     SCOPED_TRACE(std::string(row.enabled) + ", " + row.disabled);
-    Forget();
+    ScriptedFolders::Forget();
     folders_.paths = {
         {{kSystemDomain, kStartupFolderType}, tree_.At(std::string("/") + row.enabled)},
         {{kSystemDomain, kStartupItemsDisabledFolderType},
@@ -150,6 +143,21 @@ TEST_F(SpecialItems, AreAllThereAreWhenAFolderIsEmptyOrMissing) {
     EXPECT_EQ(All("startup item"), row.all);
     EXPECT_EQ(All("startup item", "x"), row.named);
   }
+}
+
+// Nothing is scripted here: the system itself knows where they are.
+TEST(SpecialItemsOfAVolume, AreWhereTheSystemKeepsThem) {
+  RecordedTree volume;
+  std::string const library = "/System/Library/";
+  volume.Write(library + "CoreServices/SystemVersion.plist", "<plist><dict/></plist>");
+  for (char const* item : {"StartupItems/a", "StartupItems/b", "StartupItems (Disabled)/b"}) {
+    volume.Write(library + item, "");
+  }
+  volume.Write("/Library/StartupItems/of the machine", "");
+  MachineInUse const use(volume.Machine());
+  ScriptedFolders::Forget();
+  EXPECT_THAT(All("startup item"), testing::UnorderedElementsAre("a", "b", "(b)"));
+  ScriptedFolders::Forget();
 }
 
 }  // namespace

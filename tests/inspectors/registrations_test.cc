@@ -36,11 +36,16 @@ TEST(Registrations, FewDependOnTheirParametersAlone) {
 }
 
 TEST(Registrations, PluralsEndInSButForThese) {
-  std::map<std::string, std::string> const others = {
-      {"alias", "aliases"},           {"country", "countries"},
-      {"dictionary", "dictionaries"}, {"entry", "entries"},
-      {"process", "processes"},       {"registry", "registries"},
-      {"stationery", "stationeries"}, {"virtual memory", "virtual memories"}};
+  std::map<std::string, std::string> const others = {{"alias", "aliases"},
+                                                     {"country", "countries"},
+                                                     {"dictionary", "dictionaries"},
+                                                     {"entry", "entries"},
+                                                     {"global dictionary", "global dictionaries"},
+                                                     {"local dictionary", "local dictionaries"},
+                                                     {"process", "processes"},
+                                                     {"registry", "registries"},
+                                                     {"stationery", "stationeries"},
+                                                     {"virtual memory", "virtual memories"}};
   int count = 0;
   for (RecordedRegistration const& each : Own()) {
     if (!each.call.ends_with("Property")) continue;
@@ -71,22 +76,36 @@ TEST(Registrations, EnableableFilesAreFiles) {
 TEST(Registrations, OfPropertyListsAndFiles) {
   std::map<std::string, std::set<std::string>> found;
   std::set<std::string> const types = {
-      "array",   "dictionary", "dictionaryentry", "osxvalue",          "file",           "datafork",
-      "resfork", "file type",  "file signature",  "filesystem object", "enableable_file"};
+      "array",           "dictionary", "dictionaryentry", "osxvalue",       "file",
+      "datafork",        "resfork",    "file type",       "file signature", "filesystem object",
+      "enableable_file", "bundle",     "folder",          "preference"};
+  std::set<std::string> const of_world = {"file type", "file signature", "bundle", "preference"};
   for (RecordedRegistration const& each : Own()) {
-    if (!types.contains(each.object) || each.call == "Type") continue;
+    bool const is_of_world = each.object.empty() && of_world.contains(each.result);
+    if (each.call == "Type" || !(is_of_world || types.contains(each.object))) continue;
     std::string how = each.call == "Iterated_Property" ? " all" : "";
     if (!each.parameter.empty()) how = " by " + each.parameter;
     if (each.call == "Cast") how = " cast";
     EXPECT_TRUE(found[each.object].insert(each.name + how + ": " + each.result).second);
   }
   using Set = std::set<std::string>;
+  EXPECT_EQ(found[""],
+            (Set{"file type by string: file type", "file signature by string: file signature",
+                 "bundle by string: bundle", "preference by string: preference"}));
+  EXPECT_EQ(found["folder"], (Set{"bundle: bundle"}));
   EXPECT_EQ(found["file"],
             (Set{"array: array", "dictionary: dictionary", "locked: boolean", "visible: boolean",
                  "alias: boolean", "stationery: boolean", "data fork: datafork",
                  "resource fork: resfork", "length: integer", "size: integer"}));
   EXPECT_EQ(found["datafork"], (Set{"length: integer", "size: integer"}));
   EXPECT_EQ(found["resfork"], (Set{"length: integer", "size: integer"}));
+  EXPECT_EQ(found["bundle"], (Set{"version: version", "bundle version: version", "type: file type",
+                                  "creator: file signature", "global dictionary: dictionary",
+                                  "local dictionary: dictionary"}));
+  EXPECT_EQ(
+      found["preference"],
+      (Set{"string by string: string", "boolean by string: boolean", "integer by string: integer",
+           "date by string: time", "array by string: array", "dictionary by string: dictionary"}));
   EXPECT_EQ(found["enableable_file"], (Set{"enabled: boolean", "disabled: boolean"}));
   EXPECT_EQ(found["file type"], (Set{"6 by file type: boolean"}));
   EXPECT_EQ(found["file signature"], (Set{"6 by file signature: boolean"}));

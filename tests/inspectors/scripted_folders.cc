@@ -2,14 +2,28 @@
 
 #include <dlfcn.h>
 
+#include "inspectors/files/special_folder.h"
+
 namespace {
 
 ScriptedFolders* current = nullptr;
 
 }  // namespace
 
-ScriptedFolders::ScriptedFolders() { current = this; }
-ScriptedFolders::~ScriptedFolders() { current = nullptr; }
+ScriptedFolders::ScriptedFolders() {
+  current = this;
+  Forget();
+}
+
+ScriptedFolders::~ScriptedFolders() {
+  current = nullptr;
+  Forget();
+}
+
+void ScriptedFolders::Forget() {
+  Instant now{};
+  ClearSpecialFolderCaches(now, nullptr);
+}
 
 // This program's function comes before that of the library.
 OSErr FSFindFolder(FSVolumeRefNum domain, OSType code, Boolean create, FSRef* found) {

@@ -1,5 +1,5 @@
 // Special folders as a test has them: while one of these lives, `FSFindFolder` answers from it and
-// not from the machine.
+// not from the machine. Nothing is remembered from before or for later.
 #pragma once
 
 #include <CoreServices/CoreServices.h>
@@ -16,6 +16,9 @@ class ScriptedFolders {
   ~ScriptedFolders();
   ScriptedFolders(ScriptedFolders const&) = delete;
   ScriptedFolders& operator=(ScriptedFolders const&) = delete;
+
+  // As the evaluator lets them be forgotten.
+  static void Forget();
 
   using Key = std::pair<int, OSType>;  // domain and code
 

@@ -2,11 +2,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
 #include "evaluator/plugin/exceptions.h"
-#include "inspectors/files/framework_folder.h"
 #include "inspectors/files/special_folder.h"
 #include "portable/core_foundation/errors.h"
 #include "tests/inspectors/scripted_folders.h"
@@ -16,7 +16,6 @@
 namespace {
 
 using testing::ElementsAre;
-using testing::IsEmpty;
 
 struct NamedDomain {
   char const* name;
@@ -30,81 +29,48 @@ constexpr NamedDomain kDomains[] = {{"system domain", 0x8002},
                                     {"on system disk domain", 0x8000},
                                     {"on appropriate disk domain", 0x8001}};
 
+// Each without the " folder" that its name ends in, and with its code as text, where "ƒ" stands for
+// one byte.
+constexpr char kFolders[] =
+    "system macs, apple menu items amnu, control panels ctrl, desktop desk, extensions extn, "
+    "fonts font, preferences pref, printmonitor documents prnt, startup items strt, shutdown "
+    "items shdf, temporary items temp, disabled startup items strD, disabled extensions extD, "
+    "applications apps, documents docs, chewable items flnt, application support asup, text "
+    "encodings ƒtex, help ƒhlp, internet plugins ƒnet, modem scripts ƒmod, printer "
+    "descriptions ppdf, printer drivers ƒprd, scripting additions ƒscr, shared libraries "
+    "ƒlib, voices fvoc, control strip modules sdev, assistants astƒ, utilities utiƒ, apple "
+    "extras aexƒ, contextual menu items cmnu, macos read me morƒ, colorsync profiles prof, "
+    "themes thme, favorites favs, disabled control panels ctrD, disabled system extensions "
+    "macD, disabled shutdown items shdD, location manager modules walk, location manager "
+    "preferences trip, locations fall, classic sdsk, domain top dtop, domain library dlib, "
+    "color sync sync, printers impr, speech spch, carbon carb, documentation info, developer "
+    "docs ddoc, developer help devh, iss download issd, user temp utmp, cache cach, framework "
+    "fram, private framework pfrm, developer devf, sound ssnd, component cmpd, quicktime "
+    "wcmp, core services csrv, audio adio, kernel extensions kext, users usrs, current user "
+    "cusr, shared sdat, volume settings vsfd, locales ƒloc, receipts rcpt";
+
 struct NamedFolder {
-  char const* name;  // without the " folder" that each ends in
+  std::string name;
   OSType code;
 };
-constexpr NamedFolder kFolders[] = {
-    {"system", 0x6D616373},
-    {"apple menu items", 0x616D6E75},
-    {"control panels", 0x6374726C},
-    {"desktop", 0x6465736B},
-    {"extensions", 0x6578746E},
-    {"fonts", 0x666F6E74},
-    {"preferences", 0x70726566},
-    {"printmonitor documents", 0x70726E74},
-    {"startup items", 0x73747274},
-    {"shutdown items", 0x73686466},
-    {"temporary items", 0x74656D70},
-    {"disabled startup items", 0x73747244},
-    {"disabled extensions", 0x65787444},
-    {"applications", 0x61707073},
-    {"documents", 0x646F6373},
-    {"chewable items", 0x666C6E74},
-    {"application support", 0x61737570},
-    {"text encodings", 0xC4746578},
-    {"help", 0xC4686C70},
-    {"internet plugins", 0xC46E6574},
-    {"modem scripts", 0xC46D6F64},
-    {"printer descriptions", 0x70706466},
-    {"printer drivers", 0xC4707264},
-    {"scripting additions", 0xC4736372},
-    {"shared libraries", 0xC46C6962},
-    {"voices", 0x66766F63},
-    {"control strip modules", 0x73646576},
-    {"assistants", 0x617374C4},
-    {"utilities", 0x757469C4},
-    {"apple extras", 0x616578C4},
-    {"contextual menu items", 0x636D6E75},
-    {"macos read me", 0x6D6F72C4},
-    {"colorsync profiles", 0x70726F66},
-    {"themes", 0x74686D65},
-    {"favorites", 0x66617673},
-    {"disabled control panels", 0x63747244},
-    {"disabled system extensions", 0x6D616344},
-    {"disabled shutdown items", 0x73686444},
-    {"location manager modules", 0x77616C6B},
-    {"location manager preferences", 0x74726970},
-    {"locations", 0x66616C6C},
-    {"classic", 0x7364736B},
-    {"domain top", 0x64746F70},
-    {"domain library", 0x646C6962},
-    {"color sync", 0x73796E63},
-    {"printers", 0x696D7072},
-    {"speech", 0x73706368},
-    {"carbon", 0x63617262},
-    {"documentation", 0x696E666F},
-    {"developer docs", 0x64646F63},
-    {"developer help", 0x64657668},
-    {"iss download", 0x69737364},
-    {"user temp", 0x75746D70},
-    {"cache", 0x63616368},
-    {"framework", 0x6672616D},
-    {"private framework", 0x7066726D},
-    {"developer", 0x64657666},
-    {"sound", 0x73736E64},
-    {"component", 0x636D7064},
-    {"quicktime", 0x77636D70},
-    {"core services", 0x63737276},
-    {"audio", 0x6164696F},
-    {"kernel extensions", 0x6B657874},
-    {"users", 0x75737273},
-    {"current user", 0x63757372},
-    {"shared", 0x73646174},
-    {"volume settings", 0x76736664},
-    {"locales", 0xC46C6F63},
-    {"receipts", 0x72637074},
-};
+
+OSType CodeOf(std::string text) {
+  if (auto const at = text.find("ƒ"); at != std::string::npos) text.replace(at, 2, "\xC4");
+  EXPECT_EQ(text.size(), 4U) << text;
+  OSType code = 0;
+  for (unsigned char const each : text) code = code << 8 | each;
+  return code;
+}
+
+std::vector<NamedFolder> Folders() {
+  std::vector<NamedFolder> folders;
+  std::istringstream rows(kFolders);
+  for (std::string row; std::getline(rows >> std::ws, row, ',');) {
+    std::size_t const end = row.rfind(' ');
+    folders.push_back({row.substr(0, end) + " folder", CodeOf(row.substr(end + 1))});
+  }
+  return folders;
+}
 
 // The names of the plain properties of an object that give this type, in order of registration.
 std::vector<std::string> NamesOf(std::string const& result, std::string const& object) {
@@ -117,10 +83,11 @@ std::vector<std::string> NamesOf(std::string const& result, std::string const& o
 }
 
 template <class Result>
-Result Ask(std::string const& name, std::string const& object = "", void const* value = nullptr) {
+Result Ask(std::string const& name, std::string const& object = "", void const* value = nullptr,
+           void const* parameter = nullptr) {
   auto const* const found = RecordingEvaluator::Instance().Find("Property", name, object);
   if (found == nullptr) throw "not registered";
-  return found->Get<Result>(nullptr, value);
+  return found->Get<Result>(parameter, value);
 }
 
 TEST(Domains, AreTheSevenOfTheSystem) {
@@ -134,14 +101,6 @@ TEST(Domains, AreTheSevenOfTheSystem) {
 
 class SpecialFolders : public testing::Test {
  protected:
-  SpecialFolders() { Clear(); }
-  ~SpecialFolders() override { Clear(); }
-
-  static void Clear() {
-    Instant now{};
-    ClearSpecialFolderCaches(now, nullptr);
-  }
-
   // A folder of the test, and the system's answer to this question.
   std::string Place(int domain, OSType code, std::string const& name) {
     std::filesystem::create_directories(tree_.At("/" + name));
@@ -162,8 +121,8 @@ class SpecialFolders : public testing::Test {
 TEST_F(SpecialFolders, EachNameAsksForItsCodeInTheSystemsOrAGivenDomain) {
   domain const given{kNetworkDomain};
   std::vector<std::string> names;
-  for (NamedFolder const& row : kFolders) {
-    names.push_back(std::string(row.name) + " folder");
+  for (NamedFolder const& row : Folders()) {
+    names.push_back(row.name);
     folders_.asked.clear();
     EXPECT_THROW(Ask<folder>(names.back()), NoSuchObject);
     EXPECT_THROW(Ask<folder>(names.back(), "domain", &given), NoSuchObject);
@@ -188,7 +147,7 @@ TEST_F(SpecialFolders, TheTenFoundLastAreRemembered) {
 
   std::filesystem::remove(tree_.At("/3"));
   EXPECT_FALSE(IsNew(3)) << "a folder that is gone is still known";
-  Clear();
+  ScriptedFolders::Forget();
   EXPECT_THROW(FindSpecialFolder(3, kDomainOfWorld), NoSuchObject);
   EXPECT_TRUE(IsNew(4));
 }
@@ -255,10 +214,10 @@ TEST_F(SpecialFolders, FrameworksAreFoundByName) {
                      {&local, "A", ""}};
   for (auto const& row : cases) {
     SCOPED_TRACE(row.name);
-    auto const* const name = reinterpret_cast<unsigned char const*>(row.name.data());
+    inspector_string const name{reinterpret_cast<unsigned char const*>(row.name.data()),
+                                row.name.size()};
     auto const find = [&] {
-      return row.of == nullptr ? framework_folder(name, row.name.size())
-                               : framework_folder_of_domain(name, row.name.size(), *row.of);
+      return Ask<folder>("framework", row.of != nullptr ? "domain" : "", row.of, &name);
     };
     if (row.path.empty()) {
       EXPECT_THROW(find(), NoSuchObject);

@@ -1,6 +1,7 @@
 #include <CoreServices/CoreServices.h>
 #include <gtest/gtest.h>
 
+#include "portable/core_foundation/bundles.h"
 #include "portable/core_foundation/objects.h"
 #include "portable/core_foundation/strings.h"
 #include "portable/core_foundation/urls.h"
@@ -157,6 +158,27 @@ TEST(URLs, FailWithTheirOwnClass) {
   } catch (CFURLErrorCode const& error) {
     EXPECT_EQ(error.Code(), kCFURLResourceNotFoundError);
   }
+}
+
+TEST(Bundles, ShareTheirDictionariesOrHaveNone) {
+  RecordedTree const tree;
+  tree.Write("/a/Info.plist", "{Name = plain;}");
+  tree.Write("/a/en.lproj/InfoPlist.strings", "Name = translated;");
+  tree.Write("/none/PkgInfo", "APPLtext");
+  MachineInUse const use(tree.Machine());
+  AutoCFURL const folder = MakeURL(CFSTR("file:///a")), none = MakeURL(CFSTR("file:///none"));
+  CFBundleRef const bundle = CFBundleCreate(nullptr, folder.Get());
+  AutoCFDictionary const info = BundleGetInfoDictionary(bundle);
+  AutoCFDictionary const local = BundleGetLocalInfoDictionary(bundle);
+  EXPECT_EQ(info.Get(), CFBundleGetInfoDictionary(bundle));
+  EXPECT_EQ(CFGetRetainCount(info.Get()), 2);
+  CFRelease(bundle);
+  EXPECT_TRUE(CFEqual(GetDictionaryValue(info.Get(), CFSTR("Name")), CFSTR("plain")));
+  EXPECT_TRUE(CFEqual(GetDictionaryValue(local.Get(), CFSTR("Name")), CFSTR("translated")));
+  CFBundleRef const without = CFBundleCreate(nullptr, none.Get());
+  EXPECT_THROW(BundleGetInfoDictionary(without), CFBundleGetInfoDictionaryFailed);
+  EXPECT_THROW(BundleGetLocalInfoDictionary(without), CFBundleGetInfoDictionaryFailed);
+  CFRelease(without);
 }
 
 }  // namespace

@@ -1,0 +1,50 @@
+// The first of several files below a folder, and whether it still is the first and unchanged, which
+// is told from the state of few of them.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "machine/files.h"
+
+// What tells one state of a file from another.
+struct FileState {
+  machine::ItemKind kind = machine::ItemKind::kOther;
+  std::uint64_t device = 0, inode = 0, bytes = 0;
+  machine::FileTime modification, change;
+  // Whether every later change is sure to show. File systems keep time in steps, and two changes
+  // within one look alike.
+  bool is_settled = false;
+
+  // Of the machine in use, links followed. Nothing where there is no file, or it may not be looked
+  // at.
+  static std::optional<FileState> Of(std::string const& path);
+
+  // Whether settled or not.
+  bool operator==(FileState const& other) const;
+};
+
+class FirstFile {
+ public:
+  // The folder is a path without a `/` at its end, so that the root is empty. Names are paths below
+  // it, the same ones in every call.
+  FirstFile(std::string const& folder, std::span<std::string const> names);
+
+  bool is_found() const { return file_.has_value(); }
+  // Only when it is found.
+  std::size_t index() const { return index_; }
+  FileState const& state() const { return *file_; }
+
+  // A file that is not settled may have changed nevertheless.
+  bool IsStillIn(std::string const& folder, std::span<std::string const> names) const;
+  bool is_settled() const { return !file_ || file_->is_settled; }
+
+ private:
+  std::size_t index_ = 0;
+  std::optional<FileState> file_;
+  std::optional<FileState> folder_;
+  // Whether all that is missing would show in the folder itself if it were there.
+  bool folder_tells_ = true;
+};

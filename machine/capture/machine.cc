@@ -1,0 +1,89 @@
+#include "machine/capture/machine.h"
+
+#include <cerrno>
+
+#include "machine/live/files.h"
+
+namespace machine::capture {
+namespace {
+
+// The files of a capture that has no folder of copies.
+class NoFiles final : public FileSource {
+ public:
+  explicit NoFiles(std::string why) : why_(std::move(why)) {}
+
+  Fact<ItemStatus> Status(std::string const& path, Links) const override { return Missing(path); }
+  Fact<Item> Describe(std::string const& path, Links) const override { return Missing(path); }
+  Fact<std::string> ReadLink(std::string const& path) const override { return Missing(path); }
+  Fact<std::unique_ptr<Folder>> OpenFolder(std::string const& path) const override {
+    return Missing(path);
+  }
+  Fact<std::unique_ptr<OpenFile>> OpenFork(std::string const& path, Fork, Access) const override {
+    return Missing(path);
+  }
+  Fact<std::string> CanonicalFolder(std::string const& path) const override {
+    return Missing(path);
+  }
+
+ private:
+  Absence Missing(std::string const& path) const {
+    Announce(path, Outcome::kAbsent);
+    return {Outcome::kAbsent, path, why_, ENOENT};
+  }
+  std::string const why_;
+};
+
+class CaptureMachine final : public Machine {
+ public:
+  CaptureMachine(OpenedCapture opened, CaptureChoices choices, RecordReader reader)
+      : opened_(std::move(opened)),
+        copies_(MakeCopies()),
+        volume_(Files(), reader),
+        users_(opened_.facts, Files(), volume_, std::move(choices)) {}
+
+  ClockSource const& Clock() const override { return clock_; }
+  TimeZoneSource const& Zone() const override { return zone_; }
+  EnvironmentSource const& Environment() const override { return environment_; }
+  NameSource const& Names() const override { return names_; }
+  MemorySource const& Memory() const override { return memory_; }
+  ProcessorSource const& Processors() const override { return processors_; }
+  HardwareSource const& Hardware() const override { return hardware_; }
+  ProcessSource const& Processes() const override { return processes_; }
+  GestaltSource const& Gestalt() const override { return gestalt_; }
+  FileSource const& Files() const override {
+    return opened_.is_volume ? *copies_ : static_cast<FileSource const&>(files_);
+  }
+  SystemSource const& System() const override { return system_; }
+  UserSource const& Users() const override { return users_; }
+
+ private:
+  std::unique_ptr<FileSource const> MakeCopies() const {
+    if (!opened_.root) return std::make_unique<NoFiles>(opened_.why_no_files);
+    return std::make_unique<live::Files>(*opened_.root, true);
+  }
+
+  OpenedCapture const opened_;
+  std::unique_ptr<FileSource const> const copies_;
+  capture::Files files_{opened_.facts, *copies_};
+  MacVolume volume_;
+  capture::Clock clock_{opened_.facts};
+  capture::Zone zone_{opened_.facts, Files()};
+  capture::Environment environment_{opened_.facts};
+  capture::Names names_{opened_.facts, Files(), volume_};
+  capture::System system_{opened_.facts, Files(), volume_};
+  capture::Users users_;
+  capture::Memory memory_{opened_.facts};
+  capture::Processors processors_{opened_.facts};
+  capture::Hardware hardware_{opened_.facts};
+  capture::Processes processes_{opened_.facts};
+  capture::Gestalt gestalt_{opened_.facts, *this};
+};
+
+}  // namespace
+
+std::shared_ptr<Machine const> MakeCapture(OpenedCapture opened, CaptureChoices choices,
+                                           RecordReader reader) {
+  return std::make_shared<CaptureMachine const>(std::move(opened), std::move(choices), reader);
+}
+
+}  // namespace machine::capture

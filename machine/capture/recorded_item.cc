@@ -1,0 +1,331 @@
+#include "machine/capture/recorded_item.h"
+
+#include <charconv>
+#include <cstdio>
+#include <limits>
+
+#include "machine/capture/text_record.h"
+#include "machine/live/text.h"
+
+namespace machine::capture {
+namespace {
+
+constexpr char const* kKnownNames[] = {"nothing", "kind", "status", "all"};
+constexpr char const* kKindNames[] = {"file", "folder", "link", "other"};
+
+struct NumberKey {
+  char const* key;
+  std::uint64_t most;
+  std::uint64_t (*get)(ItemStatus const&);
+  void (*set)(ItemStatus&, std::uint64_t);
+};
+
+template <auto Member>
+constexpr NumberKey NumberKeyFor(char const* key) {
+  using Number = std::remove_reference_t<decltype(std::declval<ItemStatus&>().*Member)>;
+  return {key, std::numeric_limits<Number>::max(),
+          [](ItemStatus const& status) -> std::uint64_t { return status.*Member; },
+          [](ItemStatus& status, std::uint64_t number) {
+            status.*Member = static_cast<Number>(number);
+          }};
+}
+
+constexpr NumberKey kNumbers[] = {
+    NumberKeyFor<&ItemStatus::mode>("Mode"),
+    NumberKeyFor<&ItemStatus::user>("User"),
+    NumberKeyFor<&ItemStatus::group>("Group"),
+    NumberKeyFor<&ItemStatus::links>("Links"),
+    NumberKeyFor<&ItemStatus::device>("Device"),
+    NumberKeyFor<&ItemStatus::inode>("Inode"),
+    NumberKeyFor<&ItemStatus::mount>("Mount"),
+    NumberKeyFor<&ItemStatus::bytes>("Bytes"),
+    NumberKeyFor<&ItemStatus::allocated_bytes>("AllocatedBytes"),
+};
+
+struct TimeKey {
+  char const* key;
+  FileTime ItemStatus::*member;
+};
+constexpr char kBorn[] = "Born";
+constexpr TimeKey kTimes[] = {{kBorn, &ItemStatus::birth},
+                              {"Modified", &ItemStatus::modification},
+                              {"Changed", &ItemStatus::change},
+                              {"Accessed", &ItemStatus::access}};
+
+struct SpaceKey {
+  char const* key;
+  std::uint64_t VolumeSpace::*member;
+};
+constexpr SpaceKey kSpaceNumbers[] = {{"TotalBytes", &VolumeSpace::total_bytes},
+                                      {"FreeBytes", &VolumeSpace::free_bytes},
+                                      {"BlockBytes", &VolumeSpace::block_bytes},
+                                      {"Files", &VolumeSpace::files}};
+constexpr char kIsReadOnly[] = "IsReadOnly";
+constexpr char kHasMoreEntries[] = "HasMoreEntries";
+
+Record NumberRecord(std::uint64_t number) {
+  if (number > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) return number;
+  return static_cast<std::int64_t>(number);
+}
+
+// Seconds since 1970, a point and nine digits; a date has no room for all of a file's time.
+std::string TextOf(FileTime const& time) {
+  char text[40];
+  std::snprintf(text, sizeof text, "%lld.%09u", static_cast<long long>(time.seconds),
+                time.nanoseconds);
+  return text;
+}
+
+Fact<FileTime> TimeIn(Field const& field) {
+  constexpr std::int64_t kMicro = 1'000'000;
+  if (auto const* date = field.As<RecordDate>()) {
+    std::int64_t const microseconds = date->microseconds_since_1970;
+    std::int64_t const rest = (microseconds % kMicro + kMicro) % kMicro;
+    return FileTime{(microseconds - rest) / kMicro, static_cast<std::uint32_t>(rest * 1000)};
+  }
+  Fact<std::string> const text = field.Text();
+  if (!text) return text.absence();
+  FileTime time;
+  char const* const end = text->data() + text->size();
+  auto const [point, error] = std::from_chars(text->data(), end, time.seconds);
+  if (error != std::errc()) return field.Malformed("not a time");
+  if (point == end) return time;
+  std::string_view const digits(point + 1, static_cast<std::size_t>(end - point - 1));
+  auto const nanoseconds = live::ParseNumber<std::uint32_t>(digits);
+  if (*point != '.' || digits.size() != 9 || !nanoseconds) return field.Malformed("not a time");
+  time.nanoseconds = *nanoseconds;
+  return time;
+}
+
+template <typename Choice, std::size_t count>
+Fact<Choice> ChoiceIn(Field const& field, char const* const (&names)[count]) {
+  auto const* text = field.As<std::string>();
+  for (std::size_t i = 0; text != nullptr && i < count; ++i) {
+    if (*text == names[i]) return static_cast<Choice>(i);
+  }
+  return field.Malformed("unknown");
+}
+
+// Reads one key after the other until one is malformed.
+class ItemReader {
+ public:
+  ItemReader(Field const& field, RecordedItem item) : field_(field), item_(std::move(item)) {}
+
+  Fact<RecordedItem> Read(Known wanted) {
+    ReadKind();
+    if (wanted > Known::kKind) {
+      ReadStatus();
+      ReadFinderDetails();
+      ReadContents();
+    }
+    if (failure_) return *failure_;
+    return std::move(item_);
+  }
+
+ private:
+  template <typename Read, typename Store>
+  void Take(char const* key, Read&& read, Store&& store) {
+    Field const field = field_[key];
+    if (!field.exists() || failure_) return;
+    auto fact = read(field);
+    if (!fact) failure_ = fact.absence();
+    if (fact) store(*std::move(fact));
+  }
+  // What may be recorded as absent too.
+  template <typename Value, typename Read>
+  void TakeFact(char const* key, std::optional<Fact<Value>>& kept, Read&& read) {
+    if (Field const field = field_[key]; IsAbsence(field)) {
+      kept.emplace(AbsenceIn(field, {}));
+    } else {
+      Take(key, read, [&](Value value) { kept.emplace(std::move(value)); });
+    }
+  }
+  void TakeTruth(char const* key, bool& kept) {
+    Take(
+        key, [](Field const& field) { return field.Truth(); }, [&](bool truth) { kept = truth; });
+  }
+
+  void ReadKind();
+  void ReadStatus();
+  void ReadFinderDetails();
+  void ReadContents();
+
+  Field const& field_;
+  RecordedItem item_;
+  std::optional<Absence> failure_;
+};
+
+void ItemReader::ReadKind() {
+  if (Field const absent = field_["Absent"]; absent.exists()) {
+    item_.absence = AbsenceIn(absent, {});
+  }
+  Take(
+      "Known", [](Field const& field) { return ChoiceIn<Known>(field, kKnownNames); },
+      [&](Known known) { item_.known = known; });
+  Take(
+      "Kind", [](Field const& field) { return ChoiceIn<ItemKind>(field, kKindNames); },
+      [&](ItemKind kind) { item_.item.status.kind = kind; });
+  TakeFact("Target", item_.target, [](Field const& field) { return field.Text(); });
+}
+
+void ItemReader::ReadStatus() {
+  ItemStatus& status = item_.item.status;
+  for (NumberKey const& row : kNumbers) {
+    Take(
+        row.key, [&](Field const& field) { return field.Unsigned(row.most); },
+        [&](std::uint64_t number) { row.set(status, number); });
+  }
+  for (TimeKey const& row : kTimes) {
+    Take(row.key, TimeIn, [&](FileTime time) { status.*row.member = time; });
+  }
+  if (field_[kBorn].exists()) status.has_birth = true;
+  TakeTruth("Immutable", status.is_immutable);
+}
+
+void ItemReader::ReadFinderDetails() {
+  Item& item = item_.item;
+  Take(
+      "FinderInfo", [](Field const& field) { return field.Text(); },
+      [&](std::string const& bytes) {
+        item.has_finder_info = true;
+        item.finder_info = {};
+        bytes.copy(reinterpret_cast<char*>(item.finder_info.data()), item.finder_info.size());
+      });
+  Take(
+      "ResourceBytes", [](Field const& field) { return field.Unsigned(UINT64_MAX); },
+      [&](std::uint64_t bytes) { item.resource_bytes = bytes; });
+  TakeTruth("IsCompanion", item_.is_companion);
+}
+
+Fact<Done> DoneIn(Field const& field) {
+  Fact<bool> const truth = field.Truth();
+  if (!truth) return truth.absence();
+  if (!*truth) return field.Malformed("not true");
+  return Done();
+}
+
+Fact<RecordedListing> NamesIn(Field const& field) {
+  RecordedListing listing;
+  for (Field const& item : field.Items()) {
+    Fact<std::string> name = item.Text();
+    if (!name) return name.absence();
+    bool const is_name = !name->empty() && *name != "." && *name != ".." &&
+                         name->find('/') == std::string::npos &&
+                         name->find('\0') == std::string::npos;
+    if (!is_name) return item.Malformed("not a name");
+    listing.names.push_back(*std::move(name));
+  }
+  if (field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
+  return listing;
+}
+
+Fact<VolumeSpace> SpaceIn(Field const& field) {
+  VolumeSpace space;
+  for (SpaceKey const& row : kSpaceNumbers) {
+    Fact<std::uint64_t> const number = field[row.key].Unsigned(UINT64_MAX);
+    if (!number) return number.absence();
+    space.*row.member = *number;
+  }
+  Fact<bool> const is_read_only = field[kIsReadOnly].Truth();
+  if (!is_read_only) return is_read_only.absence();
+  space.is_read_only = *is_read_only;
+  return space;
+}
+
+void ItemReader::ReadContents() {
+  TakeFact("Content", item_.content, DoneIn);
+  TakeFact("ResourceFork", item_.resource_fork, DoneIn);
+  TakeFact("Space", item_.space, SpaceIn);
+}
+
+Record SpaceRecord(VolumeSpace const& space) {
+  RecordDictionary entries;
+  for (SpaceKey const& row : kSpaceNumbers) entries.Add(row.key, NumberRecord(space.*row.member));
+  entries.Add(kIsReadOnly, space.is_read_only);
+  return entries;
+}
+
+Record ListingRecord(RecordedListing const& listing) {
+  RecordArray names;
+  for (std::string const& name : listing.names) names.push_back(RecordOfBytes(name));
+  return names;
+}
+
+template <typename Value, typename Convert>
+void AddFact(RecordDictionary& entries, char const* key, std::optional<Fact<Value>> const& fact,
+             Convert&& convert) {
+  if (fact) entries.Add(key, *fact ? convert(**fact) : RecordOf(fact->absence()));
+}
+
+void AddStatus(RecordDictionary& entries, ItemStatus const& status) {
+  for (NumberKey const& row : kNumbers) entries.Add(row.key, NumberRecord(row.get(status)));
+  for (TimeKey const& row : kTimes) {
+    bool const is_known = row.key != kBorn || status.has_birth;
+    if (is_known) entries.Add(row.key, TextOf(status.*row.member));
+  }
+  if (status.is_immutable) entries.Add("Immutable", true);
+}
+
+void AddFinderDetails(RecordDictionary& entries, Item const& item) {
+  std::string const info(item.finder_info.begin(), item.finder_info.end());
+  if (item.has_finder_info) entries.Add("FinderInfo", RecordBytes{info});
+  if (item.resource_bytes != 0) entries.Add("ResourceBytes", NumberRecord(item.resource_bytes));
+}
+
+}  // namespace
+
+Known KnownBy(Detail detail) {
+  switch (detail) {
+    case Detail::kKind:
+      return Known::kKind;
+    case Detail::kStatus:
+      return Known::kStatus;
+    case Detail::kAll:
+      break;
+  }
+  return Known::kAll;
+}
+
+Record RecordOf(RecordedItem const& recorded) {
+  RecordDictionary entries;
+  if (recorded.absence) entries.Add("Absent", RecordOf(*recorded.absence));
+  if (recorded.known != Known::kNothing) {
+    ItemStatus const& status = recorded.item.status;
+    entries.Add("Known", std::string(kKnownNames[static_cast<int>(recorded.known)]));
+    entries.Add("Kind", std::string(kKindNames[static_cast<int>(status.kind)]));
+    if (recorded.known >= Known::kStatus) AddStatus(entries, status);
+    if (recorded.known == Known::kAll) AddFinderDetails(entries, recorded.item);
+  }
+  if (recorded.is_companion) entries.Add("IsCompanion", true);
+  auto const done = [](Done) { return Record(true); };
+  AddFact(entries, "Target", recorded.target, RecordOfBytes);
+  AddFact(entries, "Entries", recorded.listing, ListingRecord);
+  if (recorded.listing && *recorded.listing && !(*recorded.listing)->is_whole) {
+    entries.Add(kHasMoreEntries, true);
+  }
+  AddFact(entries, "Content", recorded.content, done);
+  AddFact(entries, "ResourceFork", recorded.resource_fork, done);
+  AddFact(entries, "Space", recorded.space, SpaceRecord);
+  return entries;
+}
+
+Fact<RecordedItem> ItemIn(Field const& field, Known wanted, RecordedItem copy) {
+  if (field.As<RecordDictionary>() == nullptr) return field.Malformed("not a dictionary");
+  return ItemReader(field, std::move(copy)).Read(wanted);
+}
+
+std::optional<Fact<RecordedListing>> ListingIn(Field const& field) {
+  Field const entries = field["Entries"], more = field[kHasMoreEntries];
+  if (!entries.exists()) return {};
+  if (IsAbsence(entries)) return AbsenceIn(entries, {});
+  Fact<RecordedListing> listing = NamesIn(entries);
+  if (!listing || !more.exists()) return listing;
+  Fact<bool> const has_more = more.Truth();
+  if (!has_more) return has_more.absence();
+  listing.value().is_whole = !*has_more;
+  return listing;
+}
+
+bool StandsAlone(Field const& field) { return field["Known"].exists() || field["Absent"].exists(); }
+
+}  // namespace machine::capture

@@ -1,0 +1,130 @@
+#include "machine/capture/recorder.h"
+
+#include "machine/capture/copies.h"
+#include "machine/capture/document.h"
+#include "machine/capture/recording.h"
+#include "machine/capture/text_record.h"
+#include "machine/live/item.h"
+#include "machine/system_files.h"
+
+namespace machine {
+
+using namespace capture;
+
+struct Recorder::State : Recording {
+  using Recording::Recording;
+};
+
+namespace {
+
+// What else tells of the system on whose disk it is.
+constexpr char const* kSystemFiles[] = {
+    kSystemVersionPath, "/Library/Preferences/SystemConfiguration/preferences.plist",
+    "/etc/os-release",  "/usr/lib/os-release",
+    kUserListPath,      kGroupListPath,
+    kLocalTimePath,     "/etc/timezone",
+    "/etc/hostname",    "/etc/machine-id",
+    "/etc/machine-info"};
+
+void AskUsers(Machine const& machine) {
+  machine.Users().CurrentUser();
+  if (auto const home = machine.Users().CurrentHome()) {
+    machine.Files().Describe(*home, Links::kFollow);
+  }
+  Fact<std::vector<std::string>> const names = machine.Users().UserNames();
+  if (!names) return;
+  for (std::string const& name : *names) machine.Users().HomeOf(name);
+}
+
+void AskFiles(FileSource const& files) {
+  files.Describe("/", Links::kFollow);
+  files.Space("/");
+  for (char const* path : kSystemFiles) {
+    if (files.Describe(path, Links::kFollow)) files.ReadFile(path, kLargestSystemFile);
+  }
+}
+
+void AskHardware(Machine const& machine) {
+  machine.Memory().PhysicalBytes();
+  machine.Memory().SwapBytes();
+  machine.Processors().OnlineCount();
+  machine.Processors().Kind();
+  machine.Processors().PowerPCVersion();
+  machine.Processors().HighestMegahertz();
+  machine.Hardware().ProductName();
+  machine.Hardware().HasUsb();
+  machine.Hardware().UsbRelease();
+  Fact<std::vector<std::uint32_t>> const selectors = machine.Gestalt().Selectors();
+  if (!selectors) return;
+  for (std::uint32_t const selector : *selectors) machine.Gestalt().Response(selector);
+}
+
+void AskSystem(Machine const& machine) {
+  machine.Clock().MicrosecondsSince1970();
+  machine.Clock().BootSecondsSince1970();
+  machine.Zone().CurrentZone();
+  machine.Names().HostName();
+  machine.Names().ComputerName();
+  machine.Names().HostIdentifier();
+  machine.System().SystemPlatform();
+  machine.System().Version();
+  machine.System().KernelRelease();
+  machine.Processes().CountProcesses();
+  machine.Processes().AllProcesses();
+  Fact<std::vector<std::string>> const names = machine.Environment().VariableNames();
+  if (!names) return;
+  for (std::string const& name : *names) machine.Environment().Variable(name);
+}
+
+}  // namespace
+
+Recorder::Recorder(std::shared_ptr<Machine const> machine, RecordingLimits limits)
+    : state_(std::make_shared<State>(std::move(machine), limits)) {}
+Recorder::~Recorder() = default;
+
+std::shared_ptr<Machine const> Recorder::RecordingMachine() const {
+  return MakeRecordingMachine(state_);
+}
+
+void Recorder::RecordEverything() {
+  auto const machine = RecordingMachine();
+  AskSystem(*machine);
+  AskHardware(*machine);
+  AskUsers(*machine);
+  AskFiles(machine->Files());
+}
+
+std::vector<std::string> Recorder::LeftOut() const {
+  std::vector<std::string> paths;
+  for (auto const& [path, item] : state_->items.items()) {
+    for (auto const* content : {&item.content, &item.resource_fork}) {
+      bool const is_left_out =
+          *content && !**content && (**content).absence().where.starts_with(kNotRecorded);
+      if (is_left_out) paths.push_back(path);
+    }
+  }
+  return paths;
+}
+
+Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const {
+  Fact<CaptureFolder> const made = CaptureFolder::Make(folder);
+  if (!made) return made.absence();
+  CaptureFolder const& target = *made;
+  RecordDictionary files;
+  for (auto const& [path, item] : state_->items.items()) {
+    RecordedItem written = item;
+    bool const has_own_companion =
+        state_->items.ContentOf(live::CompanionPath(path), Fork::kData) != nullptr;
+    target.LayDown({path, state_->items.ContentOf(path, Fork::kData),
+                    state_->items.ContentOf(path, Fork::kResource)},
+                   written, has_own_companion);
+    files.Add(KeyOfBytes(path), RecordOf(written));
+  }
+  RecordDictionary document = state_->facts.Document();
+  document.Add("Files", std::move(files));
+  Fact<std::string> const bytes = writer(document);
+  if (!bytes) return bytes.absence();
+  return target.Finish(*bytes);
+}
+
+}  // namespace machine

@@ -1,0 +1,246 @@
+#include <CoreFoundation/CoreFoundation.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <set>
+#include <thread>
+
+#include "tests/frameworks/cf_text.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+using machine::Outcome;
+using testing::Contains;
+using testing::Pair;
+
+constexpr char kUuid[] = "0A1B2C3D-0000-1111-2222-0123456789ab";
+constexpr char kByHost[] = "/home/ada/Library/Preferences/ByHost/";
+constexpr char kOfUser[] = "/home/ada/Library/Preferences/app.plist";
+constexpr char kOfAll[] = "/Library/Preferences/app.plist";
+constexpr char kGlobal[] = "/Library/Preferences/.GlobalPreferences.plist";
+
+using OwnedValue = std::unique_ptr<void const, Releaser>;
+
+std::string Text(CFTypeRef value) {
+  if (value == nullptr) return "none";
+  return BytesOf(static_cast<CFStringRef>(value), kCFStringEncodingUTF8);
+}
+
+OwnedValue Copy(std::string const& application = "app") {
+  return OwnedValue(
+      CFPreferencesCopyAppValue(CFSTR("key"), Make(application, kCFStringEncodingUTF8).get()));
+}
+std::string Read(std::string const& application = "app") { return Text(Copy(application).get()); }
+
+class Preferences : public testing::Test {
+ protected:
+  Preferences() {
+    machine_->current_home = "/home/ada";
+    machine_->host_identifier = kUuid;
+    machine_->files = {live_, &live_->Files()};
+  }
+
+  void Write(std::string const& path, std::string const& value) const {
+    tree_.Write(path, "{ key = \"" + value + "\"; }");
+  }
+  // Until the times of files tell every change.
+  static void Settle() { std::this_thread::sleep_for(std::chrono::milliseconds(25)); }
+
+  RecordedTree tree_;
+  std::shared_ptr<machine::Machine const> live_ = tree_.Machine();
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  MachineInUse use_{machine_};
+};
+
+TEST_F(Preferences, ComeFromTheFirstFileThatHasTheKey) {
+  CFStringRef const current = kCFPreferencesCurrentUser, any = kCFPreferencesAnyUser;
+  CFStringRef const host = kCFPreferencesCurrentHost, any_host = kCFPreferencesAnyHost;
+  struct {
+    std::string path;
+    CFStringRef application, user, host;
+  } const rows[] = {
+      {kByHost + std::string("app.") + kUuid + ".plist", CFSTR("app"), current, host},
+      {kOfUser, CFSTR("app"), current, any_host},
+      {kByHost + std::string(".GlobalPreferences.") + kUuid + ".plist",
+       kCFPreferencesAnyApplication, current, host},
+      {"/home/ada/Library/Preferences/.GlobalPreferences.plist", kCFPreferencesAnyApplication,
+       current, any_host},
+      {kOfAll, CFSTR("app"), any, any_host},
+      {kGlobal, kCFPreferencesAnyApplication, any, host},
+  };
+  for (auto const& row : rows) Write(row.path, row.path);
+  EXPECT_EQ(
+      Text(OwnedValue(CFPreferencesCopyAppValue(CFSTR("key"), kCFPreferencesAnyApplication)).get()),
+      rows[2].path);
+  for (auto const& row : rows) {
+    EXPECT_EQ(Read(), row.path);
+    OwnedValue const alone(
+        CFPreferencesCopyValue(CFSTR("key"), row.application, row.user, row.host));
+    EXPECT_EQ(Text(alone.get()), row.path);
+    tree_.Write(row.path, "{ other = \"\"; }");
+  }
+  EXPECT_EQ(Read(), "none");
+}
+
+TEST_F(Preferences, OfAHostThatIsNotKnownCountWhereThereIsOne) {
+  std::string const uuid = kUuid, address = "0123456789ab";
+  struct {
+    char const* what;
+    std::set<std::string> hosts;
+    std::string answer;
+  } const rows[] = {
+      {"a UUID", {uuid}, uuid},
+      {"a network address", {address, "x", address + "0"}, address},
+      {"two", {uuid, address}, "user"},
+      {"a bad digit", {"0123456789ag", "0A1B2C3D-0000-1111-2222_0123456789ab"}, "user"},
+      {"none", {}, "user"},
+  };
+  machine_->host_identifier.reset();
+  Write(kOfUser, "user");
+  Write(kByHost + ("other." + address) + ".plist", "another application");
+  for (auto const& row : rows) {
+    for (auto const& host : row.hosts) Write(kByHost + ("app." + host) + ".plist", host);
+    EXPECT_EQ(Read(), row.answer) << row.what;
+    for (auto const& host : row.hosts) {
+      std::filesystem::remove(tree_.At(kByHost + ("app." + host) + ".plist"));
+    }
+  }
+  machine_->host_identifier = "../../x";
+  Write("/home/ada/Library/Preferences/x.plist", "elsewhere");
+  EXPECT_EQ(Read(), "user");
+}
+
+TEST_F(Preferences, ThatCannotBeReadArePassedOver) {
+  Write(kOfAll, "all");
+  struct {
+    char const* what;
+    void (*put)(std::string const& path);
+    Outcome reason;
+  } const rows[] = {
+      {"folder", [](std::string const& path) { std::filesystem::create_directory(path); },
+       Outcome::kMalformed},
+      {"pipe", [](std::string const& path) { ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0); },
+       Outcome::kMalformed},
+      {"link to a device",
+       [](std::string const& path) { std::filesystem::create_symlink("/dev/zero", path); },
+       Outcome::kAbsent},
+      {"empty file", [](std::string const& path) { std::ofstream{path}; }, Outcome::kMalformed},
+      {"damage", [](std::string const& path) { std::ofstream(path) << "bplist00{"; },
+       Outcome::kMalformed},
+      {"array", [](std::string const& path) { std::ofstream(path) << "(key, value)"; },
+       Outcome::kMalformed},
+      {"17 MiB",
+       [](std::string const& path) {
+         std::ofstream(path) << "{ key = \"user\"; }";
+         std::filesystem::resize_file(path, 17 << 20);
+       },
+       Outcome::kMalformed},
+      {"another's file",
+       [](std::string const& path) {
+         std::ofstream(path) << "{ key = \"user\"; }";
+         std::filesystem::permissions(path, std::filesystem::perms::none);
+       },
+       Outcome::kPermissionRefused},
+  };
+  std::string const path = tree_.At(kOfUser);
+  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+  // What one's own rights forbid, the superuser may do.
+  uid_t const self = ::geteuid(), other = self == 0 ? 65534 : self;
+  std::filesystem::permissions(tree_.At(""), std::filesystem::perms(0755));
+  for (auto const& row : rows) {
+    row.put(path);
+    ASSERT_EQ(::seteuid(other), 0);
+    // Twice, for what is known of a file from before.
+    for (int i = 0; i < 2; ++i) {
+      AnnouncementLog log;
+      EXPECT_EQ(Read(), "all") << row.what;
+      EXPECT_THAT(log.entries, Contains(Pair(kOfUser, row.reason))) << row.what;
+      Settle();
+    }
+    ASSERT_EQ(::seteuid(self), 0);
+    std::filesystem::remove(path);
+  }
+}
+
+TEST_F(Preferences, WithoutACurrentUserAreThoseOfAll) {
+  Write(kOfUser, "user");
+  Write(kOfAll, "all");
+  machine_->current_home.reset();
+  AnnouncementLog log;
+  EXPECT_EQ(Read(), "all");
+  EXPECT_THAT(log.entries, Contains(Pair("~/Library/Preferences", Outcome::kAbsent)));
+}
+
+TEST_F(Preferences, OfAnApplicationWhoseNameIsNoFilesNameAreTheGlobalOnes) {
+  Write(kOfAll, "elsewhere");
+  Write("/Library/Preferences/.plist", "elsewhere");
+  Write("/app.plist", "elsewhere");
+  Write("/Library/Preferences/...plist", "dots");
+  Write(kGlobal, "global");
+  for (std::string const& name : {std::string(), std::string("../../app"), std::string("/app"),
+                                  std::string("app\0", 4), std::string(300, 'x')}) {
+    EXPECT_EQ(Read(name), "global") << name;
+  }
+  EXPECT_EQ(Read(".."), "dots");
+  Write("/Library/Preferences/kCFPreferencesCurrentApplication.plist", "elsewhere");
+  EXPECT_EQ(Read("kCFPreferencesCurrentApplication"), "global");
+}
+
+TEST_F(Preferences, AreReadAgainWhenTheirFileChanges) {
+  Write(kOfUser, "one");
+  OwnedValue const first = Copy();
+  Write(kOfUser, "two");  // at once, of the same size
+  EXPECT_EQ(Read(), "two");
+  Settle();
+  EXPECT_EQ(Read(), "two");
+  Write("/new", "six");
+  std::filesystem::last_write_time(tree_.At("/new"),
+                                   std::filesystem::last_write_time(tree_.At(kOfUser)));
+  std::filesystem::rename(tree_.At("/new"), tree_.At(kOfUser));
+  EXPECT_EQ(Read(), "six");
+  std::filesystem::remove(tree_.At(kOfUser));
+  EXPECT_EQ(Read(), "none");
+  EXPECT_EQ(Text(first.get()), "one");
+  EXPECT_EQ(CFGetRetainCount(first.get()), 1);
+}
+
+// One status of each file, and where the host is not known one of the folder.
+TEST_F(Preferences, ReadAgainCostNoMoreThanAStatusOfEachFile) {
+  for (char const* path : {kOfUser, kOfAll}) tree_.Write(path, "{ other = 1; }");
+  Write(kGlobal, "global");
+  for (bool const is_host_known : {true, false}) {
+    if (!is_host_known) machine_->host_identifier.reset();
+    Settle();
+    EXPECT_EQ(Read(), "global");
+    AnnouncementLog log;
+    EXPECT_EQ(Read(), "global");
+    std::set<std::pair<std::string, Outcome>> const once(log.entries.begin(), log.entries.end());
+    EXPECT_EQ(log.entries.size(), once.size());
+    EXPECT_EQ(log.entries.size(), is_host_known ? 6u : 5u);
+    EXPECT_EQ(log.bytes, 0u);
+  }
+}
+
+TEST_F(Preferences, KeptAreOnlyThoseReadLast) {
+  auto const name = [](int i) { return "app" + std::to_string(i); };
+  for (int i = 0; i < 100; ++i) {
+    Write("/Library/Preferences/" + name(i) + ".plist", name(i));
+  }
+  Settle();
+  std::vector<OwnedValue> values;
+  for (int i = 0; i < 100; ++i) values.push_back(Copy(name(i)));
+  AnnouncementLog log;
+  EXPECT_EQ(Read(name(99)), name(99));
+  EXPECT_EQ(log.bytes, 0u);
+  EXPECT_EQ(Read(name(0)), name(0));
+  EXPECT_GT(log.bytes, 0u);
+  for (int i = 0; i < 100; ++i) EXPECT_EQ(Text(values[static_cast<std::size_t>(i)].get()), name(i));
+}
+
+}  // namespace

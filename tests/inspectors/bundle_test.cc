@@ -1,0 +1,158 @@
+// Bundles, by their folder and by identifier.
+#include "inspectors/plist/bundle.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "evaluator/plugin/exceptions.h"
+#include "portable/core_foundation/errors.h"
+#include "portable_inspectors/filesystem_object.h"
+#include "tests/machine/recorded_tree.h"
+
+namespace {
+
+std::string Entry(std::string const& key, std::string const& value) {
+  return "<key>" + key + "</key><string>" + value + "</string>";
+}
+
+std::string Shown(inspector_string const& text) {
+  return {reinterpret_cast<char const*>(text.start), text.length};
+}
+
+// What a version is made of, or why there is none.
+std::string Shown(inspector_version (*version)(Bundle const&), Bundle const& bundle) {
+  try {
+    inspector_version const found = version(bundle);
+    std::string const text = found.text.Length() == 0 ? "" : std::string(" ") + found.text.Text();
+    return std::to_string(found.major) + " " + std::to_string(found.minor) + " " +
+           std::to_string(found.bug_fix) + " " + std::to_string(found.stage) + " " +
+           std::to_string(found.non_release_revision) + text;
+  } catch (NoSuchObject const&) {
+    return "none";
+  } catch (CFCastError<CFStringRef> const&) {
+    return "no text";
+  }
+}
+
+class Bundles : public testing::Test {
+ protected:
+  ::folder Folder(std::string const& name) const {
+    return MacintoshPlatform::posix_folder_of_world(tree_.At("/" + name));
+  }
+  // A folder whose information dictionary holds this.
+  Bundle Make(std::string const& name, std::string const& entries) const {
+    tree_.Write("/" + name + "/Contents/Info.plist", "<plist><dict>" + entries + "</dict></plist>");
+    return bundle_of(Folder(name));
+  }
+  static Bundle Named(std::string const& identifier) {
+    return bundle_named(reinterpret_cast<unsigned char const*>(identifier.data()),
+                        identifier.size());
+  }
+
+  RecordedTree tree_;
+};
+
+TEST_F(Bundles, HaveTwoVersions) {
+  std::string const integer =
+      "<key>CFBundleVersion</key><integer>2</integer>"
+      "<key>CFBundleShortVersionString</key><array/>";
+  struct {
+    std::string entries, version, bundle_version;
+  } const cases[] = {
+      {Entry("CFBundleVersion", "1.2.3b4"), "1 2 3 0 0", "1 2 3 96 4"},
+      {Entry("CFBundleVersion", "12.9.9fc255"), "12 9 9 0 0", "12 9 9 128 255"},
+      {Entry("CFBundleVersion", "3") + Entry("CFBundleShortVersionString", "9"), "3 0 0 0 0",
+       "3 0 0 128 0"},
+      // No packed form: the texts count.
+      {Entry("CFBundleVersion", "1.10.3") + Entry("CFBundleShortVersionString", "1.1"),
+       "1 1 0 128 0 1.1", "1 10 3 128 0 1.10.3"},
+      {Entry("CFBundleShortVersionString", "2.5"), "2 5 0 128 0 2.5", "none"},
+      {Entry("CFBundleShortVersionString", "2.5\u4E2D9"), "2 5 0 128 0 2.5", "none"},
+      {Entry("CFBundleShortVersionString", "\u4E2D9"), "none", "none"},
+      {integer, "no text", "no text"},
+      {"", "none", "none"},
+  };
+  int number = 0;
+  for (auto const& row : cases) {
+    SCOPED_TRACE(row.entries);
+    Bundle const bundle = Make("v" + std::to_string(++number), row.entries);
+    EXPECT_EQ(Shown(version_of, bundle), row.version);
+    EXPECT_EQ(Shown(bundle_version_of, bundle), row.bundle_version);
+  }
+}
+
+TEST_F(Bundles, HaveATypeAndACreator) {
+  Bundle const described =
+      Make("a", Entry("CFBundlePackageType", "APPL") + Entry("CFBundleSignature", "ttxt"));
+  EXPECT_EQ(type_of(described).code, 0x4150504CU);
+  EXPECT_EQ(creator_of(described).code, 0x74747874U);
+  Bundle const other = Make("b", "");
+  EXPECT_EQ(type_of(other).code, 0x424E444CU) << "BNDL";
+  EXPECT_EQ(creator_of(other).code, 0x3F3F3F3FU) << "????";
+}
+
+TEST_F(Bundles, HaveAGlobalAndALocalDictionary) {
+  tree_.Write("/a/Contents/Resources/English.lproj/InfoPlist.strings", "Greeting = \"Hello\";");
+  tree_.Write("/a/Contents/Resources/en.lproj/InfoPlist.strings", "Greeting = \"Hello\";");
+  Bundle const bundle =
+      Make("a", Entry("Greeting", "greeting") + Entry("CFBundleDevelopmentRegion", "English"));
+  auto const greeting = [](OSXDictionary const& dictionary) {
+    return Shown(
+        string_of_dictionary(reinterpret_cast<unsigned char const*>("Greeting"), 8, dictionary));
+  };
+  EXPECT_EQ(greeting(global_dictionary_of(bundle)), "greeting");
+  EXPECT_EQ(greeting(local_dictionary_of(bundle)), "Hello");
+
+  tree_.Write("/b/Contents/Info.plist", "damaged");
+  Bundle const without = bundle_of(Folder("b"));
+  EXPECT_THROW(global_dictionary_of(without), NoSuchObject);
+  EXPECT_THROW(local_dictionary_of(without), NoSuchObject);
+}
+
+TEST_F(Bundles, AreFoundByIdentifierOnceTheyWereOpened) {
+  std::string const identifier = "example.caf\u00E9";
+  EXPECT_THROW(Named("example.caf\x8E"), NoSuchObject);
+  Bundle const bundle = Make("a", Entry("CFBundleIdentifier", identifier));
+  EXPECT_EQ(Named("example.caf\x8E").Reference(), bundle.Reference());
+  EXPECT_THROW(Named(identifier), NoSuchObject) << "names are Mac Roman";
+  EXPECT_THROW(bundle_named(nullptr, 0x80000000), NoSuchObject);
+  EXPECT_THROW(bundle_named(nullptr, ~0UL), NoSuchObject);
+  EXPECT_THROW(Named(""), NoSuchObject);
+}
+
+TEST_F(Bundles, AreNotEveryFolder) {
+  std::filesystem::create_directories(tree_.At("/plain/Contents"));
+  EXPECT_THROW(bundle_of(Folder("plain")), NoSuchObject);
+}
+
+TEST_F(Bundles, AreGivenBackOnceByTheirLastCopy) {
+  auto first = std::make_unique<Bundle>(Make("a", Entry("CFBundleIdentifier", "example.ring")));
+  CFBundleRef const reference = first->Reference();
+  CFRetain(reference);
+  CFIndex const held = CFGetRetainCount(reference);
+  auto second = std::make_unique<Bundle>(*first);
+  {
+    Bundle third = Make("b", "");
+    third = *first;
+    third = *second;
+    EXPECT_EQ(CFGetRetainCount(reference), held) << "copies hold no reference of their own";
+  }
+  first.reset();
+  EXPECT_EQ(CFGetRetainCount(reference), held);
+  {
+    Bundle const other = Named("example.ring");
+    EXPECT_EQ(CFGetRetainCount(reference), held + 1);
+  }
+  second.reset();
+  EXPECT_EQ(CFGetRetainCount(reference), held - 1);
+
+  OSXDictionary const dictionary = global_dictionary_of(Make("c", Entry("a", "b")));
+  EXPECT_EQ(size_of_dictionary(dictionary), 1);
+  CFRelease(reference);
+}
+
+}  // namespace
