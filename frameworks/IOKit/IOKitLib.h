@@ -16,8 +16,7 @@ using IOOptionBits = UInt32;
 using IOReturn = kern_return_t;
 
 using io_name_t = char[128];
-// A path of 512 bytes, and its NUL.
-using io_string_t = char[512 + 1];
+using io_string_t = char[512];
 
 inline constexpr mach_port_t MACH_PORT_NULL = 0;
 inline constexpr io_object_t IO_OBJECT_NULL = 0;

@@ -9,6 +9,8 @@
 
 namespace {
 
+// A name that is asked for may be a byte longer than a path that the registry tells.
+constexpr std::size_t kMostNameBytes = 512;
 constexpr std::size_t kMostPathBytes = sizeof(io_string_t) - 1;
 
 void Require(kern_return_t status) {
@@ -22,9 +24,9 @@ io_registry_entry_t Require(io_registry_entry_t entry) {
 
 inspector_string CopyText(char const* text) { return CopyToInspectorString(ConstData(text)); }
 
-OSXDictionary PropertiesOf(registry_entry const& entry) {
+OSXDictionary PropertiesOf(io_registry_entry_t entry) {
   CFMutableDictionaryRef properties = nullptr;
-  Require(IORegistryEntryCreateCFProperties(entry.Entry(), &properties, kCFAllocatorDefault, 0));
+  Require(IORegistryEntryCreateCFProperties(entry, &properties, kCFAllocatorDefault, 0));
   if (properties == nullptr) throw NoSuchObject();
   AutoCFDictionary created;
   created.Seize(properties);
@@ -43,7 +45,7 @@ mach_port_t TheMasterPort() {
 }
 
 registry_node::registry_node(io_registry_entry_t owned, char const* plane)
-    : registry_entry(owned), plane_() {
+    : entry_(owned), plane_() {
   std::string_view(plane).substr(0, sizeof(plane_) - 1).copy(plane_, sizeof(plane_) - 1);
 }
 
@@ -80,16 +82,16 @@ registry_node usbplane(registry_root const&) { return chooseplane(kIOUSBPlane); 
 
 // A name that is too long names nothing, as the empty one.
 registry_node node_by_path(unsigned char const* name, unsigned long length, registry_root const&) {
-  io_string_t path = {};
-  if (length <= kMostPathBytes) std::memcpy(path, name, length);
+  char path[kMostNameBytes + 1] = {};
+  if (length <= kMostNameBytes) std::memcpy(path, name, length);
   registry_entry const entry(Require(IORegistryEntryFromPath(TheMasterPort(), path)));
   char* const colon = std::strchr(path, ':');
   if (colon == nullptr || colon - path >= static_cast<std::ptrdiff_t>(sizeof(io_name_t))) {
     throw NoSuchObject();
   }
   *colon = '\0';
-  Require(IOObjectRetain(entry.Entry()));
-  return {entry.Entry(), path};
+  Require(IOObjectRetain(entry.Get()));
+  return {entry.Get(), path};
 }
 
 registry_node named_node_of(unsigned char const* name, unsigned long length,
@@ -125,8 +127,8 @@ inspector_string path_of(registry_node const& node) {
   return CopyText(path);
 }
 
-OSXDictionary dictionary_of(registry_node const& node) { return PropertiesOf(node); }
-OSXDictionary dictionary_of_root(registry_root const& root) { return PropertiesOf(root); }
+OSXDictionary dictionary_of(registry_node const& node) { return PropertiesOf(node.Entry()); }
+OSXDictionary dictionary_of_root(registry_root const& root) { return PropertiesOf(root.Entry()); }
 
 namespace {
 

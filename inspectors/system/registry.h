@@ -7,46 +7,38 @@
 #include "evaluator/plugin/type_name.h"
 #include "evaluator/plugin/values.h"
 #include "inspectors/plist/osx_dictionary.h"
-#include "inspectors/plist/ring_of_copies.h"
+#include "inspectors/plist/shared_reference.h"
 
 class IOMasterPortFailed : public DebuggableException {};
 
 // Asked for once in a process; after a failure the next call tries again.
 mach_port_t TheMasterPort();
 
-// One reference to an entry of the registry, shared by all copies: the last of them gives it back.
-class registry_entry {
- public:
-  // Takes the reference over.
-  explicit registry_entry(io_registry_entry_t owned) : entry_(owned) {}
-  registry_entry(registry_entry const&) = default;
-  registry_entry& operator=(registry_entry const&) = delete;
-  ~registry_entry() {
-    if (ring_.Next() == &ring_) IOObjectRelease(entry_);
-  }
-
-  io_registry_entry_t Entry() const { return entry_; }
-
- private:
-  io_registry_entry_t entry_;
-  RingOfCopies ring_;
-};
+using registry_entry = SharedReference<io_registry_entry_t, IOObjectRelease>;
 
 // The entry above all planes.
-class registry_root : public registry_entry {
+class registry_root {
  public:
-  using registry_entry::registry_entry;
+  // Takes the reference over.
+  explicit registry_root(io_registry_entry_t owned) : entry_(owned) {}
+
+  io_registry_entry_t Entry() const { return entry_.Get(); }
+
+ private:
+  registry_entry entry_;
 };
 
 // An entry as it is seen in one plane.
-class registry_node : public registry_entry {
+class registry_node {
  public:
   // Takes the reference over. A plane's name counts with its first 127 bytes.
   registry_node(io_registry_entry_t owned, char const* plane);
 
+  io_registry_entry_t Entry() const { return entry_.Get(); }
   char const* Plane() const { return plane_; }
 
  private:
+  registry_entry entry_;
   io_name_t plane_;
 };
 
