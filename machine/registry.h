@@ -7,6 +7,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "machine/capture/record.h"
 #include "machine/export.h"
@@ -23,6 +24,16 @@ class MACHINE_API RegistryChildren {
   virtual ~RegistryChildren() = default;
   // Null after the last. What vanishes meanwhile is left out.
   virtual Fact<SharedRegistryNode> Next() = 0;
+};
+
+// One child, or none where it is null.
+class SingleRegistryChild final : public RegistryChildren {
+ public:
+  explicit SingleRegistryChild(SharedRegistryNode child) : child_(std::move(child)) {}
+  Fact<SharedRegistryNode> Next() override { return std::move(child_); }
+
+ private:
+  SharedRegistryNode child_;
 };
 
 // An entry of the registry as it was reached: it keeps no file open, and answers with absences once
