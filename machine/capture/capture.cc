@@ -115,6 +115,7 @@ Fact<std::shared_ptr<Machine const>> OpenCapture(std::string const& folder,
     if (!document) return document.absence();
     opened.facts = Facts(std::move(document).value());
     OpenRoot(top, opened);
+    opened.folder = std::make_shared<live::Root const>(std::move(whole));
   } else if (files.Status(kSystemVersionPath, Links::kFollow)) {
     opened.is_volume = true;
     opened.root.emplace(std::move(whole));

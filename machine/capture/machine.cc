@@ -2,6 +2,7 @@
 
 #include <cerrno>
 
+#include "machine/capture/registry.h"
 #include "machine/live/files.h"
 
 namespace machine::capture {
@@ -37,6 +38,7 @@ class CaptureMachine final : public Machine {
  public:
   CaptureMachine(OpenedCapture opened, CaptureChoices choices, RecordReader reader)
       : opened_(std::move(opened)),
+        reader_(reader),
         copies_(MakeCopies()),
         volume_(Files(), reader),
         users_(opened_.facts, Files(), volume_, std::move(choices)) {}
@@ -55,6 +57,7 @@ class CaptureMachine final : public Machine {
   }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  RegistrySource const& Registry() const override { return registry_; }
 
  private:
   std::unique_ptr<FileSource const> MakeCopies() const {
@@ -63,6 +66,7 @@ class CaptureMachine final : public Machine {
   }
 
   OpenedCapture const opened_;
+  RecordReader const reader_;
   std::unique_ptr<FileSource const> const copies_;
   capture::Files files_{opened_.facts, *copies_};
   MacVolume volume_;
@@ -77,6 +81,7 @@ class CaptureMachine final : public Machine {
   capture::Hardware hardware_{opened_.facts};
   capture::Processes processes_{opened_.facts};
   capture::Gestalt gestalt_{opened_.facts, *this};
+  capture::Registry registry_{opened_.facts, opened_.folder, reader_};
 };
 
 }  // namespace

@@ -90,6 +90,7 @@ void Recorder::RecordEverything() {
   auto const machine = RecordingMachine();
   AskSystem(*machine);
   AskHardware(*machine);
+  AskRegistry(machine->Registry(), *state_->registry);
   AskUsers(*machine);
   AskFiles(machine->Files());
 }
@@ -120,6 +121,13 @@ Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const
                    written, has_own_companion);
     files.Add(KeyOfBytes(path), RecordOf(written));
   }
+  for (auto const& [plane, record] : state_->registry->Planes()) {
+    Fact<std::string> const bytes = writer(record);
+    if (!bytes) return bytes.absence();
+    Fact<Done> const is_written = target.LayDownPlane(plane, *bytes);
+    if (!is_written) return is_written;
+  }
+  state_->registry->AddTo(state_->facts);
   RecordDictionary document = state_->facts.Document();
   document.Add("Files", std::move(files));
   Fact<std::string> const bytes = writer(document);

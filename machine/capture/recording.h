@@ -12,6 +12,7 @@
 #include "machine/capture/record.h"
 #include "machine/capture/recorded_item.h"
 #include "machine/capture/recorder.h"
+#include "machine/capture/registry_recording.h"
 #include "machine/machine.h"
 
 namespace machine::capture {
@@ -92,11 +93,14 @@ class RecordedItems {
 
 struct Recording {
   Recording(std::shared_ptr<Machine const> machine, RecordingLimits limits)
-      : asked(std::move(machine)), items(asked->Files(), limits) {}
+      : asked(std::move(machine)),
+        items(asked->Files(), limits),
+        registry(std::make_shared<RecordedRegistry>(limits)) {}
 
   std::shared_ptr<Machine const> const asked;
   RecordedFacts facts;
   RecordedItems items;
+  std::shared_ptr<RecordedRegistry> const registry;  // with its nodes
 };
 
 // The files of a recording machine.

@@ -201,6 +201,7 @@ class RecordingMachine final : public Machine {
         sources_(*recording_),
         hardware_(*recording_),
         processes_(*recording_),
+        registry_(recording_->asked, recording_->facts, recording_->registry),
         files_(MakeRecordingFiles(*recording_)) {}
 
   ClockSource const& Clock() const override { return sources_; }
@@ -215,12 +216,14 @@ class RecordingMachine final : public Machine {
   FileSource const& Files() const override { return *files_; }
   SystemSource const& System() const override { return sources_; }
   UserSource const& Users() const override { return sources_; }
+  RegistrySource const& Registry() const override { return registry_; }
 
  private:
   std::shared_ptr<Recording> const recording_;
   RecordingSources const sources_;
   RecordingHardware const hardware_;
   RecordingProcesses const processes_;
+  RecordingRegistry const registry_;
   std::unique_ptr<FileSource const> const files_;
 };
 
