@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,10 +18,14 @@ struct Component {
   std::optional<std::uint32_t> version;            // none: it cannot be opened
 };
 
+// Shared, since there may be many and each step of a walk over them asks anew.
+using SharedComponents = std::shared_ptr<std::vector<Component> const>;
+
 class MACHINE_API ComponentSource {
  public:
   virtual ~ComponentSource() = default;
-  virtual Fact<std::vector<Component>> Components() const;
+  // Never null.
+  virtual Fact<SharedComponents> Components() const;
 };
 
 }  // namespace machine

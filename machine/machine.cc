@@ -101,13 +101,15 @@ Fact<SharedRegistryNode> RegistrySource::NodeAt(std::string_view, std::string_vi
 }
 Fact<std::vector<Volume>> VolumeSource::Volumes() const { return NotSupported("volumes"); }
 Fact<VolumeFacts> VolumeSource::FactsOf(Volume const&) const { return NotSupported("volumes"); }
+Fact<std::vector<std::uint8_t>> ScsiSource::BusNumbers() const { return NotSupported("SCSI"); }
+Fact<std::vector<std::uint8_t>> ScsiSource::TargetNumbers(std::uint8_t) const {
+  return NotSupported("SCSI");
+}
 Fact<ScsiBus> ScsiSource::Bus(std::uint8_t) const { return NotSupported("SCSI"); }
 Fact<std::string> ScsiSource::Inquiry(std::uint8_t, std::uint8_t) const {
   return NotSupported("SCSI");
 }
-Fact<std::vector<Component>> ComponentSource::Components() const {
-  return NotSupported("components");
-}
+Fact<SharedComponents> ComponentSource::Components() const { return NotSupported("components"); }
 Fact<std::vector<std::string>> UserSource::UserNames() const { return NotSupported("users"); }
 Fact<std::uint64_t> MemorySource::PhysicalBytes() const { return NotSupported("memory"); }
 Fact<std::uint64_t> MemorySource::SwapBytes() const { return NotSupported("swap"); }

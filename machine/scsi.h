@@ -10,8 +10,12 @@
 
 namespace machine {
 
+// Bits as SCSI managers publish them. A bit that is not set is one that the machine does not tell.
+enum : std::uint32_t { kFastScsi = 0x02 };                       // of the feature flags
+enum : std::uint8_t { kWide16Scsi = 0x20, kWide32Scsi = 0x40 };  // of the adapter's inquiry byte
+
 struct ScsiBus {
-  std::uint8_t version = 0;
+  std::uint8_t version = 0;  // of the adapter; 0 where the machine does not tell
   std::uint32_t feature_flags = 0;
   std::uint8_t adapter_inquiry = 0;
 };
@@ -19,8 +23,13 @@ struct ScsiBus {
 class MACHINE_API ScsiSource {
  public:
   virtual ~ScsiSource() = default;
+  // In ascending order.
+  virtual Fact<std::vector<std::uint8_t>> BusNumbers() const;
   virtual Fact<ScsiBus> Bus(std::uint8_t bus) const;
-  // The device's standard INQUIRY data as it sent them, which may be short. Unit 0 of the target.
+  // Of the targets that may answer, in ascending order.
+  virtual Fact<std::vector<std::uint8_t>> TargetNumbers(std::uint8_t bus) const;
+  // The device's standard INQUIRY data as it sent them, which may be short but are never empty.
+  // Unit 0 of the target.
   virtual Fact<std::string> Inquiry(std::uint8_t bus, std::uint8_t target) const;
 };
 

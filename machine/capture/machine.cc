@@ -3,6 +3,8 @@
 #include <cerrno>
 
 #include "machine/capture/registry.h"
+#include "machine/capture/components.h"
+#include "machine/capture/scsi.h"
 #include "machine/live/files.h"
 
 namespace machine::capture {
@@ -57,6 +59,8 @@ class CaptureMachine final : public Machine {
   }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  ScsiSource const& Scsi() const override { return scsi_; }
+  ComponentSource const& Components() const override { return components_; }
   RegistrySource const& Registry() const override { return registry_; }
 
  private:
@@ -81,6 +85,8 @@ class CaptureMachine final : public Machine {
   capture::Hardware hardware_{opened_.facts};
   capture::Processes processes_{opened_.facts};
   capture::Gestalt gestalt_{opened_.facts, *this};
+  capture::Scsi scsi_{opened_.facts};
+  capture::RegisteredComponents components_{opened_.facts};
   capture::Registry registry_{opened_.facts, opened_.folder, reader_};
 };
 

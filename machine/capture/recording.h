@@ -12,6 +12,7 @@
 #include "machine/capture/record.h"
 #include "machine/capture/recorded_item.h"
 #include "machine/capture/recorder.h"
+#include "machine/capture/scsi_recording.h"
 #include "machine/capture/registry_recording.h"
 #include "machine/machine.h"
 
@@ -40,7 +41,7 @@ class RecordedFacts {
   }
 
   // The whole document but for its files.
-  RecordDictionary Document() const;
+  RecordDictionary Document(RecordedScsi const& scsi) const;
 
  private:
   void AddEnvironment(RecordDictionary& document, RecordArray& partial) const;
@@ -99,6 +100,7 @@ struct Recording {
 
   std::shared_ptr<Machine const> const asked;
   RecordedFacts facts;
+  RecordedScsi scsi;
   RecordedItems items;
   std::shared_ptr<RecordedRegistry> const registry;  // with its nodes
 };

@@ -1,6 +1,7 @@
 #include "machine/gestalt.h"
 #include "machine/live/files.h"
 #include "machine/live/registry.h"
+#include "machine/live/scsi.h"
 #include "machine/live/sources.h"
 #include "machine/machine.h"
 
@@ -26,6 +27,7 @@ class LiveMachine final : public Machine {
   FileSource const& Files() const override { return files_; }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  ScsiSource const& Scsi() const override { return scsi_; }
   RegistrySource const& Registry() const override { return registry_; }
 
  private:
@@ -46,6 +48,7 @@ class LiveMachine final : public Machine {
   live::Processes processes_{root_};
   live::System system_{root_, files_};
   live::Users users_{root_, files_};
+  live::Scsi scsi_{root_};
   live::Registry registry_;
   DerivedGestalt gestalt_{*this};
 };
