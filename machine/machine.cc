@@ -99,7 +99,7 @@ Fact<SharedRegistryNode> RegistrySource::Root() const { return NotSupported("reg
 Fact<SharedRegistryNode> RegistrySource::NodeAt(std::string_view, std::string_view) const {
   return NotSupported("registry");
 }
-Fact<std::vector<Volume>> VolumeSource::Volumes() const { return NotSupported("volumes"); }
+Fact<SharedVolumes> VolumeSource::Volumes() const { return NotSupported("volumes"); }
 Fact<VolumeFacts> VolumeSource::FactsOf(Volume const&) const { return NotSupported("volumes"); }
 Fact<std::vector<std::uint8_t>> ScsiSource::BusNumbers() const { return NotSupported("SCSI"); }
 Fact<std::vector<std::uint8_t>> ScsiSource::TargetNumbers(std::uint8_t) const {

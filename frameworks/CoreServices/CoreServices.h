@@ -9,3 +9,4 @@
 #include <CoreServices/MachineName.h>
 #include <CoreServices/Multiprocessing.h>
 #include <CoreServices/TextEncodingConverter.h>
+#include <CoreServices/Volumes.h>

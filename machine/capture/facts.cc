@@ -71,6 +71,11 @@ Fact<RecordDate> Field::Date() const {
   return Malformed("not a date");
 }
 
+Record RecordOfNumber(std::uint64_t number) {
+  if (number > std::uint64_t{INT64_MAX}) return number;
+  return static_cast<std::int64_t>(number);
+}
+
 Record RecordOf(Absence const& absence) {
   RecordDictionary entries;
   entries.Add(kReason, std::string(NameOf(absence.reason)));

@@ -43,6 +43,8 @@ class Field {
 
 inline constexpr char kNotRecorded[] = "not recorded";
 
+Record RecordOfNumber(std::uint64_t number);
+
 // An absence as it was recorded: a text, or a dictionary with "Reason" and more.
 Record RecordOf(Absence const& absence);
 bool IsAbsence(Field const& field);

@@ -1,11 +1,9 @@
 #include "machine/capture/recorded_item.h"
 
-#include <charconv>
-#include <cstdio>
 #include <limits>
 
+#include "machine/capture/recorded_time.h"
 #include "machine/capture/text_record.h"
-#include "machine/live/text.h"
 
 namespace machine::capture {
 namespace {
@@ -62,40 +60,6 @@ constexpr SpaceKey kSpaceNumbers[] = {{"TotalBytes", &VolumeSpace::total_bytes},
                                       {"Files", &VolumeSpace::files}};
 constexpr char kIsReadOnly[] = "IsReadOnly";
 constexpr char kHasMoreEntries[] = "HasMoreEntries";
-
-Record NumberRecord(std::uint64_t number) {
-  if (number > std::uint64_t{std::numeric_limits<std::int64_t>::max()}) return number;
-  return static_cast<std::int64_t>(number);
-}
-
-// Seconds since 1970, a point and nine digits; a date has no room for all of a file's time.
-std::string TextOf(FileTime const& time) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%lld.%09u", static_cast<long long>(time.seconds),
-                time.nanoseconds);
-  return text;
-}
-
-Fact<FileTime> TimeIn(Field const& field) {
-  constexpr std::int64_t kMicro = 1'000'000;
-  if (auto const* date = field.As<RecordDate>()) {
-    std::int64_t const microseconds = date->microseconds_since_1970;
-    std::int64_t const rest = (microseconds % kMicro + kMicro) % kMicro;
-    return FileTime{(microseconds - rest) / kMicro, static_cast<std::uint32_t>(rest * 1000)};
-  }
-  Fact<std::string> const text = field.Text();
-  if (!text) return text.absence();
-  FileTime time;
-  char const* const end = text->data() + text->size();
-  auto const [point, error] = std::from_chars(text->data(), end, time.seconds);
-  if (error != std::errc()) return field.Malformed("not a time");
-  if (point == end) return time;
-  std::string_view const digits(point + 1, static_cast<std::size_t>(end - point - 1));
-  auto const nanoseconds = live::ParseNumber<std::uint32_t>(digits);
-  if (*point != '.' || digits.size() != 9 || !nanoseconds) return field.Malformed("not a time");
-  time.nanoseconds = *nanoseconds;
-  return time;
-}
 
 template <typename Choice, std::size_t count>
 Fact<Choice> ChoiceIn(Field const& field, char const* const (&names)[count]) {
@@ -240,7 +204,7 @@ void ItemReader::ReadContents() {
 
 Record SpaceRecord(VolumeSpace const& space) {
   RecordDictionary entries;
-  for (SpaceKey const& row : kSpaceNumbers) entries.Add(row.key, NumberRecord(space.*row.member));
+  for (SpaceKey const& row : kSpaceNumbers) entries.Add(row.key, RecordOfNumber(space.*row.member));
   entries.Add(kIsReadOnly, space.is_read_only);
   return entries;
 }
@@ -258,7 +222,7 @@ void AddFact(RecordDictionary& entries, char const* key, std::optional<Fact<Valu
 }
 
 void AddStatus(RecordDictionary& entries, ItemStatus const& status) {
-  for (NumberKey const& row : kNumbers) entries.Add(row.key, NumberRecord(row.get(status)));
+  for (NumberKey const& row : kNumbers) entries.Add(row.key, RecordOfNumber(row.get(status)));
   for (TimeKey const& row : kTimes) {
     bool const is_known = row.key != kBorn || status.has_birth;
     if (is_known) entries.Add(row.key, TextOf(status.*row.member));
@@ -269,7 +233,7 @@ void AddStatus(RecordDictionary& entries, ItemStatus const& status) {
 void AddFinderDetails(RecordDictionary& entries, Item const& item) {
   std::string const info(item.finder_info.begin(), item.finder_info.end());
   if (item.has_finder_info) entries.Add("FinderInfo", RecordBytes{info});
-  if (item.resource_bytes != 0) entries.Add("ResourceBytes", NumberRecord(item.resource_bytes));
+  if (item.resource_bytes != 0) entries.Add("ResourceBytes", RecordOfNumber(item.resource_bytes));
 }
 
 }  // namespace

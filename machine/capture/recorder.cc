@@ -105,6 +105,7 @@ void Recorder::RecordEverything() {
   AskScsi(machine->Scsi());
   AskRegistry(machine->Registry(), *state_->registry);
   AskUsers(*machine);
+  AskVolumes(*machine);
   AskFiles(machine->Files());
 }
 
@@ -134,6 +135,7 @@ Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const
                    written, has_own_companion);
     files.Add(KeyOfBytes(path), RecordOf(written));
   }
+  state_->facts.Keep(kVolumes, state_->volumes.Whole());
   for (auto const& [plane, record] : state_->registry->Planes()) {
     Fact<std::string> const bytes = writer(record);
     if (!bytes) return bytes.absence();

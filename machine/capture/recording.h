@@ -12,8 +12,9 @@
 #include "machine/capture/record.h"
 #include "machine/capture/recorded_item.h"
 #include "machine/capture/recorder.h"
-#include "machine/capture/scsi_recording.h"
 #include "machine/capture/registry_recording.h"
+#include "machine/capture/scsi_recording.h"
+#include "machine/capture/volumes_recording.h"
 #include "machine/machine.h"
 
 namespace machine::capture {
@@ -101,6 +102,7 @@ struct Recording {
   std::shared_ptr<Machine const> const asked;
   RecordedFacts facts;
   RecordedScsi scsi;
+  RecordedVolumes volumes;
   RecordedItems items;
   std::shared_ptr<RecordedRegistry> const registry;  // with its nodes
 };

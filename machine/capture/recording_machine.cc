@@ -219,6 +219,7 @@ class RecordingMachine final : public Machine {
         processes_(*recording_),
         scsi_(recording_->asked->Scsi(), recording_->scsi),
         components_(*recording_),
+        volumes_(recording_->asked->Volumes(), recording_->volumes),
         registry_(recording_->asked, recording_->facts, recording_->registry),
         files_(MakeRecordingFiles(*recording_)) {}
 
@@ -234,9 +235,10 @@ class RecordingMachine final : public Machine {
   FileSource const& Files() const override { return *files_; }
   SystemSource const& System() const override { return sources_; }
   UserSource const& Users() const override { return sources_; }
+  RegistrySource const& Registry() const override { return registry_; }
+  VolumeSource const& Volumes() const override { return volumes_; }
   ScsiSource const& Scsi() const override { return scsi_; }
   ComponentSource const& Components() const override { return components_; }
-  RegistrySource const& Registry() const override { return registry_; }
 
  private:
   std::shared_ptr<Recording> const recording_;
@@ -245,6 +247,7 @@ class RecordingMachine final : public Machine {
   RecordingProcesses const processes_;
   RecordingScsi const scsi_;
   RecordingComponents const components_;
+  RecordingVolumes const volumes_;
   RecordingRegistry const registry_;
   std::unique_ptr<FileSource const> const files_;
 };

@@ -3,6 +3,7 @@
 #include "machine/live/registry.h"
 #include "machine/live/scsi.h"
 #include "machine/live/sources.h"
+#include "machine/live/volumes.h"
 #include "machine/machine.h"
 
 namespace machine {
@@ -27,6 +28,7 @@ class LiveMachine final : public Machine {
   FileSource const& Files() const override { return files_; }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  VolumeSource const& Volumes() const override { return volumes_; }
   ScsiSource const& Scsi() const override { return scsi_; }
   RegistrySource const& Registry() const override { return registry_; }
 
@@ -48,6 +50,7 @@ class LiveMachine final : public Machine {
   live::Processes processes_{root_};
   live::System system_{root_, files_};
   live::Users users_{root_, files_};
+  live::MountedVolumes volumes_{root_};
   live::Scsi scsi_{root_};
   live::Registry registry_;
   DerivedGestalt gestalt_{*this};
