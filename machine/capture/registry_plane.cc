@@ -34,9 +34,13 @@ std::size_t CountEntries(RecordArray const& list) {
       list, [](Record const& item) { return item.As<RecordDictionary>() != nullptr; }));
 }
 
-std::string ComponentOf(RecordDictionary const& entry, std::string const& name) {
+bool HasLocation(RecordDictionary const& entry) {
   std::string const* const location = FindText(entry, kEntryLocation);
-  return location == nullptr || location->empty() ? name : name + "@" + *location;
+  return location != nullptr && !location->empty();
+}
+
+std::string ComponentOf(RecordDictionary const& entry, std::string const& name) {
+  return HasLocation(entry) ? name + "@" + *FindText(entry, kEntryLocation) : name;
 }
 
 // Whether a path has that component at its start.
@@ -170,7 +174,9 @@ void RegistryPlane::TakeSteps(Step const& from, std::string_view path,
     if (alike.size() < 2) alike.push_back(child);
   }
   for (auto const& [length, alike] : by_name) {
-    if (whole.empty() && alike.size() == 1) steps.push_back({alike.front(), length});
+    if (alike.size() == 1 && HasLocation(FactsOf(alike.front()))) {
+      steps.push_back({alike.front(), length});
+    }
   }
   steps.insert(steps.end(), whole.rbegin(), whole.rend());
 }
