@@ -10,9 +10,10 @@
 
 namespace machine {
 
-// Bits as SCSI managers publish them. A bit that is not set is one that the machine does not tell.
-enum : std::uint32_t { kFastScsi = 0x02 };                       // of the feature flags
-enum : std::uint8_t { kWide16Scsi = 0x20, kWide32Scsi = 0x40 };  // of the adapter's inquiry byte
+// Bits as SCSI managers publish them: of the feature flags, then of the adapter's inquiry byte. One
+// that is not set is one that the machine does not tell.
+inline constexpr std::uint32_t kFastScsi = 0x02;
+inline constexpr std::uint8_t kWide16Scsi = 0x20, kWide32Scsi = 0x40;
 
 struct ScsiBus {
   std::uint8_t version = 0;  // of the adapter; 0 where the machine does not tell
