@@ -67,9 +67,10 @@ class ComponentManager : public testing::Test {
 };
 
 TEST_F(ComponentManager, TellsWhatTheMachineDoes) {
-  EXPECT_THAT(Describe(), ElementsAre("1 2 3 \5Sound \5Plays (empty) 131088",
-                                      "1 5 3 \xFF" + std::string(255, 'n') + " (empty) (empty)",
-                                      "3295569268 2 6 " + std::string(1, \'\0\') + " \2\xC4\1 (empty) -1"));
+  EXPECT_THAT(Describe(),
+              ElementsAre("1 2 3 \5Sound \5Plays (empty) 131088",
+                          "1 5 3 \xFF" + std::string(255, 'n') + " (empty) (empty)",
+                          "3295569268 2 6 " + std::string(1, '\0') + " \2\xC4\1 (empty) -1"));
   machine_->components = nullptr;
   EXPECT_THAT(Describe(), ElementsAre());
   EXPECT_EQ(OpenComponent(1), 0u);
