@@ -46,10 +46,10 @@ class RecordingChildren final : public RegistryChildren {
 // Below the entry above all planes comes a plane's first node.
 RecordedEntry* RecordingChildren::Keep(RegistryNode const& child) {
   Unobserved const unobserved;
-  if (parent_.entry == nullptr)
-    return asked_.recorded->Place(asked_.source(), parent_.plane, child);
-  RecordedEntry* const entry = asked_.recorded->AddChild(*parent_.entry, parent_.plane, child);
-  if (entry != nullptr) asked_.recorded->KeepOrder(*parent_.entry, at_++, *entry);
+  RecordedRegistry& recorded = *asked_.recorded;
+  if (parent_.entry == nullptr) return recorded.Place(asked_.source(), parent_.plane, child);
+  RecordedEntry* const entry = recorded.AddChild(*parent_.entry, parent_.plane, child);
+  if (entry != nullptr) recorded.KeepOrder(*parent_.entry, at_++, *entry);
   return entry;
 }
 

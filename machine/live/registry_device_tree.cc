@@ -92,13 +92,18 @@ SharedRegistryNode MakeNode(SharedRoot root, TreePlace place) {
   return std::make_shared<TreeNode const>(std::move(root), std::move(place));
 }
 
-// The path of the tree itself, which is reached by a link. Kernels may show one without anything in
-// it where the firmware has none; every real one tells what it is compatible with.
+// Kernels may show a tree that says nothing where the firmware has none.
+bool IsRealTree(Root const& root, std::string const& path) {
+  return root.OpenItemItself(path + "/compatible").is_open() ||
+         EntryReader(root.OpenFolder(path), DT_DIR).Next() != nullptr;
+}
+
+// The path of the tree itself, which is reached by a link.
 std::optional<std::string> PathOfTree(Root const& root) {
   FileDescriptor const tree = root.OpenItem(kTree);
   if (!tree.is_open()) return {};
   std::string path = root.PathOf(tree);
-  if (path.empty() || !root.OpenItemItself(path + "/compatible").is_open()) return {};
+  if (path.empty() || !IsRealTree(root, path)) return {};
   return path;
 }
 

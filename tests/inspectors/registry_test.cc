@@ -45,10 +45,16 @@ TEST_F(Registry, EveryCopyIsTheSameEntryAndTheLastReleasesIt) {
       registry_node const copy = node;
       last = std::make_unique<registry_node>(copy);
       EXPECT_EQ(IOObjectGetUserRetainCount(number), 1u);
+      IOObjectRetain(number);
     }
     EXPECT_EQ(Text(name_of(*last)), "top");
     EXPECT_STREQ(last->Plane(), "IOService");
+    EXPECT_EQ(IOObjectGetUserRetainCount(number), 2u);
+    *last = NodeOf(*last, "b");
+    EXPECT_EQ(IOObjectGetUserRetainCount(number), 1u);
+    EXPECT_EQ(Text(name_of(*last)), "b");
   }
+  EXPECT_EQ(IOObjectRelease(number), KERN_SUCCESS);
   EXPECT_EQ(IOObjectGetUserRetainCount(number), 0u);
 }
 
@@ -128,7 +134,6 @@ TEST(Bios, VersionIsWhereNewOrOldMachinesHaveIt) {
   } const cases[] = {{"1", "2", "1"}, {nullptr, "2", "2"}, {"1", nullptr, "1"}, {"", "2", ""}};
   for (auto const& row : cases) {
     RecordedTree tree;
-    tree.Write("/proc/device-tree/compatible", "x");
     if (row.newer != nullptr) {
       tree.Write("/proc/device-tree/rom/boot-rom/BootROM-version",
                  row.newer + std::string(1, '\0'));

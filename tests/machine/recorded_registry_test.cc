@@ -202,7 +202,7 @@ TEST_F(RegistryRecording, HasWhatWasAskedAndSaysThatTheRestIsNotRecorded) {
   auto const node = *capture->Registry().NodeAt("IOService", path);
   EXPECT_EQ(TextOf(node->Properties()), properties);
   EXPECT_EQ(node->ClassName().absence().where, "not recorded");
-  EXPECT_EQ((*(*node->Children("IOService"))->Next().absence().where.c_str()), 'n');
+  EXPECT_EQ((*node->Children("IOService"))->Next().absence().where, "not recorded");
   EXPECT_EQ(capture->Registry().NodeAt("IOService", "/none").absence().source, "/sys/devices/none");
   EXPECT_EQ((*capture->Registry().Root())->Children("IOOther").absence().source, "IOOther:");
   EXPECT_EQ((*capture->Registry().Root())->Children("IOUSB").absence().where, "not recorded");

@@ -21,7 +21,7 @@ class ScriptedRegistry final : public machine::RegistrySource {
   machine::RecordDictionary properties;
 
   void AddLeaf(std::string name) { leaves_.push_back(std::move(name)); }
-  // Nodes and iterations in use.
+  // With the iterations in use.
   int LiveNodes() const { return static_cast<int>(held_.use_count()) - 1; }
 
   machine::Fact<machine::SharedRegistryNode> Root() const override { return Make(Kind::kRoot); }
@@ -42,10 +42,12 @@ class ScriptedRegistry final : public machine::RegistrySource {
   static machine::Absence Missing() { return {machine::Outcome::kAbsent, "script", {}}; }
 
   struct Children final : machine::RegistryChildren {
+    explicit Children(Held held) : held(std::move(held)) {}
     machine::Fact<machine::SharedRegistryNode> Next() override {
       if (at == nodes.size()) return machine::SharedRegistryNode();
       return std::move(nodes[at++]);
     }
+    Held const held;
     std::vector<machine::SharedRegistryNode> nodes;
     std::size_t at = 0;
   };
@@ -71,7 +73,7 @@ class ScriptedRegistry final : public machine::RegistrySource {
     machine::Fact<std::unique_ptr<machine::RegistryChildren>> Children(
         std::string_view plane) const override {
       if (plane != kPlane) return Missing();
-      auto children = std::make_unique<ScriptedRegistry::Children>();
+      auto children = std::make_unique<ScriptedRegistry::Children>(held);
       if (kind == Kind::kRoot) children->nodes.push_back(registry.Make(Kind::kFirst));
       if (kind == Kind::kFirst) {
         for (std::string const& leaf : registry.leaves_) {
