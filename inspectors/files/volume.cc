@@ -5,6 +5,7 @@
 #include "evaluator/plugin/exceptions.h"
 #include "frame/inspector_strings.h"
 #include "frame/registration.h"
+#include "portable/core_foundation/errors.h"
 #include "portable/file_errors.h"
 #include "portable/file_name.h"
 
@@ -27,8 +28,9 @@ std::uint32_t VolInfo::DateToSeconds(UTCDateTime const& date) {
 VolumeLink::VolumeLink(VolInfo const& info) : info_(info) {
   try {
     Get(info_.RootDirectory());
-  } catch (FileIOError const&) {
+  } catch (CFURLCreateFromFSRefFailed const&) {
     // What was told of the volume holds all the same.
+  } catch (FileItemError const&) {
   }
 }
 

@@ -29,7 +29,7 @@ class VolInfo {
   HFSUniStr255 const& Name() const { return name_; }
   FSVolumeInfo const& Info() const { return info_; }
   FSVolumeRefNum VolumeRefNum() const { return volume_; }
-  // `FileIOError` where the root folder is not to be reached, as in a capture without files.
+  // `CFURLCreateFromFSRefFailed` where it is not to be reached, as in a capture without files.
   FileLocation RootDirectory() const;
 
   // The fraction is dropped. `NoSuchObject` for what does not fit 32 bits, after early 2040.
