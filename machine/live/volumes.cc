@@ -82,7 +82,8 @@ void FillSizes(struct statvfs const& volume, VolumeFacts& facts) {
   facts.total_bytes = volume.f_blocks * volume.f_frsize;
   facts.free_bytes = volume.f_bavail * volume.f_frsize;
   facts.block_bytes = volume.f_frsize;
-  facts.files = volume.f_files - volume.f_ffree;
+  // A file system that makes room for files as they come tells no numbers.
+  if (volume.f_files != 0) facts.files = volume.f_files - volume.f_ffree;
   if ((volume.f_flag & ST_RDONLY) != 0) facts.flags = kVolumeIsReadOnly;
 }
 
