@@ -3,6 +3,7 @@
 #include "machine/live/registry_attribute_table.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace machine::live {
 namespace {
@@ -167,8 +168,16 @@ constexpr AttributeRow kRows[] = {
 }  // namespace
 
 std::span<AttributeRow const> AttributesOf(std::string_view subsystem) {
+  struct BySubsystem {
+    bool operator()(AttributeRow const& row, std::string_view name) const {
+      return row.subsystem < name;
+    }
+    bool operator()(std::string_view name, AttributeRow const& row) const {
+      return name < row.subsystem;
+    }
+  };
   auto const [first, last] =
-      std::ranges::equal_range(kRows, subsystem, {}, &AttributeRow::subsystem);
+      std::equal_range(std::begin(kRows), std::end(kRows), subsystem, BySubsystem());
   return {first, last};
 }
 
