@@ -73,7 +73,7 @@ Fact<Record> ReadDocument(FileSource const& files, std::string const& folder, Re
   if (document->As<RecordDictionary>() == nullptr) {
     return Refusal(Outcome::kMalformed, name, "not a dictionary");
   }
-  Field const version = Facts(*document)["FormatVersion"];
+  Field const version = Field(&document.value(), name + ": ")["FormatVersion"];
   if (!version.exists()) return document;
   Fact<std::int64_t> const number = version.Integer(1, INT64_MAX);
   if (!number) return Refusal(Outcome::kMalformed, name, "FormatVersion: not a format's number");
