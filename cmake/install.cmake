@@ -21,7 +21,8 @@ install(EXPORT GatotuTargets NAMESPACE gatotu:: DESTINATION ${gatotu_package_dir
 
 install(TARGETS gatotu RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # Loaded while the command runs, and looked for beside the libraries.
-install(TARGETS Gatotu FrameworksUnicode PortableInspectorsDigest PortableInspectorsRegex
+install(TARGETS Gatotu FrameworksMounts FrameworksUnicode PortableInspectorsDigest
+  PortableInspectorsRegex
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
 install(FILES evaluator/evaluator.h evaluator/diagnostic.h evaluator/evidence.h

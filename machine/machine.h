@@ -6,10 +6,14 @@
 #include <memory>
 #include <string>
 
+#include "machine/components.h"
 #include "machine/export.h"
 #include "machine/fact.h"
 #include "machine/files.h"
+#include "machine/registry.h"
+#include "machine/scsi.h"
 #include "machine/sources.h"
+#include "machine/volumes.h"
 
 namespace machine {
 
@@ -31,6 +35,10 @@ class MACHINE_API Machine {
   virtual FileSource const& Files() const;
   virtual SystemSource const& System() const;
   virtual UserSource const& Users() const;
+  virtual RegistrySource const& Registry() const;
+  virtual VolumeSource const& Volumes() const;
+  virtual ScsiSource const& Scsi() const;
+  virtual ComponentSource const& Components() const;
 };
 
 // The machine in use; the live machine with root "/" when none was chosen, made at the first call.

@@ -159,13 +159,7 @@ struct ObjectMaker {
     return array;
   }
   CFTypeRef operator()(RecordDictionary const& entries) const {
-    CFMutableDictionaryRef const dictionary = CFDictionaryCreateMutable(
-        nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
-    for (auto const& [key, value] : entries.entries()) {
-      OwnedObject const name(file_system_text::CreateString(key)), object(MakeObject(value));
-      CFDictionarySetValue(dictionary, name.get(), object.get());
-    }
-    return dictionary;
+    return CreateRecordedDictionary(entries);
   }
 };
 
@@ -201,4 +195,14 @@ machine::Fact<std::string> WriteRecordedFacts(Record const& record) {
   }
   return std::string(reinterpret_cast<char const*>(CFDataGetBytePtr(data.get())),
                      static_cast<std::size_t>(CFDataGetLength(data.get())));
+}
+
+CFMutableDictionaryRef CreateRecordedDictionary(RecordDictionary const& entries) {
+  CFMutableDictionaryRef const dictionary = CFDictionaryCreateMutable(
+      nullptr, 0, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks);
+  for (auto const& [key, value] : entries.entries()) {
+    OwnedObject const name(file_system_text::CreateString(key)), object(MakeObject(value));
+    CFDictionarySetValue(dictionary, name.get(), object.get());
+  }
+  return dictionary;
 }

@@ -1,6 +1,8 @@
 // Property lists as the plain data that captures are made of.
 #pragma once
 
+#include <CoreFoundation/CoreFoundation.h>
+
 #include <string>
 #include <string_view>
 
@@ -13,3 +15,6 @@ MACHINE_API machine::Fact<machine::Record> ReadRecordedFacts(std::string_view by
 
 // In XML, for people to read and change.
 MACHINE_API machine::Fact<std::string> WriteRecordedFacts(machine::Record const& record);
+
+// The caller releases it.
+CFMutableDictionaryRef CreateRecordedDictionary(machine::RecordDictionary const& entries);

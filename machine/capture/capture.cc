@@ -98,6 +98,7 @@ Fact<std::shared_ptr<Machine const>> OpenCapture(std::string const& folder,
     Fact<FileDescriptor> root = OpenRoot(top, opened.facts);
     if (root) opened.root.emplace(std::move(root).value());
     if (!root) opened.why_no_files = CaptureMessage(root.absence());
+    opened.folder = std::make_shared<live::Root const>(std::move(whole));
   } else if (files.Status(kSystemVersionPath, Links::kFollow)) {
     opened.is_volume = true;
     opened.root.emplace(std::move(whole));

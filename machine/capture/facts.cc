@@ -36,6 +36,12 @@ std::size_t Field::count() const {
   return items == nullptr ? 0 : items->size();
 }
 
+std::vector<Field> Field::Items() const {
+  std::vector<Field> items;
+  for (std::size_t i = 0; i < count(); ++i) items.push_back((*this)[i]);
+  return items;
+}
+
 Absence Field::Malformed(std::string why) const {
   return {Outcome::kMalformed, path_, exists() ? std::move(why) : "missing"};
 }

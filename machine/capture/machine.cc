@@ -2,6 +2,10 @@
 
 #include <cerrno>
 
+#include "machine/capture/components.h"
+#include "machine/capture/registry.h"
+#include "machine/capture/scsi.h"
+#include "machine/capture/volumes.h"
 #include "machine/live/files.h"
 
 namespace machine::capture {
@@ -38,6 +42,7 @@ class CaptureMachine final : public Machine {
  public:
   CaptureMachine(OpenedCapture opened, CaptureChoices choices, RecordReader reader)
       : opened_(std::move(opened)),
+        reader_(reader),
         copies_(MakeCopies()),
         volume_(Files(), reader),
         users_(opened_.facts, Files(), volume_, std::move(choices)) {}
@@ -56,6 +61,10 @@ class CaptureMachine final : public Machine {
   }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  VolumeSource const& Volumes() const override { return volumes_; }
+  RegistrySource const& Registry() const override { return registry_; }
+  ScsiSource const& Scsi() const override { return scsi_; }
+  ComponentSource const& Components() const override { return components_; }
 
  private:
   std::unique_ptr<FileSource const> MakeCopies() const {
@@ -64,6 +73,7 @@ class CaptureMachine final : public Machine {
   }
 
   OpenedCapture const opened_;
+  RecordReader const reader_;
   std::unique_ptr<FileSource const> const copies_;
   capture::Files files_{opened_.facts, *copies_};
   MacVolume volume_;
@@ -73,11 +83,15 @@ class CaptureMachine final : public Machine {
   capture::Names names_{opened_.facts, Files(), volume_};
   capture::System system_{opened_.facts, Files(), volume_};
   capture::Users users_;
+  CapturedVolumes volumes_{opened_.facts, files_, volume_, opened_.root.has_value()};
   capture::Memory memory_{opened_.facts};
   capture::Processors processors_{opened_.facts};
   capture::Hardware hardware_{opened_.facts};
   capture::Processes processes_{opened_.facts};
   capture::Gestalt gestalt_{opened_.facts, *this};
+  capture::Registry registry_{opened_.facts, opened_.folder, reader_};
+  capture::Scsi scsi_{opened_.facts};
+  capture::RegisteredComponents components_{opened_.facts};
 };
 
 }  // namespace

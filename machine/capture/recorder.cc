@@ -60,9 +60,21 @@ void AskHardware(Machine const& machine) {
   machine.Hardware().ProductName();
   machine.Hardware().HasUsb();
   machine.Hardware().UsbRelease();
+  machine.Components().Components();
   Fact<std::vector<std::uint32_t>> const selectors = machine.Gestalt().Selectors();
   if (!selectors) return;
   for (std::uint32_t const selector : *selectors) machine.Gestalt().Response(selector);
+}
+
+void AskScsi(ScsiSource const& scsi) {
+  Fact<std::vector<std::uint8_t>> const buses = scsi.BusNumbers();
+  if (!buses) return;
+  for (std::uint8_t const bus : *buses) {
+    scsi.Bus(bus);
+    Fact<std::vector<std::uint8_t>> const targets = scsi.TargetNumbers(bus);
+    if (!targets) continue;
+    for (std::uint8_t const target : *targets) scsi.Inquiry(bus, target);
+  }
 }
 
 void AskSystem(Machine const& machine) {
@@ -96,7 +108,10 @@ void Recorder::RecordEverything() {
   auto const machine = RecordingMachine();
   AskSystem(*machine);
   AskHardware(*machine);
+  AskScsi(machine->Scsi());
+  AskRegistry(machine->Registry(), *state_->registry);
   AskUsers(*machine);
+  AskVolumes(*machine);
   AskFiles(machine->Files());
 }
 
@@ -128,7 +143,15 @@ Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const
                    written, has_own_companion);
     files.Add(KeyOfBytes(path), RecordOf(written));
   }
-  RecordDictionary document = state_->facts.Document();
+  state_->facts.Keep(kVolumes, state_->volumes.Whole());
+  for (auto const& [plane, record] : state_->registry->Planes()) {
+    Fact<std::string> const bytes = writer(record);
+    if (!bytes) return bytes.absence();
+    Fact<Done> const is_written = target.LayDownPlane(plane, *bytes);
+    if (!is_written) return is_written;
+  }
+  state_->registry->AddTo(state_->facts);
+  RecordDictionary document = state_->facts.Document(state_->scsi);
   document.Add("Files", std::move(files));
   Fact<std::string> const bytes = writer(document);
   if (!bytes) return bytes.absence();

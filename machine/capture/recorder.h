@@ -18,6 +18,8 @@ struct RecordingLimits {
   std::uint64_t content_bytes = std::uint64_t{64} << 20;
   // Of the items looked at. Folders are not recorded further than that.
   std::uint64_t items = 100'000;
+  // Of the registry, all planes together. What is more is absent, with this reason.
+  std::uint64_t registry_entries = 250'000, registry_bytes = std::uint64_t{64} << 20;
 };
 
 class MACHINE_API Recorder {

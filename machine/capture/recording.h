@@ -12,6 +12,9 @@
 #include "machine/capture/record.h"
 #include "machine/capture/recorded_item.h"
 #include "machine/capture/recorder.h"
+#include "machine/capture/registry_recording.h"
+#include "machine/capture/scsi_recording.h"
+#include "machine/capture/volumes_recording.h"
 #include "machine/machine.h"
 
 namespace machine::capture {
@@ -39,7 +42,7 @@ class RecordedFacts {
   }
 
   // The whole document but for its files.
-  RecordDictionary Document() const;
+  RecordDictionary Document(RecordedScsi const& scsi) const;
 
  private:
   void AddEnvironment(RecordDictionary& document, RecordArray& partial) const;
@@ -96,11 +99,16 @@ class RecordedItems {
 
 struct Recording {
   Recording(std::shared_ptr<Machine const> machine, RecordingLimits limits)
-      : asked(std::move(machine)), items(asked->Files(), limits) {}
+      : asked(std::move(machine)),
+        items(asked->Files(), limits),
+        registry(std::make_shared<RecordedRegistry>(limits)) {}
 
   std::shared_ptr<Machine const> const asked;
   RecordedFacts facts;
+  RecordedScsi scsi;
+  RecordedVolumes volumes;
   RecordedItems items;
+  std::shared_ptr<RecordedRegistry> const registry;  // with its nodes
 };
 
 // The files of a recording machine.

@@ -1,6 +1,9 @@
 #include "machine/gestalt.h"
 #include "machine/live/files.h"
+#include "machine/live/registry.h"
+#include "machine/live/scsi.h"
 #include "machine/live/sources.h"
+#include "machine/live/volumes.h"
 #include "machine/machine.h"
 
 namespace machine {
@@ -9,7 +12,9 @@ namespace {
 class LiveMachine final : public Machine {
  public:
   LiveMachine(std::string root, Changes changes)
-      : root_(std::move(root)), files_(root_, !AreAllowed(changes)) {}
+      : root_(root),
+        files_(root_, !AreAllowed(changes)),
+        registry_(std::make_shared<live::Root const>(std::move(root))) {}
 
   ClockSource const& Clock() const override { return clock_; }
   TimeZoneSource const& Zone() const override { return zone_; }
@@ -23,6 +28,9 @@ class LiveMachine final : public Machine {
   FileSource const& Files() const override { return files_; }
   SystemSource const& System() const override { return system_; }
   UserSource const& Users() const override { return users_; }
+  VolumeSource const& Volumes() const override { return volumes_; }
+  ScsiSource const& Scsi() const override { return scsi_; }
+  RegistrySource const& Registry() const override { return registry_; }
 
  private:
   bool AreAllowed(Changes changes) const {
@@ -42,6 +50,9 @@ class LiveMachine final : public Machine {
   live::Processes processes_{root_};
   live::System system_{root_, files_};
   live::Users users_{root_, files_};
+  live::MountedVolumes volumes_{root_};
+  live::Scsi scsi_{root_};
+  live::Registry registry_;
   DerivedGestalt gestalt_{*this};
 };
 
