@@ -1,5 +1,7 @@
 #include "portable_inspectors/descendant_iterator.h"
 
+#include <CoreServices/CoreServices.h>
+
 #include <algorithm>
 #include <cerrno>
 
@@ -63,8 +65,9 @@ bool descendant_iterator::ReadLevel() {
   FolderEntry entry;
   try {
     if (!ReadEntry(*level.open, path_, entry)) return false;
-  } catch (MacintoshPlatform::FileLoopFailed const&) {
-    if (starts_.empty() && levels_.size() == 1) throw;
+  } catch (MacintoshPlatform::FileLoopFailed const& error) {
+    bool const is_not_recorded = error.GetCode() == fnfErr;
+    if (is_not_recorded || (starts_.empty() && levels_.size() == 1)) throw;
     return false;
   } catch (NoSuchObject const&) {
     return false;
@@ -90,7 +93,7 @@ machine::Fact<std::unique_ptr<machine::Folder>> descendant_iterator::OpenItem() 
 
 void descendant_iterator::EnterItem() {
   auto found = OpenItem();
-  if (!found) return;
+  if (!found) return ThrowIfNotRecorded(path_, found.absence());
   machine::ItemStatus const& status = (*found)->Status();
   bool const is_inside_itself =
       std::any_of(levels_.begin(), levels_.end(),

@@ -80,7 +80,7 @@ Fact<RecordDate> Field::Date() const {
 
 void AnnounceMissing(Absence const& absence) {
   if (CurrentSourceObserver() == nullptr) return;
-  bool const is_lacking = absence.where.starts_with(kNotRecorded);
+  bool const is_lacking = absence.is_not_recorded();
   Announce(is_lacking ? absence.source + " (" + absence.where + ")" : absence.source,
            absence.reason);
 }

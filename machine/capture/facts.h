@@ -46,7 +46,6 @@ class Field {
 
 // Before the keys in the places of a capture's document.
 inline constexpr char kDocumentPlace[] = "machine.plist: ";
-inline constexpr char kNotRecorded[] = "not recorded";
 // With the reason where the capture lacks something that the machine may have had.
 void AnnounceMissing(Absence const& absence);
 

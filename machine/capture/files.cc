@@ -203,7 +203,7 @@ Fact<std::unique_ptr<OpenFile>> Files::OpenFork(std::string const& path, Fork fo
 // What is too long is so even when its content was not recorded.
 Fact<std::string> Files::ReadFile(std::string const& path, std::size_t most) const {
   Fact<std::string> text = FileSource::ReadFile(path, most);
-  if (text || !text.absence().where.starts_with(kNotRecorded)) return text;
+  if (text || !text.absence().is_not_recorded()) return text;
   Fact<ItemStatus> const status = Status(path, Links::kFollow);
   bool const is_too_long = status && status->kind == ItemKind::kFile && status->bytes > most;
   if (!is_too_long) return text;

@@ -26,7 +26,7 @@ constexpr char const* kSystemFiles[] = {
     "/etc/os-release",  "/usr/lib/os-release",
     kUserListPath,      kGroupListPath,
     kLocalTimePath,     "/etc/timezone",
-    "/etc/hostname",    "/etc/machine-id",
+    "/etc/hostname",    kMachineIdPath,
     "/etc/machine-info"};
 
 void AskUsers(Machine const& machine) {
@@ -119,8 +119,7 @@ std::vector<std::string> Recorder::LeftOut() const {
   std::vector<std::string> paths;
   for (auto const& [path, item] : state_->items.items()) {
     for (auto const* content : {&item.content, &item.resource_fork}) {
-      bool const is_left_out =
-          *content && !**content && (**content).absence().where.starts_with(kNotRecorded);
+      bool const is_left_out = *content && !**content && (**content).absence().is_not_recorded();
       if (is_left_out) paths.push_back(path);
     }
   }

@@ -16,7 +16,8 @@ struct RecordingLimits {
   // Of the contents of all files together. What does not fit is absent from the capture, "not
   // recorded: larger than ...".
   std::uint64_t content_bytes = std::uint64_t{64} << 20;
-  // Of the items looked at. Folders are not recorded further than that.
+  // Of the items looked at. What does not fit is "not recorded", and so is what a folder holds when
+  // some of it does not.
   std::uint64_t items = 100'000;
   // Of the registry, all planes together. What is more is absent, with this reason.
   std::uint64_t registry_entries = 250'000, registry_bytes = std::uint64_t{64} << 20;

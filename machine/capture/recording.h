@@ -83,6 +83,7 @@ class RecordedItems {
   friend class ItemsAsked;
   // Null when there are too many.
   RecordedItem* At(std::string const& place);
+  bool HasAll(std::string const& place, RecordedListing const& listing) const;
   void DropContent(std::string const& place, Fork fork);
   std::map<std::string, Content>& ContentsOf(Fork fork) {
     return fork == Fork::kData ? contents_ : resource_forks_;

@@ -27,11 +27,11 @@ Fact<std::string> Users::CurrentUser() const {
 }
 
 Fact<std::string> Users::CurrentHome() const {
-  Fact<std::string> const user = CurrentUser();
   Field const recorded = facts_["CurrentUser"];
-  bool const is_recorded = choices_.user.empty() || (recorded.exists() && recorded.Text() && user &&
-                                                     recorded.Text().value() == *user);
+  bool const is_recorded = choices_.user.empty() || (recorded.exists() && recorded.Text() &&
+                                                     *recorded.Text() == choices_.user);
   if (is_recorded && facts_.Knows("CurrentHome")) return facts_.Text("CurrentHome");
+  Fact<std::string> const user = CurrentUser();
   if (!user) return user;
   return HomeOf(*user);
 }

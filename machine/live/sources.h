@@ -62,6 +62,8 @@ class Names final : public NameSource {
  private:
   Root const& root_;
   FileSource const& files_;
+  mutable std::mutex guard_;
+  mutable std::string kept_identity_, kept_identifier_;
 };
 
 // The kernel's release and architecture are the running machine's own, or as a tree recorded them.

@@ -152,6 +152,7 @@ TEST_F(BundleTest, PacksVersionsOfTheClassicForm) {
       {"1.2b-1", 0},
       {"\xC2\xB9", 0},
       {"1.2.3f0000000000000", 0},
+      {"1.2\\U0000d3", 0},
   };
   int number = 0;
   for (auto const& row : rows) {

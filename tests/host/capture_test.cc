@@ -167,6 +167,11 @@ TEST_F(FileCapture, LeavesOutWhatIsOverTheLimit) {
   EXPECT_THAT(Answer(capture, big)["error"]["reasons"].dump(),
               HasSubstr(At("big") + " (not recorded"));
   EXPECT_EQ(Answer(capture, small)["values"][0], "first");
+  // What was not asked is not none.
+  for (char const* what : {"number of files", "number of descendants"}) {
+    EXPECT_THAT(Answer(capture, Of(what, "folder", ""))["error"]["reasons"].dump(),
+                HasSubstr("(not recorded)"));
+  }
 }
 
 // As a user without rights of the superuser.

@@ -64,17 +64,23 @@ TEST_F(MacVolume, CanBeCapturedWithItsUser) {
   TemporaryFolder const folder;
   std::vector<std::string> arguments = {"--user", "x", "capture", folder.Path("c"), "--for"};
   for (auto const& row : kAnswers) arguments.push_back(row.expression);
+  std::string const missing = "string \"none\" of preference \"com.example.notes\"";
+  arguments.push_back(missing);
   EXPECT_EQ(Ask(arguments).status, 0);
   for (auto const& row : kAnswers) {
     ProcessResult const run = Gatotu({"--machine", folder.Path("c"), row.expression});
     EXPECT_EQ(run.output, row.answer + "\n") << row.expression << run.errors;
   }
+  // The home was recorded, so nobody is missed.
+  EXPECT_EQ(Gatotu({"--machine", folder.Path("c"), missing}).errors.find("user was"),
+            std::string::npos);
 }
 
 TEST_F(MacVolume, TakesNothingFromTheMachineThatAsks) {
-  for (char const* expression : {"hostname", "now", "name of process 1", "physical ram",
-                                 "value of variable \"PATH\" of environment",
-                                 "pathname of preferences folder of user domain"}) {
+  for (char const* expression :
+       {"hostname", "now", "name of process 1", "physical ram", "number of processors",
+        "value of variable \"PATH\" of environment",
+        "pathname of preferences folder of user domain"}) {
     ProcessResult const run = Ask({expression});
     EXPECT_EQ(run.status, 1) << expression << run.output;
     EXPECT_EQ(run.output, "") << expression;

@@ -221,12 +221,17 @@ TEST(Recorder, ContentsStayWithinTheLimit) {
   tree.Write("/a", "12345");
   tree.Write("/b", "1234567");
   tree.Write("/c", "123");
-  machine::Recorder recorder(tree.Machine(), {.content_bytes = 8, .items = 4});
+  tree.Write("/z", "");
+  machine::Recorder recorder(tree.Machine(), {.content_bytes = 8, .items = 5});
   auto const asked = recorder.RecordingMachine();
+  asked->Files().Status("/", Links::kKeep);
   for (char const* path : {"/a", "/b", "/c", "/a", "/d", "/e"}) {
     auto const file = asked->Files().OpenFork(path, Fork::kData, machine::Access::kRead);
     char byte = 0;
     EXPECT_EQ(file && (*file)->ReadAt(0, &byte, 1).value() == 1, path[1] < 'd') << path;
+  }
+  for (auto folder = asked->Files().OpenFolder("/");
+       *(*folder)->Next(machine::Detail::kKind) != nullptr;) {
   }
   EXPECT_THAT(recorder.LeftOut(), ElementsAre("/b"));
   ASSERT_TRUE(recorder.Write(captures.At("/capture"), &WriteRecordedFacts));
@@ -237,6 +242,8 @@ TEST(Recorder, ContentsStayWithinTheLimit) {
             "not recorded: larger than 8 bytes in all");
   EXPECT_EQ(capture->Files().Status("/b", Links::kKeep)->bytes, 7u);
   EXPECT_EQ(capture->Files().Status("/e", Links::kKeep).absence().where, "not recorded");
+  EXPECT_EQ(capture->Files().OpenFolder("/").absence().where,
+            "not recorded: more than 5 files and folders");
 }
 
 TEST(Recorder, WritesNowhereButIntoAnEmptyFolder) {
