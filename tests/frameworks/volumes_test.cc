@@ -217,9 +217,9 @@ TEST_F(VolumesTest, FillNoMoreOfABufferThanWasAskedFor) {
   EXPECT_EQ(ask(-100, sizeof buffer), std::pair(OSErr{noErr}, ByteCount{20}));
   EXPECT_EQ(buffer.vMVersion, 2);
   EXPECT_EQ(buffer.vMForeignPrivID, 0);
-  EXPECT_EQ(buffer.vMExtendedAttributes, -1);
+  EXPECT_EQ(SInt32{buffer.vMExtendedAttributes}, -1);
   EXPECT_EQ(ask(-100, 2).second, 2u);
-  EXPECT_EQ(buffer.vMAttrib, -1);
+  EXPECT_EQ(SInt32{buffer.vMAttrib}, -1);
   EXPECT_EQ(ask(-200, sizeof buffer), std::pair(OSErr{nsvErr}, ByteCount{0}));
   EXPECT_EQ(buffer.vMVersion, -1);
   EXPECT_EQ(PBHGetVolParmsSync(nullptr), paramErr);
