@@ -10,40 +10,44 @@
 #include <string>
 
 #include "tests/frameworks/property_list_print.h"
+#include "tests/support/binary_list_text.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kIsSanitized = __has_feature(address_sanitizer);
-#else
-constexpr bool kIsSanitized = false;
-#endif
+using namespace std::string_literals;
 
-constexpr char const* kSources[] = {
+std::string const kSources[] = {
     "<?xml version='1.0' encoding='UTF-8'?><!DOCTYPE plist [<!ENTITY x 'y'>]><plist version='1.0'>"
     "<dict><key>a</key><array><integer>-12</integer><real>1.5</real><true/></array>"
     "<key>\xC3\xA9&amp;&#xE9;</key><string>a<![CDATA[<x>]]><!-- c -->&lt;</string>"
     "<key>d</key><date>2001-02-03T04:05:06Z</date><key>e</key><data>AAECAw==</data></dict></plist>",
     "// c\n{ a = (1, \"b\\U00e9\\341\\n\", <00 ff>, {}); 'q' = /* c */ x.y; \"\xC3\xA9\" = z; k; }",
     "\"key\" = \"value\";\nother;\n",
+    BinaryListText({"\xD3\1\2\3\4\5\6", "\x51k", "\x62\0b\0\xE9"s, "\x5F\x10\x03key",
+                    "\xA6\7\x08\x09\x0A\x0B\5", "\x13\xFF\0\0\0\0\0\0\0"s, "\x80\5",
+                    "\x23\x40\0\0\0\0\0\0\0"s, "\x33\x41\0\0\0\0\0\0\0"s, "\x43xyz", "\xD1\1\x0B",
+                    "\x14" + std::string(16, '\0')}),
 };
 
-// One edit: a byte changed, a piece taken out, or a piece repeated elsewhere.
+// One edit: a byte or a bit changed, a piece taken out, or a piece repeated elsewhere.
 void Damage(std::string& text, std::mt19937& random) {
   auto const below = [&](std::size_t bound) {
     return bound == 0 ? 0 : static_cast<std::size_t>(random()) % bound;
   };
   std::size_t const at = below(text.size());
-  switch (random() % 4) {
+  if (text.empty()) return;
+  switch (random() % 5) {
     case 0:
-      if (!text.empty()) text[at] = static_cast<char>(random());
+      text[at] = static_cast<char>(random());
       break;
     case 1:
-      text.erase(at, below(8) + 1);
+      text[at] = static_cast<char>(text[at] ^ 1 << random() % 8);
       break;
     case 2:
+      text.erase(at, below(8) + 1);
+      break;
+    case 3:
       text.insert(at, text.substr(below(text.size()), below(40)));
       break;
     default:
@@ -51,24 +55,26 @@ void Damage(std::string& text, std::mt19937& random) {
   }
 }
 
-// The sanitizers watch; what is still read must be writable and come back equal.
+// The sanitizers watch; what is still read must be writable in the binary form, which has room for
+// all that any form can hold, and come back equal.
 TEST(DamagedPropertyList, IsReadOrRefusedButNeverHarmful) {
   std::mt19937 random(20010101);
   int read = 0, refused = 0;
-  for (int round = 0; round < 30'000; ++round) {
+  for (int round = 0; round < 60'000; ++round) {
     std::string text = kSources[random() % std::size(kSources)];
     for (std::size_t edits = 1 + random() % 3; edits > 0; --edits) Damage(text, random);
-    OwnedObject const data = MakeBytes(text);
-    OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(data.get()),
-                                                        round % 3, nullptr, nullptr));
+    OwnedObject const root = Parsed(text, round % 3);
     if (root == nullptr) {
       ++refused;
       continue;
     }
     ++read;
-    OwnedObject const written(CFPropertyListCreateXMLData(nullptr, root.get()));
+    OwnedObject const written(CFPropertyListCreateData(
+        nullptr, root.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
     ASSERT_NE(written, nullptr) << text;
-    ASSERT_EQ(PrintParsed(BytesOfData(written.get())), Print(root.get())) << text;
+    OwnedObject const again = Parsed(BytesOfData(written.get()));
+    ASSERT_NE(again, nullptr) << text;
+    ASSERT_TRUE(CFEqual(root.get(), again.get())) << text;
   }
   EXPECT_GT(read, 1000);
   EXPECT_GT(refused, 1000);
@@ -139,16 +145,11 @@ double Peak() {
   return static_cast<double>(usage.ru_maxrss) * 1024;
 }
 
-OwnedObject ReadAll(std::string const& bytes) {
-  return OwnedObject(CFPropertyListCreateWithData(
-      nullptr, static_cast<CFDataRef>(MakeBytes(bytes).get()), 0, nullptr, nullptr));
-}
-
 // By how many bytes reading raises the peak, the copy that the reader is given among them.
 double PeakOfReading(std::string const& bytes) {
   std::string const grown = MadeByChild([&] {
     double const before = Peak();
-    return ReadAll(bytes) == nullptr ? "" : std::to_string(Peak() - before);
+    return Parsed(bytes) == nullptr ? "" : std::to_string(Peak() - before);
   });
   return grown.empty() ? -1 : std::stod(grown);
 }
@@ -199,7 +200,7 @@ TEST(BinaryPropertyList, TakesLittleForEachObjectAndReference) {
   };
   for (auto const& row : rows) {
     std::string const bytes = MadeByChild([&] {
-      OwnedObject const root = ReadAll(row.text);
+      OwnedObject const root = Parsed(row.text);
       OwnedObject const data(CFPropertyListCreateData(
           nullptr, root.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
       return BytesOfData(data.get());

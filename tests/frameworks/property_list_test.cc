@@ -178,8 +178,7 @@ TEST(XmlPropertyList, HoldsManyValuesAsFew) {
 TEST(PropertyList, LeavesEachObjectToItsOwners) {
   std::string text = "<array>";
   for (int i = 0; i < 20'000; ++i) text += "<string>" + std::to_string(i) + "</string>";
-  OwnedObject root(CFPropertyListCreateWithData(
-      nullptr, static_cast<CFDataRef>(MakeBytes(text + "</array>").get()), 0, nullptr, nullptr));
+  OwnedObject root = Parsed(text + "</array>");
   ASSERT_NE(root, nullptr);
   auto const array = static_cast<CFArrayRef>(root.get());
   std::vector<OwnedObject> kept[2];
@@ -295,9 +294,7 @@ TEST(XmlPropertyList, ComesBackAsItWasWritten) {
 }
 
 TEST(XmlPropertyList, IsLaidOutAsThePlatformDoes) {
-  OwnedObject const source = MakeBytes("{ b = (x, <00>); a = {}; \"<&>\" = (); A = \"\\r\"; }");
-  OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(source.get()),
-                                                      0, nullptr, nullptr));
+  OwnedObject const root = Parsed("{ b = (x, <00>); a = {}; \"<&>\" = (); A = \"\\r\"; }");
   OwnedObject const written(CFPropertyListCreateXMLData(nullptr, root.get()));
   EXPECT_EQ(BytesOfData(written.get()),
             R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -322,27 +319,34 @@ TEST(XmlPropertyList, IsLaidOutAsThePlatformDoes) {
 )");
 }
 
-TEST(XmlPropertyList, IsNotWrittenOfWhatIsNone) {
+TEST(PropertyList, IsNotWrittenOfWhatIsNone) {
   OwnedObject const date(CFDateCreate(nullptr, std::nan("")));
-  OwnedObject const set(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
-  auto const inside_itself = static_cast<CFMutableArrayRef>(const_cast<void*>(set.get()));
-  CFArrayAppendValue(inside_itself, inside_itself);
-  // Each holds the one before it twice: 2^40 values of few objects.
-  OwnedObject shared(CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks));
-  for (int i = 0; i < 40; ++i) {
+  CFMutableArrayRef const circle = CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks);
+  OwnedObject const owner(circle);
+  CFArrayAppendValue(circle, circle);
+  // Each holds the one before it, or holds it twice: 2^40 values of few objects.
+  OwnedObject deep(CFRetain(kCFBooleanTrue)), shared(CFRetain(kCFBooleanTrue));
+  for (int i = 0; i < 513; ++i) {
+    void const* value = deep.get();
+    deep.reset(CFArrayCreate(nullptr, &value, 1, &kCFTypeArrayCallBacks));
     void const* twice[] = {shared.get(), shared.get()};
-    shared.reset(CFArrayCreate(nullptr, twice, 2, &kCFTypeArrayCallBacks));
+    if (i < 40) shared.reset(CFArrayCreate(nullptr, twice, 2, &kCFTypeArrayCallBacks));
   }
-  void const* keys[] = {kCFBooleanTrue};
-  OwnedObject const keyed(CFDictionaryCreate(nullptr, keys, keys, 1, &kCFTypeDictionaryKeyCallBacks,
+  void const* pair[] = {kCFBooleanTrue};
+  OwnedObject const keyed(CFDictionaryCreate(nullptr, pair, pair, 1, &kCFTypeDictionaryKeyCallBacks,
                                              &kCFTypeDictionaryValueCallBacks));
-  for (CFTypeRef value : {CFTypeRef{kCFNull}, date.get(), set.get(), shared.get(), keyed.get()}) {
-    EXPECT_EQ(CFPropertyListCreateXMLData(nullptr, value), nullptr);
-  }
-  EXPECT_EQ(
-      CFPropertyListCreateData(nullptr, kCFBooleanTrue, kCFPropertyListOpenStepFormat, 0, nullptr),
-      nullptr);
-  CFArrayRemoveAllValues(inside_itself);
+  OwnedObject const pointers(CFArrayCreate(nullptr, pair, 1, nullptr));
+  auto const expect_none = [](CFPropertyListFormat format, std::vector<CFTypeRef> const& roots) {
+    for (CFTypeRef const root : roots) {
+      EXPECT_EQ(CFPropertyListCreateData(nullptr, root, format, 0, nullptr), nullptr) << format;
+    }
+  };
+  expect_none(kCFPropertyListXMLFormat_v1_0,
+              {kCFNull, date.get(), circle, shared.get(), keyed.get()});
+  expect_none(kCFPropertyListBinaryFormat_v1_0,
+              {nullptr, circle, deep.get(), pointers.get(), keyed.get()});
+  expect_none(kCFPropertyListOpenStepFormat, {kCFBooleanTrue});
+  CFArrayRemoveAllValues(circle);
 }
 
 TEST(PropertyList, TellsTheFormItFound) {

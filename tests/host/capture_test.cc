@@ -11,6 +11,7 @@
 
 #include "tests/host/child_process.h"
 #include "tests/host/temporary_folder.h"
+#include "tests/machine/apple_double_text.h"
 
 namespace gatotu::tests {
 namespace {
@@ -106,19 +107,13 @@ class FileCapture : public testing::Test {
     folder_.Write("tree/text", "first\nsecond\n");
     folder_.Write("tree/list.plist",
                   "<plist><dict><key>a</key><integer>1</integer></dict></plist>");
-    folder_.Write("tree/._text", FinderInformation());
+    folder_.Write(
+        "tree/._text",
+        AppleDoubleText({{9, "TEXTttxt\x48" + std::string(23, '\0')}}));  // invisible stationery
     folder_.Write("tree/inner/deep", "deep");
     fs::create_symlink("text", At("link"));
     fs::create_symlink("nowhere", At("broken"));
     ::chmod(At("inner/deep").c_str(), 0440);
-  }
-
-  // Invisible stationery, in an AppleDouble file.
-  static std::string FinderInformation() {
-    using namespace std::string_literals;
-    return "\x00\x05\x16\x07\x00\x02\x00\x00"s + std::string(16, '\0') +
-           "\x00\x01\x00\x00\x00\x09\x00\x00\x00\x26\x00\x00\x00\x20"s + "TEXTttxt\x48"s +
-           std::string(23, '\0');
   }
 
   std::string At(std::string const& name) const { return folder_.Path("tree/" + name); }
@@ -172,18 +167,6 @@ TEST_F(FileCapture, LeavesOutWhatIsOverTheLimit) {
     EXPECT_THAT(Answer(capture, Of(what, "folder", ""))["error"]["reasons"].dump(),
                 HasSubstr("(not recorded)"));
   }
-}
-
-// As a user without rights of the superuser.
-ProcessResult AsNobody(std::vector<std::string> const& arguments) {
-  Launch launch;
-  launch.arguments = arguments;
-  if (::geteuid() == 0) {
-    launch.program = "setpriv";
-    launch.arguments =
-        Joined({"--reuid=65534", "--regid=65534", "--clear-groups", GATOTU_COMMAND}, arguments);
-  }
-  return RunCommand(launch);
 }
 
 TEST_F(FileCapture, RemembersWhatMayNotBeReadAndIsAskedByAnother) {

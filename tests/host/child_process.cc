@@ -86,6 +86,14 @@ ProcessResult Gatotu(std::vector<std::string> arguments, std::string input) {
   return RunCommand({.arguments = std::move(arguments), .input = std::move(input)});
 }
 
+ProcessResult AsNobody(std::vector<std::string> arguments) {
+  if (::geteuid() != 0) return Gatotu(std::move(arguments));
+  std::vector<std::string> const change = {"--reuid=65534", "--regid=65534", "--clear-groups",
+                                           GATOTU_COMMAND};
+  arguments.insert(arguments.begin(), change.begin(), change.end());
+  return RunCommand({.arguments = std::move(arguments), .program = "setpriv"});
+}
+
 ProcessResult RunShell(std::string line, std::string shell) {
   return RunCommand({.arguments = {"-c", std::move(line)}, .program = std::move(shell)});
 }

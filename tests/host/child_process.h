@@ -25,6 +25,8 @@ struct Launch {
 
 ProcessResult RunCommand(Launch const& launch);
 ProcessResult Gatotu(std::vector<std::string> arguments, std::string input = {});
+// As a user without rights of the superuser.
+ProcessResult AsNobody(std::vector<std::string> arguments);
 // A line of the shell, given to this one.
 ProcessResult RunShell(std::string line, std::string shell = "sh");
 

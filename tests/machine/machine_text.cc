@@ -3,6 +3,8 @@
 #include <iomanip>
 #include <sstream>
 
+#include "tests/support/big_endian_text.h"
+
 namespace {
 
 using machine::Detail;
@@ -130,11 +132,7 @@ std::string FactsText(machine::Machine const& machine) {
   Line(out, "processes", machine.Processes().AllProcesses());
   Line(out, "process", machine.Processes().ProcessWithPid(1));
   for (char const* selector : {"ramm", "sysv", "mach", "mnam", "odd\xC4"}) {
-    std::uint32_t code = 0;
-    for (char const* at = selector; *at != '\0'; ++at) {
-      code = code << 8 | static_cast<unsigned char>(*at);
-    }
-    Line(out, selector, machine.Gestalt().Response(code));
+    Line(out, selector, machine.Gestalt().Response(BigEndianNumber(selector)));
   }
   return out.str();
 }

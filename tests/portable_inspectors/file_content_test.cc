@@ -1,6 +1,5 @@
 // What is in a file, against the strings of the vocabulary and against other programs.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -54,11 +53,6 @@ TEST(FileDigests, AreThoseOfTheProgramsForThem) {
                 FirstLineOf(algorithm + "sum " + folder.Path("f") + " | cut -d' ' -f1"));
     }
   }
-}
-
-// Digests are computed by a library that takes long to load.
-TEST(FileDigests, AreNotLoadedAtStart) {
-  EXPECT_EQ(FirstLineOf("ldd /proc/" + std::to_string(getpid()) + "/exe | grep -c libcrypto"), "0");
 }
 
 // Nothing here may hang.
