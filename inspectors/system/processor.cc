@@ -63,7 +63,6 @@ inspector_string ProcessorName(OSType selector) {
 InspectorProcessor ProcessorIterator::First() {
   count_ = static_cast<std::uint32_t>(MPProcessors());
   next_ = 0;
-  if (count_ == 0) throw MPProcessorsFailed();
   return Next();
 }
 

@@ -4,7 +4,6 @@
 
 #include <cstdint>
 
-#include "evaluator/plugin/exceptions.h"
 #include "evaluator/plugin/type_name.h"
 #include "evaluator/plugin/values.h"
 #include "frame/of.h"
@@ -16,12 +15,8 @@ struct InspectorTypeName<InspectorProcessor> {
   static constexpr char const* kName = "processor";
 };
 
-// The platform does not tell how many processors there are.
-class MPProcessorsFailed : public DebuggableException {};
-
 class ProcessorIterator {
  public:
-  // `MPProcessorsFailed` for a count of 0, which no machine has.
   InspectorProcessor First();
   InspectorProcessor Next();
 
