@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <limits>
 
 #include "machine/capture/capture.h"
@@ -158,12 +159,10 @@ TEST(Handles, GrowShrinkAndAreEmptied) {
   EXPECT_EQ(MemError(), noErr);
   EXPECT_EQ(GetHandleSize(handle), 70'000);
   EXPECT_EQ(std::string(*handle, 3), "abc");
-  for (Size const refused : {Size{-1}, std::numeric_limits<Size>::max()}) {
-    SetHandleSize(handle, refused);
-    EXPECT_EQ(MemError(), memFullErr) << refused;
-    EXPECT_EQ(NewHandle(refused), nullptr);
-    EXPECT_EQ(MemError(), memFullErr) << refused;
-  }
+  SetHandleSize(handle, -1);
+  EXPECT_EQ(MemError(), memFullErr);
+  EXPECT_EQ(NewHandle(-1), nullptr);
+  EXPECT_EQ(MemError(), memFullErr);
   EXPECT_EQ(GetHandleSize(handle), 70'000);
   EXPECT_EQ(MemError(), noErr);
   SetHandleSize(handle, 0);

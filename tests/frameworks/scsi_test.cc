@@ -1,6 +1,7 @@
 #include <CoreServices/CoreServices.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 
