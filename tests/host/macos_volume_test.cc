@@ -77,10 +77,9 @@ TEST_F(MacVolume, CanBeCapturedWithItsUser) {
 }
 
 TEST_F(MacVolume, TakesNothingFromTheMachineThatAsks) {
-  for (char const* expression :
-       {"hostname", "now", "name of process 1", "physical ram", "number of processors",
-        "value of variable \"PATH\" of environment",
-        "pathname of preferences folder of user domain"}) {
+  for (char const* expression : {"hostname", "now", "name of process 1", "physical ram",
+                                 "value of variable \"PATH\" of environment",
+                                 "pathname of preferences folder of user domain"}) {
     ProcessResult const run = Ask({expression});
     EXPECT_EQ(run.status, 1) << expression << run.output;
     EXPECT_EQ(run.output, "") << expression;

@@ -101,8 +101,6 @@ TEST(Registrations, OfPropertyListsAndPaths) {
   EXPECT_EQ(found[""],
             (Set{"file type by string: file type", "file signature by string: file signature",
                  "bundle by string: bundle", "preference by string: preference"}));
-  EXPECT_EQ(found["folder"],
-            (Set{"bundle: bundle", "drive: volume", "filesystem: volume", "volume: volume"}));
   EXPECT_EQ(found["filesystem object"], (Set{"hfs path: string", "posix path: string",
                                              "pathname: string", "string cast: string"}));
   EXPECT_EQ(found["array"], (Set{"size: integer", "string by integer: string",

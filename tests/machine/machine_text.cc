@@ -50,9 +50,9 @@ void Print(std::ostream& out, Item const& item) {
   out << ' ' << item.has_finder_info << ' ' << item.resource_bytes << ' '
       << std::string(item.finder_info.begin(), item.finder_info.end());
 }
+// Without what other processes change meanwhile.
 void Print(std::ostream& out, machine::VolumeSpace const& space) {
-  out << space.total_bytes << ' ' << space.free_bytes << ' ' << space.block_bytes << ' '
-      << space.files << ' ' << space.is_read_only;
+  out << space.total_bytes << ' ' << space.block_bytes << ' ' << space.is_read_only;
 }
 template <typename First, typename Second>
 void Print(std::ostream& out, std::pair<First, Second> const& pair) {
