@@ -32,7 +32,11 @@ class MacVolume : public testing::Test {
 
   ProcessResult Ask(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {"--machine", volume_.Path()});
-    return Gatotu(arguments);
+    Launch launch;
+    launch.arguments = std::move(arguments);
+    // Values of preferences are kept for ever on purpose.
+    launch.environment = {"LSAN_OPTIONS=suppressions=" LEAKS_ON_PURPOSE};
+    return RunCommand(launch);
   }
 
   TemporaryFolder volume_;
