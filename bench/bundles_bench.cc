@@ -6,9 +6,12 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
+#include <iostream>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include "evaluator/evaluator.h"
 
 namespace {
 
@@ -55,6 +58,9 @@ class Applications {
                                                    static_cast<CFIndex>(path.size()), true);
   }
   std::vector<CFURLRef> const& urls() const { return urls_; }
+  std::string FolderPhrase(int number) const {
+    return "folder \"" + folder_ + '/' + std::to_string(number) + ".app\"";
+  }
 
  private:
   void Write(std::string const& name, std::string const& version) const {
@@ -106,6 +112,37 @@ BENCHMARK_CAPTURE(OpenedAgain, Flat, "Flat.plugin");
 BENCHMARK_CAPTURE(OpenedAgain, VersionIsText, "Text.app");
 BENCHMARK_CAPTURE(OpenedAgain, VersionIsTextAndTranslated, "Translated.app");
 
+void Evaluate(benchmark::State& state, std::vector<std::string> const& texts) {
+  std::vector<std::unique_ptr<gatotu::Expression const>> expressions;
+  for (std::string const& text : texts) {
+    expressions.push_back(gatotu::Compile(text).expression);
+    if (expressions.back() == nullptr) return state.SkipWithError("does not compile");
+  }
+  std::size_t next = 0;
+  for (auto _ : state) {
+    auto const& expression = expressions[next++ % expressions.size()];
+    auto const asked = gatotu::Evaluate(*expression, [](gatotu::Value const&) { return true; });
+    if (asked.outcome != gatotu::Outcome::kAnswered) state.SkipWithError("no answer");
+  }
+}
+
+constexpr char kVersion[] = "bundle version of bundle of ";
+
+void FirstOpenedByExpression(benchmark::State& state) {
+  std::vector<std::string> texts;
+  for (int i = 0; i < Applications::kCount; ++i) texts.push_back(kVersion + All().FolderPhrase(i));
+  Evaluate(state, texts);
+}
+BENCHMARK(FirstOpenedByExpression)->Unit(benchmark::kMicrosecond);
+
+void OpenedAgainByExpression(benchmark::State& state) {
+  Evaluate(state, {kVersion + All().FolderPhrase(1)});
+}
+BENCHMARK(OpenedAgainByExpression);
+
+void FolderByExpression(benchmark::State& state) { Evaluate(state, {All().FolderPhrase(1)}); }
+BENCHMARK(FolderByExpression);
+
 // The least that can notice a change: the state of one file.
 void StateByCall(benchmark::State& state) {
   CFURLRef const url = All().Url("1.app/Contents/Info.plist");
@@ -118,4 +155,13 @@ BENCHMARK(StateByCall);
 
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  std::string error;
+  auto const plug_in = gatotu::PlugIn::Load(GATOTU_MODULE, error);
+  if (plug_in == nullptr) {
+    std::cerr << error << '\n';
+    return 1;
+  }
+  benchmark::Initialize(&argc, argv);
+  benchmark::RunSpecifiedBenchmarks();
+}

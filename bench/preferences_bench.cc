@@ -42,7 +42,7 @@ class Home {
     }
     ::setenv("HOME", folder_.c_str(), 1);
     // From here on the times of the files tell every change.
-    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
   }
   ~Home() { std::filesystem::remove_all(folder_); }
 

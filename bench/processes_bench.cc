@@ -6,10 +6,8 @@
 
 #include <cstdio>
 #include <cstdlib>
-#include <iostream>
-#include <string>
 
-#include "evaluator/evaluator.h"
+#include "bench/module_bench.h"
 
 namespace {
 
@@ -46,29 +44,8 @@ void ProcessesByCalls(benchmark::State& state) {
 BENCHMARK(ProcessesByCalls)->Unit(benchmark::kMicrosecond);
 
 void ProcessesByExpression(benchmark::State& state) {
-  auto compilation = gatotu::Compile("number of processes whose (pid of it > 100)");
-  if (!compilation.expression) {
-    state.SkipWithError("the expression does not compile");
-    return;
-  }
-  for (auto _ : state) {
-    gatotu::Evaluate(*compilation.expression, [](gatotu::Value const& value) {
-      benchmark::DoNotOptimize(value.Integer());
-      return true;
-    });
-  }
+  EvaluateExpression(state, "number of processes whose (pid of it > 100)");
 }
 BENCHMARK(ProcessesByExpression)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  std::string error;
-  auto plug_in = gatotu::PlugIn::Load(GATOTU_MODULE, error);
-  if (plug_in == nullptr) {
-    std::cerr << error << '\n';
-    return 1;
-  }
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-}

@@ -22,8 +22,9 @@ install(EXPORT GatotuTargets NAMESPACE gatotu:: DESTINATION ${gatotu_package_dir
 
 install(TARGETS gatotu RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
 # Loaded while the command runs, and looked for beside the libraries.
-install(TARGETS Gatotu FrameworksLdap FrameworksLogin FrameworksUnicode PortableInspectorsDigest
-  PortableInspectorsRegex LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
+install(TARGETS Gatotu FrameworksLdap FrameworksLogin FrameworksMounts FrameworksUnicode
+  PortableInspectorsDigest PortableInspectorsRegex
+  LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
 install(FILES evaluator/evaluator.h evaluator/diagnostic.h evaluator/evidence.h
   evaluator/function_ref.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/evaluator)

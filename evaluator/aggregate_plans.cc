@@ -84,8 +84,7 @@ Flow LastPlan::Produce(Run& run, Sink sink) const {
   last.Start(*type->entry);
   Flow flow = children[0]->Produce(run, [&](void const* value) {
     last.Start(*type->entry);
-    last.Add(value);
-    return Flow::kContinue;
+    return run.Keep(last, span, value);
   });
   if (flow == Flow::kFail) return flow;
   if (last.Count() == 0) return run.FailNoSuchObject(span, evidence_begin);
@@ -96,10 +95,8 @@ Flow LastPlan::Produce(Run& run, Sink sink) const {
 Flow UniqueValuesPlan::Produce(Run& run, Sink sink) const {
   CopiedValues& values = run.Copies(copies_);
   values.Start(*type->entry);
-  Flow flow = children[0]->Produce(run, [&](void const* value) {
-    values.Add(value);
-    return Flow::kContinue;
-  });
+  Flow flow =
+      children[0]->Produce(run, [&](void const* value) { return run.Keep(values, span, value); });
   if (flow == Flow::kFail || !SortAndDrop(run, values)) return Flow::kFail;
   for (std::size_t i = 0; i < values.Count(); ++i) {
     inspector_string room;
@@ -137,11 +134,9 @@ Flow ExtremePlan::Produce(Run& run, Sink sink) const {
         held == nullptr || (is_maximum_ ? order_.IsLess(run, span, held, value, has_failed)
                                         : order_.IsLess(run, span, value, held, has_failed));
     if (has_failed) return Flow::kFail;
-    if (is_better) {
-      best.Start(*type->entry);
-      best.Add(value);
-    }
-    return Flow::kContinue;
+    if (!is_better) return Flow::kContinue;
+    best.Start(*type->entry);
+    return run.Keep(best, span, value);
   });
   if (flow == Flow::kFail) return flow;
   if (best.Count() == 0) return run.FailNoSuchObject(span, evidence_begin);
@@ -165,10 +160,7 @@ Flow SumPlan::Produce(Run& run, Sink sink) const {
   CopiedValues& sum = run.Copies(copies_);
   sum.Start(*type->entry);
   Flow flow = children[0]->Produce(run, [&](void const* value) {
-    if (sum.Count() == 0) {
-      sum.Add(value);
-      return Flow::kContinue;
-    }
+    if (sum.Count() == 0) return run.Keep(sum, span, value);
     inspector_string room;
     void const* left = sum.Get(0, room);
     void* slot = run.Slot(slot_);
@@ -181,8 +173,7 @@ Flow SumPlan::Produce(Run& run, Sink sink) const {
     if (got == Got::kFailed) return Flow::kFail;
     ValueOwner owner(slot, type->entry->destroy);
     sum.Start(*type->entry);
-    sum.Add(slot);
-    return run.IsToStop() ? run.FailStopped(span) : Flow::kContinue;
+    return run.IsToStop() ? run.FailStopped(span) : run.Keep(sum, span, slot);
   });
   if (flow == Flow::kFail) return flow;
   if (sum.Count() == 0) return run.FailNoSuchObject(span, evidence_begin);
@@ -196,9 +187,11 @@ Flow ConcatenationPlan::Produce(Run& run, Sink sink) const {
   inspector_string separator{reinterpret_cast<unsigned char const*>(separator_.data()),
                              separator_.size()};
   Flow flow = children[0]->Produce(run, [&](void const* value) {
-    if (text.Count() > 0 && separator.length > 0) text.Add(&separator);
-    text.Add(value);
-    return Flow::kContinue;
+    if (text.Count() > 0 && separator.length > 0 &&
+        run.Keep(text, span, &separator) == Flow::kFail) {
+      return Flow::kFail;
+    }
+    return run.Keep(text, span, value);
   });
   if (flow == Flow::kFail) return flow;
   // The pieces lie behind one another in the buffer.

@@ -1,5 +1,6 @@
 #include "evaluator/copied_values.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace gatotu {
@@ -17,18 +18,23 @@ void CopiedValues::Start(TypeEntry const& type) {
   bytes_.clear();
 }
 
-void CopiedValues::Add(void const* value) {
+bool CopiedValues::Add(void const* value) {
   std::size_t offset = bytes_.size();
+  std::size_t const room =
+      kMostBytes - std::min(kMostBytes, offset + entries_.size() * sizeof(Entry));
   if (is_string_) {
     auto const& string = *static_cast<inspector_string const*>(value);
+    if (string.length > room) return false;
     auto const* start = reinterpret_cast<std::byte const*>(string.start);
     if (string.length > 0) bytes_.insert(bytes_.end(), start, start + string.length);
     entries_.push_back({offset, string.length});
-    return;
+    return true;
   }
+  if (size_ > room) return false;
   bytes_.resize(offset + (size_ + kAlignment - 1) / kAlignment * kAlignment);
   std::memcpy(bytes_.data() + offset, value, size_);
   entries_.push_back({offset, size_});
+  return true;
 }
 
 void const* CopiedValues::Get(std::size_t index, inspector_string& room) const {

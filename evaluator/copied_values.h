@@ -13,9 +13,13 @@ namespace gatotu {
 
 class CopiedValues {
  public:
+  // Of all values together. What would not end in memory ends here.
+  static constexpr std::size_t kMostBytes = std::size_t{256} << 20;
+
   // Forgets the values; of which type the next ones are.
   void Start(TypeEntry const& type);
-  void Add(void const* value);
+  // False, and nothing is added, when there is no room for it.
+  [[nodiscard]] bool Add(void const* value);
 
   std::size_t Count() const { return entries_.size(); }
   // The value, in place or put together in `room`; valid until the next change.

@@ -35,17 +35,6 @@ void AppendShown(std::string& out, std::string_view text, std::size_t at, std::s
   }
 }
 
-// Text that a terminal shows and does not act on.
-std::string Shown(std::string_view text) {
-  std::string out;
-  for (std::size_t at = 0; at < text.size();) {
-    std::size_t size = CharacterSize(text, at);
-    AppendShown(out, text, at, size);
-    at += size;
-  }
-  return out;
-}
-
 // The first character boundary at or behind `at`.
 std::size_t BoundaryFrom(std::string_view text, std::size_t at) {
   while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xc0) == 0x80) ++at;
@@ -60,10 +49,10 @@ void AppendMarkedLine(std::string& out, Position const& position, std::string_vi
   if (at - begin > kShownBefore) begin = BoundaryFrom(text, at - kShownBefore);
   if (end - at > kShownBehind) end = BoundaryFrom(text, at + kShownBehind);
 
-  std::string before = Shown(text.substr(begin, at - begin));
-  std::string marked = Shown(text.substr(at, std::min(position.size, end - at)));
-  std::string behind = Shown(text.substr(at + std::min(position.size, end - at),
-                                         end - at - std::min(position.size, end - at)));
+  std::string before = PrintableText(text.substr(begin, at - begin));
+  std::string marked = PrintableText(text.substr(at, std::min(position.size, end - at)));
+  std::string behind = PrintableText(text.substr(at + std::min(position.size, end - at),
+                                                 end - at - std::min(position.size, end - at)));
   out += "  " + before + marked + behind + "\n  ";
   out.append(CountCharacters(before), ' ');
   out += '^';
@@ -73,6 +62,16 @@ void AppendMarkedLine(std::string& out, Position const& position, std::string_vi
 }
 
 }  // namespace
+
+std::string PrintableText(std::string_view text) {
+  std::string out;
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t size = CharacterSize(text, at);
+    AppendShown(out, text, at, size);
+    at += size;
+  }
+  return out;
+}
 
 Position PositionIn(std::string_view text, std::size_t offset, std::size_t size) {
   offset = std::min(offset, text.size());
@@ -88,15 +87,15 @@ Position PositionIn(std::string_view text, std::size_t offset, std::size_t size)
 }
 
 std::string Render(Diagnostic const& diagnostic, std::string_view text) {
-  std::string out = "error: " + Shown(diagnostic.message) + '\n';
+  std::string out = "error: " + PrintableText(diagnostic.message) + '\n';
   AppendMarkedLine(out, diagnostic.position, text);
   if (!diagnostic.suggestion.empty()) {
-    out += "  did you mean \"" + Shown(diagnostic.suggestion) + "\"?";
+    out += "  did you mean \"" + PrintableText(diagnostic.suggestion) + "\"?";
     out += diagnostic.notes.empty() ? '\n' : ' ';
   }
   for (std::size_t i = 0; i < diagnostic.notes.size(); ++i) {
     bool follows_suggestion = i == 0 && !diagnostic.suggestion.empty();
-    out += (follows_suggestion ? "" : "  ") + Shown(diagnostic.notes[i]) + '\n';
+    out += (follows_suggestion ? "" : "  ") + PrintableText(diagnostic.notes[i]) + '\n';
   }
   return out;
 }

@@ -31,6 +31,9 @@ struct Diagnostic {
 // The position of `size` bytes from `offset` on in `text`.
 GATOTU_API Position PositionIn(std::string_view text, std::size_t offset, std::size_t size);
 
+// Bytes that a terminal would act on, line ends among them, as escapes.
+GATOTU_API std::string PrintableText(std::string_view text);
+
 // The message, the line it points into with its marks, and the suggestion and notes below; each
 // line ends with a line feed. Bytes that a terminal would act on are shown as escapes.
 GATOTU_API std::string Render(Diagnostic const& diagnostic, std::string_view text);

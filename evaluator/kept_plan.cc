@@ -26,8 +26,7 @@ Flow KeptPlan::Evaluate(Run& run) const {
   std::size_t evidence_begin = run.EvidencePosition();
   Flow flow = source_->Produce(run, [&](void const* value) {
     result_.Start(*type->entry);
-    result_.Add(value);
-    return Flow::kContinue;
+    return run.Keep(result_, span, value);
   });
   if (flow != Flow::kContinue) return flow;
   has_evidence_ = run.Evidence() != nullptr;

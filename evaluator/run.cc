@@ -83,6 +83,11 @@ Flow Run::Fail(std::string_view code, Span span, std::string_view message) {
   return Flow::kFail;
 }
 
+Flow Run::Keep(CopiedValues& values, Span span, void const* value) {
+  if (values.Add(value)) return Flow::kContinue;
+  return Fail("too-much-memory", span, "this would take more than 256 MiB of memory");
+}
+
 Flow Run::FailNotUnique(Span span, std::string_view plural) {
   failure_.suggestion = plural;
   return Fail("not-unique", span, "not unique: this has several values");

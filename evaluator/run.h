@@ -81,6 +81,8 @@ class Run {
   Flow FailStopped(Span span);
   Flow FailNoSuchObject(Span span, std::size_t evidence_begin);
   Flow Fail(std::string_view code, Span span, std::string_view message);
+  // Adds a copy, or fails where it would take too much memory.
+  Flow Keep(CopiedValues& values, Span span, void const* value);
   Flow FailNotUnique(Span span, std::string_view plural);
 
   // Whether what failed may count as an absence; forgetting it then goes on.

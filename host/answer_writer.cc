@@ -119,7 +119,7 @@ class LineWriter final : public AnswerWriter {
     if (report.has_evidence && report.is_evaluated) {
       errors_.Write("evidence:\n");
       for (Consultation const& entry : report.evidence) {
-        std::string line = "  " + entry.source + ": ";
+        std::string line = "  " + PrintableText(entry.source) + ": ";
         line += machine::NameOf(entry.outcome);
         if (entry.bytes > 0) line += ", " + std::to_string(entry.bytes) + " bytes";
         errors_.Write(line + '\n');

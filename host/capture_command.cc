@@ -47,20 +47,19 @@ class LimitedWork {
       : when_stopped_(std::move(when_stopped)),
         watchdog_(line.ask.time_limit, [this] { Leave(); }) {}
 
-  // False when it was to stop meanwhile, which has been said.
+  // False when it was to stop meanwhile.
   bool Do(FunctionRef<void()> work) {
     watchdog_.Begin();
     work();
     watchdog_.End();
-    if (watchdog_.HasAskedToStop()) SayStopped();
     return !watchdog_.HasAskedToStop();
   }
-
- private:
   void SayStopped() {
     Complain((watchdog_.IsExpired() ? "the time limit was reached; " : "interrupted; ") +
              when_stopped_);
   }
+
+ private:
   // On the watchdog's thread, while the work hangs.
   [[noreturn]] void Leave() {
     SayStopped();
@@ -78,8 +77,14 @@ ExitStatus Record(CommandLine const& line, machine::Recorder& recorder, Expressi
     if (status != ExitStatus::kAnswered) Complain(nothing_written);
     return status;
   }
-  bool const is_done = LimitedWork(line, nothing_written).Do([&] { recorder.RecordEverything(); });
-  return is_done ? ExitStatus::kAnswered : ExitStatus::kInterrupted;
+  LimitedWork work(line, nothing_written);
+  bool const is_whole = work.Do([&] {
+    recorder.RecordEverything();
+    AskSpecialFolders();
+  });
+  if (is_whole) return ExitStatus::kAnswered;
+  work.SayStopped();
+  return ExitStatus::kInterrupted;
 }
 
 // What cannot be finished is taken away again where the folder is ours. One that was there before
@@ -89,34 +94,40 @@ ExitStatus Write(CommandLine const& line, machine::Recorder const& recorder) {
   // What a machine answers is nobody else's business unless its owner says so.
   bool const is_ours = ::mkdir(folder.c_str(), 0700) == 0;
   machine::Fact<machine::Done> written = machine::Absence{};
-  bool const is_done = LimitedWork(line, folder + ": what is there is no capture").Do([&] {
+  // What was whole before it could be stopped is a capture all the same.
+  LimitedWork(line, folder + ": what is there is no capture").Do([&] {
     written = recorder.Write(folder, &WriteRecordedFacts);
   });
-  if (is_done && written) return ExitStatus::kAnswered;
+  if (written) return ExitStatus::kAnswered;
   std::error_code ignored;
   if (is_ours) fs::remove_all(folder, ignored);
-  if (!is_done) return ExitStatus::kInterrupted;
-  Complain(machine::CaptureMessage(written.absence()));
+  std::string const reason = machine::CaptureMessage(written.absence());
+  Complain(is_ours ? reason : reason + "; what is there is no capture");
   return ExitStatus::kNoAnswer;
 }
 
 void Tell(CommandLine const& line, ExpressionCounts const& counts,
-          std::vector<std::string> const& left_out) {
+          machine::Recorder const& recorder) {
   constexpr std::size_t kMostNamed = 10;
   std::string text = "captured ";
   AppendShown(text, line.capture.folder);
   if (line.capture.is_for_expressions) {
-    text += "; of " + std::to_string(counts.evaluated) + " expressions " +
-            std::to_string(counts.answered) + " had an answer";
+    text += "; expressions: " + std::to_string(counts.evaluated) +
+            ", answered: " + std::to_string(counts.answered);
   }
   text += '\n';
+  std::vector<std::string> const left_out = recorder.LeftOut();
   for (std::size_t i = 0; i < std::min(left_out.size(), kMostNamed); ++i) {
-    text += "left out, over the limit: ";
+    text += "left out, over the limit of bytes: ";
     AppendShown(text, left_out[i]);
     text += '\n';
   }
   if (left_out.size() > kMostNamed) {
     text += "and " + std::to_string(left_out.size() - kMostNamed) + " more left out\n";
+  }
+  if (!recorder.HasAllItems()) {
+    text += "left out: files and folders beyond the first " +
+            std::to_string(machine::RecordingLimits().items) + '\n';
   }
   Output output(STDOUT_FILENO);
   output.Write(text);
@@ -138,7 +149,7 @@ ExitStatus Capture(CommandLine const& line, std::shared_ptr<machine::Machine con
   ExitStatus const recorded = Record(line, recorder, counts);
   if (recorded != ExitStatus::kAnswered) return recorded;
   ExitStatus const written = Write(line, recorder);
-  if (written == ExitStatus::kAnswered) Tell(line, counts, recorder.LeftOut());
+  if (written == ExitStatus::kAnswered) Tell(line, counts, recorder);
   return written;
 }
 

@@ -83,7 +83,7 @@ std::vector<OwnOption> DescribeOwnOptions(CLI::App& app, CommandLine& line, Raw&
        {Command::kVocabulary}},
       {app.add_option("--for", raw.capture_expressions,
                       "capture: only what these expressions need; repeatable")
-           ->type_name("EXPRESSION..."),
+           ->type_name("EXPRESSION"),
        capture},
       {app.add_option("--limit-bytes", raw.most_bytes,
                       "capture: most bytes of files' contents together (64M)")
@@ -137,7 +137,8 @@ std::optional<Farewell> RefuseForeign(std::vector<OwnOption> const& options, Com
 }
 
 std::optional<Farewell> TakeFolder(CommandLine& line, std::vector<std::string> const& words) {
-  if (words.empty()) return Refuse("capture: name the folder to write, before --for");
+  if (words.empty() || words.front().empty())
+    return Refuse("capture: name the folder to write, before --for");
   if (words.size() > 1) return Refuse("capture: one folder; expressions stand behind --for");
   line.capture.folder = words.front();
   return std::nullopt;

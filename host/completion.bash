@@ -5,7 +5,6 @@ _gatotu() {
   case $previous in
     --format) COMPREPLY=($(compgen -W $'text\njson\ncsv\ntsv' -- "$current")) ;;
     --file | --plug-in) COMPREPLY=($(compgen -f -- "$current")) ;;
-    capture) COMPREPLY=($(compgen -d -- "$current")) ;;
     --machine) COMPREPLY=($(compgen -W live -- "$current") $(compgen -d -- "$current")) ;;
     --type)
       COMPREPLY=($(compgen -W "$(gatotu vocabulary --format tsv 2>/dev/null |
@@ -16,7 +15,13 @@ _gatotu() {
       case $current in
         -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--for\n--format\n--help
 --limit-bytes\n--machine\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--user\n--version' -- "$current")) ;;
-        *) [ "$COMP_CWORD" -eq 1 ] && COMPREPLY=($(compgen -W $'capture\nvocabulary' -- "$current")) ;;
+        *)
+          if [ "$COMP_CWORD" -eq 1 ]; then
+            COMPREPLY=($(compgen -W $'capture\nvocabulary' -- "$current"))
+          elif [ "$previous" = capture ]; then
+            COMPREPLY=($(compgen -d -- "$current"))
+          fi
+          ;;
       esac
       ;;
   esac

@@ -111,42 +111,49 @@ class JsonWriter final : public AnswerWriter {
   explicit JsonWriter(Output& answers) : answers_(answers) {}
 
   void Begin(Expression const& expression) override {
-    is_many_ = expression.IsMany();
-    values_.clear();
+    expression_ = &expression;
+    value_bytes_ = 0;
   }
 
   Preparation Prepare(Value const& value, FunctionRef<bool()> is_to_stop) override {
-    prepared_.assign(values_.empty() ? "" : ",");
+    prepared_.assign(value_bytes_ == 0 ? "" : ",");
     std::size_t const most =
-        kMostPropertyListBytes - std::min(kMostPropertyListBytes, values_.size());
+        kMostPropertyListBytes - std::min(kMostPropertyListBytes, value_bytes_);
     return AppendJson(value, prepared_, most, is_to_stop);
   }
 
   void Write() override {
-    if (values_.empty()) {
-      values_.swap(prepared_);
-    } else {
-      values_ += prepared_;
-    }
+    value_bytes_ += prepared_.size();
+    if (!expression_->IsMany()) return held_back_.swap(prepared_);
+    OpenObject(expression_->Text(), expression_, Values::kFollow);
+    answers_.Write(prepared_);
   }
 
   bool ShowsPropertyLists() const override { return true; }
 
   void End(Report const& report) override {
-    Json object = {{"expression", Text(report.text)}};
-    if (report.expression != nullptr) object["type"] = Text(report.expression->Type().name);
-    answers_.Write(Members(object));
-    if (report.is_evaluated) {
-      bool const is_held_back = !is_many_ && !report.diagnostics.empty();
-      answers_.Write(",\"values\":[");
-      if (!is_held_back) answers_.Write(values_);
-      answers_.Write("]");
-    }
+    OpenObject(report.text, report.expression,
+               report.is_evaluated ? Values::kFollow : Values::kNone);
+    if (report.is_evaluated && report.diagnostics.empty()) answers_.Write(held_back_);
+    if (report.is_evaluated) answers_.Write("]");
     answers_.Write("," + Members(Remarks(report)).substr(1) + "}\n");
     answers_.Flush();
+    is_open_ = false;
+    held_back_.clear();
   }
 
  private:
+  enum class Values { kNone, kFollow };
+
+  // What stands before the values, once an expression.
+  void OpenObject(std::string_view text, Expression const* expression, Values values) {
+    if (std::exchange(is_open_, true)) return;
+    Json object = {{"expression", Text(text)}};
+    if (expression != nullptr) object["type"] = Text(expression->Type().name);
+    answers_.Write(Members(object));
+    if (values == Values::kFollow) answers_.Write(",\"values\":[");
+  }
+
   // The object without its closing brace.
   static std::string Members(Json const& object) {
     std::string text = Dump(object);
@@ -176,9 +183,11 @@ class JsonWriter final : public AnswerWriter {
   }
 
   Output& answers_;
-  bool is_many_ = false;
-  std::string values_;    // their JSON, with commas between
-  std::string prepared_;  // what comes next
+  Expression const* expression_ = nullptr;
+  bool is_open_ = false;         // what stands before the values is written
+  std::size_t value_bytes_ = 0;  // of the values' JSON, with commas between
+  std::string prepared_;         // what comes next
+  std::string held_back_;        // of an expression of exactly one value
 };
 
 }  // namespace

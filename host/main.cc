@@ -6,6 +6,7 @@
 #include "host/command_line.h"
 #include "host/output.h"
 #include "host/session.h"
+#include "machine/live/worker.h"
 
 namespace {
 
@@ -28,15 +29,22 @@ ExitStatus Main(int argc, char** argv) {
   return Run(std::get<CommandLine>(read));
 }
 
+// All is written by now. A call that hangs is not waited for, and no destructor runs beside it.
+int End(ExitStatus status) {
+  int const code = static_cast<int>(status);
+  if (machine::live::IsAnyCallAbandoned()) ::_exit(code);
+  return code;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
   // A reader that went away is seen by the write that fails.
   ::signal(SIGPIPE, SIG_IGN);
   try {
-    return static_cast<int>(Main(argc, argv));
+    return End(Main(argc, argv));
   } catch (std::exception const& failure) {
     Complain(failure.what());
-    return static_cast<int>(ExitStatus::kNoAnswer);
+    return End(ExitStatus::kNoAnswer);
   }
 }

@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include "evaluator/diagnostic.h"
+
 namespace gatotu::host {
 namespace {
 
@@ -46,11 +48,8 @@ void AppendShown(std::string& out, std::string_view text) {
 }
 
 void Complain(std::string_view message) {
-  std::string line = "gatotu: ";
-  AppendShown(line, message);
-  line += '\n';
   Output errors(STDERR_FILENO);
-  errors.Write(line);
+  errors.Write("gatotu: " + PrintableText(message) + '\n');
   errors.Flush();
 }
 

@@ -12,6 +12,15 @@
 #include "inspectors/plist/osx_value.h"
 
 namespace gatotu::host {
+
+// Its name is part of the message.
+class JsonTooLong : public std::length_error {
+ public:
+  JsonTooLong()
+      : std::length_error("the property list takes more than " +
+                          std::to_string(kMostPropertyListBytes) + " bytes as JSON") {}
+};
+
 namespace {
 
 CFTypeRef ObjectOf(OSXArray const& array) { return array.Array(); }
@@ -53,13 +62,6 @@ bool NeedsNoText(ValueType const& type) {
 }
 
 bool IsNotShowable(Diagnostic const& diagnostic) { return diagnostic.code == "not-showable"; }
-
-class JsonTooLong : public std::length_error {
- public:
-  JsonTooLong()
-      : std::length_error("the property list takes more than " +
-                          std::to_string(kMostPropertyListBytes) + " bytes as JSON") {}
-};
 
 template <class T>
 inspector_string AsJson(T const& value) {

@@ -17,4 +17,7 @@ struct ExpressionCounts {
 // evaluation was stopped, and it was said why.
 ExitStatus EvaluateExpressions(CommandLine const& line, ExpressionCounts& counts);
 
+// Asks for every special folder of every domain, so that a capture knows which there are.
+void AskSpecialFolders();
+
 }  // namespace gatotu::host

@@ -11,6 +11,10 @@
 
 namespace machine {
 
+// What an absence's `where` begins with when a recorded machine was not asked for the fact, or it
+// did not fit.
+inline constexpr char kNotRecorded[] = "not recorded";
+
 // Why a fact has no value. `reason` is never `kAnswered`; `source` names what was consulted and
 // `where` the place in it (a line, a field), empty where the whole source is meant.
 struct Absence {
@@ -18,6 +22,8 @@ struct Absence {
   std::string source;
   std::string where;
   int error = 0;  // the system's number where a call failed
+
+  bool is_not_recorded() const { return where.starts_with(kNotRecorded); }
 };
 
 template <typename T>

@@ -30,23 +30,35 @@ Fact<std::unique_ptr<OpenFile>> FileSource::OpenFork(std::string const& path, Fo
   return access == Access::kRead ? NotSupported() : Refused(path);
 }
 Fact<std::string> FileSource::CanonicalFolder(std::string const&) const { return NotSupported(); }
+Fact<std::string> FileSource::WorkingFolder() const { return NotSupported(); }
 Fact<VolumeSpace> FileSource::Space(std::string const&) const { return NotSupported(); }
 Fact<std::string> FileSource::UserName(std::uint32_t) const { return NotSupported(); }
 Fact<std::string> FileSource::GroupName(std::uint32_t) const { return NotSupported(); }
 
+namespace {
+
+Absence RefuseLength(std::string const& path, std::size_t most) {
+  std::string source = path + " (more than " + std::to_string(most) + " bytes)";
+  Announce(source, Outcome::kMalformed);
+  return {Outcome::kMalformed, std::move(source), {}, EFBIG};
+}
+
+}  // namespace
+
 Fact<std::string> ReadWhole(OpenFile& file, std::string const& path, std::size_t most) {
-  // Files of /proc do not tell their size, and others grow: read on until there is no more.
+  // A file with holes may tell any size, and its content is not read in vain. Files of /proc do not
+  // tell theirs, and others grow: read on until there is no more.
   Fact<std::uint64_t> const size = file.Size();
-  std::size_t const expected =
-      size ? static_cast<std::size_t>(std::min<std::uint64_t>(most, *size)) : 0;
+  std::uint64_t const expected = size ? *size : 0;
+  if (expected > most) return RefuseLength(path, most);
   std::string text;
-  for (std::size_t step = expected + 1;; step = std::size_t{1} << 16) {
+  for (std::size_t step = static_cast<std::size_t>(expected) + 1;; step = std::size_t{1} << 16) {
     std::size_t const had = text.size();
     text.resize(had + step);
     Fact<std::size_t> const got = file.ReadAt(had, text.data() + had, step);
     if (!got) return got.absence();
     text.resize(had + *got);
-    if (text.size() > most) return Absence{Outcome::kMalformed, path, "too long", EFBIG};
+    if (text.size() > most) return RefuseLength(path, most);
     if (*got < step) return text;
   }
 }

@@ -80,8 +80,9 @@ class MACHINE_API Folder {
   virtual Fact<FolderEntry const*> Next(Detail detail) = 0;
   // A folder in this one; a link is not followed.
   virtual Fact<std::unique_ptr<Folder>> OpenFolder(std::string_view name) = 0;
-  // Gives the open file back to the system until the next call, which finds the place again: for
-  // walks deeper than the number of files a process may have open.
+  // Gives the open file and all that was read ahead back until the next call, which finds the place
+  // again: for walks deeper than the number of files a process may have open. The last entry's name
+  // is lost.
   virtual void Rest() = 0;
 };
 
@@ -141,6 +142,8 @@ class MACHINE_API FileSource {
   virtual Fact<std::string> ReadFile(std::string const& path, std::size_t most) const;
   // The folder's path without links, "." and "..".
   virtual Fact<std::string> CanonicalFolder(std::string const& path) const;
+  // Where relative paths begin: the process's own folder, which no other machine has.
+  virtual Fact<std::string> WorkingFolder() const;
   virtual Fact<VolumeSpace> Space(std::string const& path) const;
 
   virtual Fact<std::string> UserName(std::uint32_t user) const;

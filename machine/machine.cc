@@ -95,6 +95,21 @@ Fact<std::string> SystemSource::KernelRelease() const { return NotSupported("ker
 Fact<std::string> UserSource::CurrentUser() const { return NotSupported("current user"); }
 Fact<std::string> UserSource::CurrentHome() const { return NotSupported("current user"); }
 Fact<std::string> UserSource::HomeOf(std::string const&) const { return NotSupported("users"); }
+Fact<SharedRegistryNode> RegistrySource::Root() const { return NotSupported("registry"); }
+Fact<SharedRegistryNode> RegistrySource::NodeAt(std::string_view, std::string_view) const {
+  return NotSupported("registry");
+}
+Fact<SharedVolumes> VolumeSource::Volumes() const { return NotSupported("volumes"); }
+Fact<VolumeFacts> VolumeSource::FactsOf(Volume const&) const { return NotSupported("volumes"); }
+Fact<std::vector<std::uint8_t>> ScsiSource::BusNumbers() const { return NotSupported("SCSI"); }
+Fact<std::vector<std::uint8_t>> ScsiSource::TargetNumbers(std::uint8_t) const {
+  return NotSupported("SCSI");
+}
+Fact<ScsiBus> ScsiSource::Bus(std::uint8_t) const { return NotSupported("SCSI"); }
+Fact<std::string> ScsiSource::Inquiry(std::uint8_t, std::uint8_t) const {
+  return NotSupported("SCSI");
+}
+Fact<SharedComponents> ComponentSource::Components() const { return NotSupported("components"); }
 Fact<std::vector<std::string>> UserSource::UserNames() const { return NotSupported("users"); }
 Fact<std::vector<DirectoryRecord>> DirectorySource::Find(DirectoryQuery const&) const {
   return NotSupported("directory");
@@ -135,5 +150,9 @@ SystemSource const& Machine::System() const { return Unsupported<SystemSource>()
 UserSource const& Machine::Users() const { return Unsupported<UserSource>(); }
 DirectorySource const& Machine::Directory() const { return Unsupported<DirectorySource>(); }
 SessionSource const& Machine::Sessions() const { return Unsupported<SessionSource>(); }
+RegistrySource const& Machine::Registry() const { return Unsupported<RegistrySource>(); }
+VolumeSource const& Machine::Volumes() const { return Unsupported<VolumeSource>(); }
+ScsiSource const& Machine::Scsi() const { return Unsupported<ScsiSource>(); }
+ComponentSource const& Machine::Components() const { return Unsupported<ComponentSource>(); }
 
 }  // namespace machine

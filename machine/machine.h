@@ -6,12 +6,16 @@
 #include <memory>
 #include <string>
 
+#include "machine/components.h"
 #include "machine/directory.h"
 #include "machine/export.h"
 #include "machine/fact.h"
 #include "machine/files.h"
+#include "machine/registry.h"
+#include "machine/scsi.h"
 #include "machine/sessions.h"
 #include "machine/sources.h"
+#include "machine/volumes.h"
 
 namespace machine {
 
@@ -35,6 +39,10 @@ class MACHINE_API Machine {
   virtual UserSource const& Users() const;
   virtual DirectorySource const& Directory() const;
   virtual SessionSource const& Sessions() const;
+  virtual RegistrySource const& Registry() const;
+  virtual VolumeSource const& Volumes() const;
+  virtual ScsiSource const& Scsi() const;
+  virtual ComponentSource const& Components() const;
 };
 
 // The machine in use; the live machine with root "/" when none was chosen, made at the first call.

@@ -43,6 +43,18 @@ MACHINE_API SourceObserver* SetSourceObserver(SourceObserver* observer);
 // The calling thread's observer, or null. Sources ask this before they spell out what they read.
 MACHINE_API SourceObserver* CurrentSourceObserver();
 
+// As long as this lives the thread announces to nobody: for what is asked on the way to an answer.
+class Unobserved {
+ public:
+  Unobserved() : before_(SetSourceObserver(nullptr)) {}
+  ~Unobserved() { SetSourceObserver(before_); }
+  Unobserved(Unobserved const&) = delete;
+  Unobserved& operator=(Unobserved const&) = delete;
+
+ private:
+  SourceObserver* const before_;
+};
+
 inline void Announce(std::string_view source, Outcome outcome, std::uint64_t bytes = 0) {
   if (SourceObserver* observer = CurrentSourceObserver(); observer != nullptr) [[unlikely]] {
     observer->Consulted({source, outcome, bytes});

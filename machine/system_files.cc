@@ -81,13 +81,12 @@ Fact<std::string> HostNameInFile(FileSource const& files) {
 }
 
 Fact<std::string> MachineIdentifier(FileSource const& files) {
-  constexpr char const* kPath = "/etc/machine-id";
-  Fact<std::string> const text = files.ReadFile(kPath, kLargestSystemFile);
+  Fact<std::string> const text = files.ReadFile(kMachineIdPath, kLargestSystemFile);
   if (!text) return text;
   std::string_view const identifier = Trim(*text);
   // What systemd writes before the first start.
   if (identifier.empty() || identifier == "uninitialized") {
-    return Absence{Outcome::kAbsent, kPath, "empty"};
+    return Absence{Outcome::kAbsent, kMachineIdPath, "empty"};
   }
   return std::string(identifier);
 }

@@ -15,6 +15,7 @@ namespace machine {
 inline constexpr char kSystemVersionPath[] = "/System/Library/CoreServices/SystemVersion.plist";
 inline constexpr char kUserListPath[] = "/etc/passwd";
 inline constexpr char kGroupListPath[] = "/etc/group";
+inline constexpr char kMachineIdPath[] = "/etc/machine-id";
 inline constexpr std::string_view kZoneFolder = "/usr/share/zoneinfo/";
 inline constexpr char kLocalTimePath[] = "/etc/localtime";
 // These files are small; one that is larger than this is malformed.

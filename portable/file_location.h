@@ -49,8 +49,9 @@ inline bool operator<(FileLocation const& a, FileLocation const& b) {
   return a.Platform() < b.Platform();
 }
 
-// From a POSIX path; a relative one lies below the current folder. Bytes that are no UTF-8 are
-// kept. `CFURLCreateWithFileSystemPathFailed` for the empty path and for one with a NUL inside.
+// From a POSIX path; a relative one lies below the current folder, or below the root of a machine
+// other than the running one. Bytes that are no UTF-8 are kept.
+// `CFURLCreateWithFileSystemPathFailed` for the empty path and for one with a NUL inside.
 GATOTU_API FileLocation MakeFileLocation(char const* path);
 GATOTU_API FileLocation MakeFileLocation(ConstData path);
 GATOTU_API FileLocation MakeFileLocation(UStringRef<UTF8> path);

@@ -1,6 +1,9 @@
 #include "portable_inspectors/descendant_iterator.h"
 
+#include <CoreServices/CoreServices.h>
+
 #include <algorithm>
+#include <cerrno>
 
 #include "evaluator/plugin/entry_points.h"
 #include "portable/file_errors.h"
@@ -62,8 +65,9 @@ bool descendant_iterator::ReadLevel() {
   FolderEntry entry;
   try {
     if (!ReadEntry(*level.open, path_, entry)) return false;
-  } catch (MacintoshPlatform::FileLoopFailed const&) {
-    if (starts_.empty() && levels_.size() == 1) throw;
+  } catch (MacintoshPlatform::FileLoopFailed const& error) {
+    bool const is_not_recorded = error.GetCode() == fnfErr;
+    if (is_not_recorded || (starts_.empty() && levels_.size() == 1)) throw;
     return false;
   } catch (NoSuchObject const&) {
     return false;
@@ -79,9 +83,17 @@ void descendant_iterator::Enter(std::unique_ptr<machine::Folder> open) {
   if (levels_.size() > kMostOpen) levels_[levels_.size() - kMostOpen - 1].open->Rest();
 }
 
-void descendant_iterator::EnterItem() {
+machine::Fact<std::unique_ptr<machine::Folder>> descendant_iterator::OpenItem() {
   auto found = levels_.back().open->OpenFolder(NameInPath(path_));
-  if (!found) return;
+  // No more files may be open, which must not pass for an empty folder.
+  if (found || (found.absence().error != EMFILE && found.absence().error != ENFILE)) return found;
+  for (Level const& level : levels_) level.open->Rest();
+  return levels_.back().open->OpenFolder(NameInPath(path_));
+}
+
+void descendant_iterator::EnterItem() {
+  auto found = OpenItem();
+  if (!found) return ThrowIfNotRecorded(path_, found.absence());
   machine::ItemStatus const& status = (*found)->Status();
   bool const is_inside_itself =
       std::any_of(levels_.begin(), levels_.end(),

@@ -48,6 +48,7 @@ class GATOTU_API descendant_iterator {
   bool Advance();
   bool ReadLevel();
   void Enter(std::unique_ptr<machine::Folder> open);
+  machine::Fact<std::unique_ptr<machine::Folder>> OpenItem();
   void EnterItem();
   bool EnterNextStart();
 

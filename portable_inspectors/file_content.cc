@@ -1,5 +1,6 @@
 // What is in a file: its bytes, its lines and its digests.
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,19 +16,23 @@ namespace {
 
 using Text = inspector_string;
 
+// Read where the result is to be, so that it is in memory once.
 Text ContentOf(file const& source) {
   constexpr std::size_t kLeastRoom = 4096;
   FileStream stream(source);
+  if (stream.Size() > kMostContentBytes) throw FileTooLarge(ConstData(source.Path()));
   // One byte more than the file says it has: most files end after the first read.
-  std::string content;
-  std::size_t room = std::max(stream.Size() + 1, kLeastRoom);
+  std::size_t room = stream.Size() == 0 ? kLeastRoom : stream.Size() + 1;
+  unsigned char* content = AllocateText(room);
   std::size_t size = 0;
   for (;;) {
-    if (room > kMostContentBytes) throw FileTooLarge(ConstData(source.Path()));
-    content.resize(room);
-    while (std::size_t const read = stream.Read(content.data() + size, room - size)) size += read;
-    if (size < room) return CopyText(std::string_view(content).substr(0, size));
-    room *= 2;
+    while (std::size_t const read = stream.Read(content + size, room - size)) size += read;
+    if (size < room) return {content, size};
+    if (size > kMostContentBytes) throw FileTooLarge(ConstData(source.Path()));
+    room = std::min(2 * room, kMostContentBytes + 1);
+    unsigned char* const larger = AllocateText(room);
+    std::memcpy(larger, content, size);
+    content = larger;
   }
 }
 

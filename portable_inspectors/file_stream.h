@@ -14,7 +14,7 @@ class GATOTU_API FileTooLarge : public FileIOError {
  public:
   using FileIOError::FileIOError;
 };
-inline constexpr std::size_t kMostContentBytes = std::size_t{1} << 30;
+inline constexpr std::size_t kMostContentBytes = std::size_t{256} << 20;
 
 // Links are followed. Of a file that shrinks or grows meanwhile, what is there when it is read.
 class FileStream {

@@ -56,6 +56,9 @@ std::string WithoutParents(std::string path) {
   return Tidy(start + tidy.substr(end));
 }
 
+// Such a path names the folder that it leads to, links followed.
+bool IsOfFolder(std::string_view path) { return path.ends_with('/') || path.ends_with("/."); }
+
 struct Place {
   std::string path;
   ItemKind kind;
@@ -63,21 +66,23 @@ struct Place {
 
 Place Find(std::string_view path, Links links) {
   if (!path.starts_with('/') || path.find('\0') != std::string_view::npos) {
-    Refuse(path, machine::Outcome::kMalformed);
+    Refuse(path.empty() ? "empty path" : path, machine::Outcome::kMalformed);
   }
   machine::FileSource const& files = MachineFiles();
   std::string place = WithoutParents(std::string(path));
+  bool is_of_folder = IsOfFolder(path);
   for (int followed = 0; followed <= kMostLinks; ++followed) {
     ItemKind const kind = OrNoSuchObject(files.Status(place, Links::kKeep)).kind;
-    if (kind != ItemKind::kLink || links == Links::kKeep) {
-      if (path.ends_with('/') && kind != ItemKind::kFolder) break;
+    if (kind != ItemKind::kLink || (links == Links::kKeep && !is_of_folder)) {
+      if (is_of_folder && kind != ItemKind::kFolder) Refuse(path, machine::Outcome::kAbsent);
       return {std::move(place), kind};
     }
     std::string const target = OrNoSuchObject(files.ReadLink(place));
+    is_of_folder = is_of_folder || IsOfFolder(target);
     place = WithoutParents(
         target.starts_with('/') ? target : JoinPath(std::string(ParentOfPath(place)), target));
   }
-  Refuse(path, machine::Outcome::kAbsent);
+  Refuse(std::string(path) + " (too many links)", machine::Outcome::kMalformed);
 }
 
 filesystem_object FindObject(std::string_view path) {

@@ -3,7 +3,8 @@
 // Paths are absolute POSIX paths, names single components; both are the bytes of the file system.
 // What is asked for as a file or folder is what the path leads to, links followed; a link is itself
 // only as a "filesystem object" and where a folder's contents are listed, where it counts as a
-// file. Whatever does not exist, or is of the other kind, is no such object.
+// file. A path that ends in "/" names the folder that it leads to. Whatever does not exist, or is
+// of the other kind, is no such object.
 #pragma once
 
 #include <string>

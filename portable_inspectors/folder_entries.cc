@@ -9,9 +9,11 @@
 
 namespace {
 
-[[noreturn]] void ThrowListingFailure(std::string const& path, machine::Outcome reason) {
-  if (reason == machine::Outcome::kAbsent) throw NoSuchObject();
-  int const code = reason == machine::Outcome::kPermissionRefused ? afpAccessDenied : ioErr;
+[[noreturn]] void ThrowListingFailure(std::string const& path, machine::Absence const& absence) {
+  ThrowIfNotRecorded(path, absence);
+  if (absence.reason == machine::Outcome::kAbsent) throw NoSuchObject();
+  bool const is_refused = absence.reason == machine::Outcome::kPermissionRefused;
+  int const code = is_refused ? afpAccessDenied : ioErr;
   throw MacintoshPlatform::FileLoopFailed(ConstData(path), code);
 }
 
@@ -36,17 +38,21 @@ bool IsCompanion(std::string const& folder_path, machine::FolderEntry const& ent
 
 }  // namespace
 
+void ThrowIfNotRecorded(std::string const& path, machine::Absence const& absence) {
+  if (absence.is_not_recorded()) throw MacintoshPlatform::FileLoopFailed(ConstData(path), fnfErr);
+}
+
 std::unique_ptr<machine::Folder> OpenFolder(std::string const& path) {
   if (path.empty()) throw NoSuchObject();
   machine::Fact<std::unique_ptr<machine::Folder>> open = MachineFiles().OpenFolder(path);
-  if (!open) ThrowListingFailure(path, open.outcome());
+  if (!open) ThrowListingFailure(path, open.absence());
   return std::move(open).value();
 }
 
 bool ReadEntry(machine::Folder& open, std::string const& path, FolderEntry& entry) {
   for (;;) {
     machine::Fact<machine::FolderEntry const*> const read = open.Next(machine::Detail::kKind);
-    if (!read) ThrowListingFailure(path, read.outcome());
+    if (!read) ThrowListingFailure(path, read.absence());
     machine::FolderEntry const* const found = *read;
     if (found == nullptr) return false;
     if (IsCompanion(path, *found)) continue;

@@ -17,5 +17,9 @@ struct FolderEntry {
 // that cannot be opened, so that it does not pass for an empty one.
 std::unique_ptr<machine::Folder> OpenFolder(std::string const& path);
 
+// `MacintoshPlatform::FileLoopFailed` with `fnfErr` for a folder of a recorded machine whose
+// entries nobody asked for at the time.
+void ThrowIfNotRecorded(std::string const& path, machine::Absence const& absence);
+
 // False after the last one. `MacintoshPlatform::FileLoopFailed` when reading fails.
 bool ReadEntry(machine::Folder& open, std::string const& path, FolderEntry& entry);

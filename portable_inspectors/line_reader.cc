@@ -48,7 +48,9 @@ bool LineReader::Fill() {
   }
   if (end_ == buffer_.size()) {
     if (end_ > kMostContentBytes) throw FileTooLarge(ConstData(stream_.Path()));
-    buffer_.resize(std::max(2 * end_, kBufferSize));
+    // The end of a line is two bytes at most.
+    bool const is_last_room = end_ >= kMostContentBytes / 2;
+    buffer_.resize(is_last_room ? kMostContentBytes + 2 : std::max(2 * end_, kBufferSize));
   }
   std::size_t const size = stream_.Read(buffer_.data() + end_, buffer_.size() - end_);
   end_ += size;

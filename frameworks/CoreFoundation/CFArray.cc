@@ -5,15 +5,23 @@
 #include "frameworks/CoreFoundation/array_object.h"
 #include "frameworks/CoreFoundation/container_equality.h"
 #include "frameworks/CoreFoundation/hash.h"
+#include "frameworks/CoreFoundation/pages.h"
 
-__CFArray* __CFArray::MakeUnfilled(std::size_t capacity) {
-  return CFObject::MakeWithRoom<__CFArray>(capacity * sizeof(void*), kObjects);
+__CFArray* __CFArray::MakeUnfilled(std::size_t capacity, ObjectBlocks* blocks) {
+  std::size_t const room = capacity * sizeof(void*);
+  auto* const array = CFObject::MakeIn<__CFArray>(blocks, room, kObjects);
+  FetchPages(array->Inline(), room);
+  return array;
 }
 
-CFArrayRef __CFArray::MakeTaking(std::span<CFTypeRef const> objects) {
-  __CFArray* const array = MakeUnfilled(objects.size());
+CFArrayRef __CFArray::MakeTaking(std::span<CFTypeRef const> objects, ObjectBlocks* blocks) {
+  __CFArray* const array = MakeUnfilled(objects.size(), blocks);
   for (CFTypeRef const object : objects) array->Take(object);
   return array;
+}
+
+CFArrayRef __CFArray::MakeInMalloced(void* memory, std::size_t count) {
+  return CFObject::MakeInMalloced<__CFArray>(memory, kObjects, count);
 }
 
 std::span<void const* const> __CFArray::values() const {

@@ -98,7 +98,8 @@ UInt32 CFBundleGetVersionNumber(CFBundleRef bundle) {
   char version[16];
   bool const is_short =
       text != nullptr && CFStringGetCString(text, version, sizeof version, kCFStringEncodingASCII);
-  return is_short ? PackedVersion(version) : 0;
+  // A NUL within is no end.
+  return is_short ? PackedVersion({version, static_cast<std::size_t>(CFStringGetLength(text))}) : 0;
 }
 
 void CFBundleGetPackageInfo(CFBundleRef bundle, UInt32* packageType, UInt32* packageCreator) {

@@ -5,8 +5,8 @@
 #include "frameworks/CoreFoundation/data_object.h"
 #include "frameworks/CoreFoundation/hash.h"
 
-__CFData* __CFData::MakeUnfilled(std::size_t length) {
-  return CFObject::MakeWithRoom<__CFData>(length, length);
+__CFData* __CFData::MakeUnfilled(std::size_t length, ObjectBlocks* blocks) {
+  return CFObject::MakeIn<__CFData>(blocks, length, length);
 }
 
 bool __CFData::EqualTo(CFObject const& other) const {

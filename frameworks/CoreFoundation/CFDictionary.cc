@@ -22,14 +22,16 @@ UInt8 VariantFor(CFDictionaryKeyCallBacks const* keys, CFDictionaryValueCallBack
                             (values == nullptr ? 0 : __CFDictionary::kObjectValues));
 }
 
-CFDictionaryRef MakeFrom(void const* const* keys, void const* const* values, std::size_t count,
-                         UInt8 variant) {
+// `pair_at(place)` is called once for each place.
+template <typename PairAt>
+CFDictionaryRef MakeFrom(std::size_t count, PairAt&& pair_at, UInt8 variant) {
   __CFDictionary* const dictionary = __CFDictionary::MakeUnfilled(count, variant);
   for (std::size_t i = 0; i < count; ++i) {
-    RetainValue(keys[i], dictionary->holds_object_keys());
-    RetainValue(values[i], dictionary->holds_object_values());
-    dictionary->TakeKey(i, keys[i]);
-    dictionary->TakeValue(i, values[i]);
+    __CFDictionary::Pair const pair = pair_at(i);
+    RetainValue(pair.key, dictionary->holds_object_keys());
+    RetainValue(pair.value, dictionary->holds_object_values());
+    dictionary->TakeKey(pair.key);
+    dictionary->TakeValue(i, pair.value);
   }
   dictionary->Settle(__CFDictionary::Keep::kFirst);
   return dictionary;
@@ -63,14 +65,20 @@ CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, void const** keys, void const
                                    CFIndex numValues, CFDictionaryKeyCallBacks const* keyCallBacks,
                                    CFDictionaryValueCallBacks const* valueCallBacks) {
   if (numValues < 0 || !AreKnown(keyCallBacks, valueCallBacks)) return nullptr;
-  return MakeFrom(keys, values, static_cast<std::size_t>(numValues),
-                  VariantFor(keyCallBacks, valueCallBacks));
+  return MakeFrom(
+      static_cast<std::size_t>(numValues),
+      [&](std::size_t i) {
+        return __CFDictionary::Pair{keys[i], values[i]};
+      },
+      VariantFor(keyCallBacks, valueCallBacks));
 }
 
 CFDictionaryRef CFDictionaryCreateCopy(CFAllocatorRef, CFDictionaryRef theDict) {
   if (theDict->is_mutable()) {
     auto const variant = static_cast<UInt8>(theDict->variant() & ~__CFDictionary::kMutable);
-    return MakeFrom(theDict->keys(), theDict->values(), theDict->count(), variant);
+    auto const pairs = theDict->pairs();
+    return MakeFrom(
+        pairs.size(), [&](std::size_t i) { return pairs[i]; }, variant);
   }
   theDict->Retain();
   return theDict;
@@ -86,14 +94,12 @@ CFMutableDictionaryRef CFDictionaryCreateMutable(CFAllocatorRef, CFIndex,
 CFMutableDictionaryRef CFDictionaryCreateMutableCopy(CFAllocatorRef, CFIndex,
                                                      CFDictionaryRef theDict) {
   auto* const dictionary = CFObject::Make<MutableDictionary>(theDict->variant());
-  for (std::size_t i = 0; i < theDict->count(); ++i) {
-    dictionary->Add(theDict->keys()[i], theDict->values()[i]);
-  }
+  for (auto const& [key, value] : theDict->pairs()) dictionary->Add(key, value);
   return dictionary;
 }
 
 CFIndex CFDictionaryGetCount(CFDictionaryRef theDict) {
-  return static_cast<CFIndex>(theDict->count());
+  return static_cast<CFIndex>(theDict->pairs().size());
 }
 
 Boolean CFDictionaryContainsKey(CFDictionaryRef theDict, void const* key) {
@@ -101,28 +107,29 @@ Boolean CFDictionaryContainsKey(CFDictionaryRef theDict, void const* key) {
 }
 
 Boolean CFDictionaryContainsValue(CFDictionaryRef theDict, void const* value) {
-  void const* const* const values = theDict->values();
-  return std::any_of(values, values + theDict->count(), [&](void const* one) {
-    return AreEqualValues(one, value, theDict->holds_object_values());
+  return std::ranges::any_of(theDict->pairs(), [&](__CFDictionary::Pair const& pair) {
+    return AreEqualValues(pair.value, value, theDict->holds_object_values());
   });
 }
 
 void const* CFDictionaryGetValue(CFDictionaryRef theDict, void const* key) {
   CFIndex const place = theDict->Find(key);
-  return place == kCFNotFound ? nullptr : theDict->values()[place];
+  return place == kCFNotFound ? nullptr : theDict->pairs()[static_cast<std::size_t>(place)].value;
 }
 
 Boolean CFDictionaryGetValueIfPresent(CFDictionaryRef theDict, void const* key,
                                       void const** value) {
   CFIndex const place = theDict->Find(key);
   if (place == kCFNotFound) return false;
-  if (value != nullptr) *value = theDict->values()[place];
+  if (value != nullptr) *value = theDict->pairs()[static_cast<std::size_t>(place)].value;
   return true;
 }
 
 void CFDictionaryGetKeysAndValues(CFDictionaryRef theDict, void const** keys, void const** values) {
-  if (keys != nullptr) std::copy_n(theDict->keys(), theDict->count(), keys);
-  if (values != nullptr) std::copy_n(theDict->values(), theDict->count(), values);
+  for (auto const& pair : theDict->pairs()) {
+    if (keys != nullptr) *keys++ = pair.key;
+    if (values != nullptr) *values++ = pair.value;
+  }
 }
 
 void CFDictionaryAddValue(CFMutableDictionaryRef theDict, void const* key, void const* value) {

@@ -3,7 +3,7 @@
 #include "frameworks/CoreFoundation/object.h"
 
 struct __CFNull final : CFObject {
-  constexpr __CFNull() : CFObject(kCFTypeNull, 0, kConstantCount) {}
+  constexpr __CFNull() : CFObject(Constant(), kCFTypeNull) {}
 };
 
 namespace {

@@ -127,17 +127,11 @@ CFTypeID CFBooleanGetTypeID() { return kCFTypeBoolean; }
 
 Boolean CFBooleanGetValue(CFBooleanRef boolean) { return boolean->variant() != 0; }
 
-CFNumberRef __CFNumber::MakeSigned(SInt64 value, CFNumberType type) {
-  return CFObject::Make<__CFNumber>(type, Value{.as_signed = value});
-}
-
-CFNumberRef __CFNumber::MakeUnsigned(UInt64 value) {
-  if (std::in_range<SInt64>(value)) return MakeSigned(static_cast<SInt64>(value));
-  return CFObject::Make<__CFNumber>(kCFNumberSInt128Type, Value{.as_unsigned = value});
-}
-
-CFNumberRef __CFNumber::MakeReal(double value, CFNumberType type) {
-  return CFObject::Make<__CFNumber>(type, Value{.as_real = value});
+CFNumberRef __CFNumber::MakeUnsigned(UInt64 value, ObjectBlocks* blocks) {
+  bool const is_signed = std::in_range<SInt64>(value);
+  return CFObject::MakeIn<__CFNumber>(blocks, 0,
+                                      is_signed ? kCFNumberSInt64Type : kCFNumberSInt128Type,
+                                      Value{.as_unsigned = value});
 }
 
 bool __CFNumber::EqualTo(CFObject const& other) const {

@@ -14,15 +14,16 @@
 using encodings::Conversion;
 using encodings::Form;
 
-CFStringRef __CFString::MakeAscii(UInt8 const* bytes, std::size_t length) {
-  return FillAscii(length, [&](UInt8* out) { std::copy(bytes, bytes + length, out); });
+CFStringRef __CFString::MakeAscii(UInt8 const* bytes, std::size_t length, ObjectBlocks* blocks) {
+  return FillAscii(
+      length, [&](UInt8* out) { std::copy(bytes, bytes + length, out); }, blocks);
 }
 
-CFStringRef __CFString::MakeUnits(UniChar const* units, std::size_t length) {
+CFStringRef __CFString::MakeUnits(UniChar const* units, std::size_t length, ObjectBlocks* blocks) {
   bool const is_ascii =
       std::all_of(units, units + length, [](UniChar unit) { return unit < 0x80; });
   auto const fill = [&](auto* out) { std::copy(units, units + length, out); };
-  return is_ascii ? FillAscii(length, fill) : FillUnits(length, fill);
+  return is_ascii ? FillAscii(length, fill, blocks) : FillUnits(length, fill, blocks);
 }
 
 bool __CFString::EqualTo(CFObject const& other) const {

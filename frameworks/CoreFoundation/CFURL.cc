@@ -1,7 +1,5 @@
 #include <CoreFoundation/CFURL.h>
-#include <unistd.h>
 
-#include <climits>
 #include <cstring>
 #include <functional>
 
@@ -9,6 +7,7 @@
 #include "frameworks/CoreFoundation/url_object.h"
 #include "frameworks/CoreFoundation/url_text.h"
 #include "frameworks/CoreFoundation/volume_paths.h"
+#include "machine/machine.h"
 
 using file_system_text::BytesOf;
 using file_system_text::CreateString;
@@ -76,10 +75,8 @@ CFURLRef UrlOfPath(std::string path, bool is_folder, CFURLRef base) {
 }
 
 CFURLRef UrlOfCurrentFolder() {
-  std::string path(PATH_MAX, '\0');
-  if (::getcwd(path.data(), path.size()) == nullptr) return __CFURL::OfFile("/");
-  path.resize(std::strlen(path.c_str()));
-  return UrlOfPath(std::move(path), true, nullptr);
+  auto const folder = machine::CurrentMachine().Files().WorkingFolder();
+  return UrlOfPath(folder ? *folder : "/", true, nullptr);
 }
 
 CFURLRef UrlBelow(std::string path, bool is_folder, CFURLRef base) {

@@ -42,7 +42,8 @@ CF_EXPORT CFTypeID CFURLGetTypeID(void);
 CF_EXPORT CFURLRef CFURLCreateWithString(CFAllocatorRef allocator, CFStringRef URLString,
                                          CFURLRef baseURL);
 // A relative POSIX path lies below the current folder, a relative HFS path (one that begins with a
-// `:`) as well. An HFS path names a volume first; an unknown volume gives null. HFS paths ask the
+// `:`) as well; below the root where the machine in use is not the one that runs this process. An
+// HFS path names a volume first; an unknown volume gives null. HFS paths ask the
 // machine for its volumes.
 CF_EXPORT CFURLRef CFURLCreateWithFileSystemPath(CFAllocatorRef allocator, CFStringRef filePath,
                                                  CFURLPathStyle pathStyle, Boolean isDirectory);

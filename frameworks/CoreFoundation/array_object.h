@@ -12,12 +12,15 @@ struct __CFArray : CFObject {
  public:
   // For readers: an array of objects with room for `capacity` of them, to be given by `Take` before
   // anyone else sees the array.
-  static __CFArray* MakeUnfilled(std::size_t capacity);
+  static __CFArray* MakeUnfilled(std::size_t capacity, ObjectBlocks* blocks = nullptr);
   // Takes over one reference. At most `capacity` times.
   void Take(CFTypeRef object) { Inline()[count_++] = object; }
 
   // Takes over the caller's reference to each object.
-  static CFArrayRef MakeTaking(std::span<CFTypeRef const> objects);
+  static CFArrayRef MakeTaking(std::span<CFTypeRef const> objects, ObjectBlocks* blocks = nullptr);
+  // An array of the `count` objects that lie `sizeof(__CFArray)` behind the start of the memory,
+  // which is from `malloc`. Takes over both.
+  static CFArrayRef MakeInMalloced(void* memory, std::size_t count);
 
   std::span<void const* const> values() const;
   bool is_mutable() const { return (variant() & kMutable) != 0; }
@@ -29,12 +32,13 @@ struct __CFArray : CFObject {
 
   static constexpr UInt8 kMutable = 1, kObjects = 2;
   // For `CFObject::Make` alone.
-  explicit __CFArray(UInt8 variant) : CFObject(kCFTypeArray, variant) {}
+  explicit __CFArray(UInt8 variant, std::size_t count = 0) noexcept
+      : CFObject(kCFTypeArray, variant), count_(count) {}
 
  private:
   void const** Inline() { return reinterpret_cast<void const**>(this + 1); }
 
-  std::size_t count_ = 0;  // Of an immutable array.
+  std::size_t count_;  // Of an immutable array.
 };
 
 struct MutableArray final : __CFArray {

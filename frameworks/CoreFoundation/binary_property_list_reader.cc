@@ -9,6 +9,7 @@
 #include "frameworks/CoreFoundation/array_object.h"
 #include "frameworks/CoreFoundation/binary_property_list.h"
 #include "frameworks/CoreFoundation/binary_property_list_form.h"
+#include "frameworks/CoreFoundation/binary_property_list_objects.h"
 #include "frameworks/CoreFoundation/data_object.h"
 #include "frameworks/CoreFoundation/dictionary_object.h"
 #include "frameworks/CoreFoundation/encodings/convert.h"
@@ -18,15 +19,6 @@
 using namespace binary_property_list;
 
 namespace {
-
-// A few bytes (1 to 8), the most significant first. They are taken from eight at once, which lie in
-// the file for every one of them that does not lie in the trailer's last bytes.
-UInt64 LoadBigEndian(unsigned char const* bytes, std::size_t width) {
-  UInt64 value;
-  std::memcpy(&value, bytes, sizeof value);
-  if constexpr (std::endian::native == std::endian::little) value = __builtin_bswap64(value);
-  return value >> (64 - 8 * width);
-}
 
 // What follows an object's first byte: how many (bytes, units, references), and where they begin.
 struct Extent {
@@ -45,14 +37,13 @@ class Reader {
 
   CFPropertyListRef Read() {
     if (!ReadTrailer()) return nullptr;
-    objects_.resize(count_);
-    heights_.resize(count_, kUnread);
-    return ReadObject(root_, 0);
+    words_.resize(count_, KnownObjects::kUnread);
+    known_ = {words_};
+    int height = 0;
+    return ReadObject(root_, 0, height);
   }
 
  private:
-  static constexpr UInt16 kUnread = 0xFFFF, kBeingRead = 0xFFFE;
-
   bool Refuse(std::size_t position, char const* message) {
     error_ = {position, message};
     return false;
@@ -63,8 +54,10 @@ class Reader {
   }
 
   bool ReadTrailer();
-  // One reference, or null. `enclosing` counts the containers around the object.
-  CFTypeRef ReadObject(UInt64 number, int enclosing);
+  // One reference, or null. `enclosing` counts the containers around the object, `height` becomes
+  // at least that of the object.
+  CFTypeRef ReadObject(UInt64 number, int enclosing, int& height);
+  CFTypeRef ReadKnownObject(std::size_t number, int enclosing);
   CFTypeRef ReadNewObject(std::size_t number, int enclosing);
   CFTypeRef ReadSimple(std::size_t at);
   CFTypeRef ReadInteger(std::size_t at);
@@ -74,8 +67,8 @@ class Reader {
   CFTypeRef ReadAscii(std::size_t at);
   CFTypeRef ReadUtf16(std::size_t at);
   CFTypeRef ReadUid(std::size_t at);
-  CFTypeRef ReadArray(std::size_t at, std::size_t number, int enclosing);
-  CFTypeRef ReadDictionary(std::size_t at, std::size_t number, int enclosing);
+  CFTypeRef ReadArray(std::size_t at, int enclosing, int& height);
+  CFTypeRef ReadDictionary(std::size_t at, int enclosing, int& height);
   bool FillDictionary(__CFDictionary& dictionary, Extent extent, int enclosing, int& height);
 
   // The count in or behind the first byte, each one `width` bytes, all of them inside the file.
@@ -84,10 +77,11 @@ class Reader {
   // together within the file, which bounds the memory that objects take.
   bool Claim(std::size_t at, std::size_t begin, UInt64 size);
 
-  UInt64 ReferenceAt(std::size_t begin, UInt64 index) const {
-    return LoadBigEndian(bytes_.data() + begin + index * reference_width_, reference_width_);
+  References ReferencesAt(std::size_t begin) const {
+    return {bytes_.data() + begin, reference_width_};
   }
 
+  ObjectBlocks blocks_;
   std::span<unsigned char const> bytes_;
   PropertyListError& error_;
   std::size_t table_ = 0;  // Where the objects end and their offsets begin.
@@ -96,10 +90,8 @@ class Reader {
   std::size_t offset_width_ = 0;
   std::size_t reference_width_ = 0;
   std::size_t claimed_ = 0;
-  // What has been read, borrowed from the container that was the first to hold it, and how many
-  // containers deep it is.
-  std::vector<CFTypeRef> objects_;
-  std::vector<UInt16> heights_;
+  std::vector<UInt64> words_;
+  KnownObjects known_ = {};
   // Keys that occurred twice, and their values: others may still refer to them.
   std::vector<CFTypeRef> dropped_;
   std::vector<UniChar> units_;
@@ -136,38 +128,39 @@ bool Reader::ReadTrailer() {
   return true;
 }
 
-CFTypeRef Reader::ReadObject(UInt64 number, int enclosing) {
+CFTypeRef Reader::ReadObject(UInt64 number, int enclosing, int& height) {
   if (number >= count_) return Fail(table_, "a reference to an object that does not exist");
-  UInt16 const height = heights_[number];
-  if (height == kUnread) return ReadNewObject(number, enclosing);
+  CFTypeRef const object = known_.HeightOf(number) == KnownObjects::kUnread
+                               ? ReadNewObject(number, enclosing)
+                               : ReadKnownObject(number, enclosing);
+  height = std::max<int>(height, known_.HeightOf(number));
+  return object;
+}
+
+CFTypeRef Reader::ReadKnownObject(std::size_t number, int enclosing) {
   std::size_t const entry = table_ + number * offset_width_;
-  if (height == kBeingRead) return Fail(entry, "a container that holds itself");
+  UInt16 const height = known_.HeightOf(number);
+  if (height == KnownObjects::kBeingRead) return Fail(entry, "a container that holds itself");
   if (enclosing + height > kPropertyListNesting) return Fail(entry, kTooDeep);
-  CFObject::Of(objects_[number]).RetainUnshared();
-  return objects_[number];
+  CFObject::Of(known_.ObjectOf(number)).RetainUnshared();
+  return known_.ObjectOf(number);
 }
 
 CFTypeRef Reader::ReadNewObject(std::size_t number, int enclosing) {
   std::size_t const entry = table_ + number * offset_width_;
   UInt64 const at = LoadBigEndian(&bytes_[entry], offset_width_);
-  if (at < kMagicSize || at >= table_)
+  if (at < kMagicSize || at >= table_) {
     return Fail(entry, "an offset that lies outside the objects");
-  unsigned const kind = bytes_[at] >> 4;
-  CFTypeRef object = nullptr;
-  if (kind == kArray || kind == kDictionary) {
-    if (enclosing >= kPropertyListNesting) return Fail(at, kTooDeep);
-    heights_[number] = kBeingRead;
-    object =
-        kind == kArray ? ReadArray(at, number, enclosing) : ReadDictionary(at, number, enclosing);
-  } else {
-    object = ReadSimple(at);
-    heights_[number] = kind == kUid ? 1 : 0;
-    if (object != nullptr && enclosing + heights_[number] > kPropertyListNesting) {
-      CFRelease(object);
-      return Fail(at, kTooDeep);
-    }
   }
-  objects_[number] = object;
+  unsigned const kind = bytes_[at] >> 4;
+  bool const is_container = kind == kArray || kind == kDictionary;
+  int height = is_container || kind == kUid ? 1 : 0;
+  if (enclosing + height > kPropertyListNesting) return Fail(at, kTooDeep);
+  known_.Enter(number, nullptr, KnownObjects::kBeingRead);
+  CFTypeRef const object = !is_container    ? ReadSimple(at)
+                           : kind == kArray ? ReadArray(at, enclosing + 1, height)
+                                            : ReadDictionary(at, enclosing + 1, height);
+  known_.Enter(number, object, static_cast<UInt16>(height));
   return object;
 }
 
@@ -236,12 +229,15 @@ CFTypeRef Reader::ReadInteger(std::size_t at) {
   if (power > 4) return Fail(at, "an integer wider than 16 bytes");
   std::size_t const width = std::size_t{1} << power;
   if (!Claim(at, at + 1, width)) return nullptr;
-  unsigned char const* const value = &bytes_[at + 1];
-  if (width <= 8) return __CFNumber::MakeSigned(static_cast<SInt64>(LoadBigEndian(value, width)));
-  UInt64 const high = LoadBigEndian(value, 8), low = LoadBigEndian(value + 8, 8);
-  CFSInt128Struct const whole = {static_cast<SInt64>(high), low};
-  CFNumberRef const number = CFNumberCreate(nullptr, kCFNumberSInt128Type, &whole);
-  return number != nullptr ? number : Fail(at, "an integer outside the 64 bits");
+  unsigned char const* const start = &bytes_[at + 1];
+  if (width <= 8)
+    return __CFNumber::MakeSigned(static_cast<SInt64>(LoadBigEndian(start, width)),
+                                  kCFNumberSInt64Type, &blocks_);
+  UInt64 const high = LoadBigEndian(start, 8), low = LoadBigEndian(start + 8, 8);
+  if (high == 0) return __CFNumber::MakeUnsigned(low, &blocks_);
+  auto const value = static_cast<SInt64>(low);
+  if (high != ~UInt64{0} || value >= 0) return Fail(at, "an integer outside the 64 bits");
+  return __CFNumber::MakeSigned(value, kCFNumberSInt64Type, &blocks_);
 }
 
 CFTypeRef Reader::ReadReal(std::size_t at) {
@@ -250,22 +246,26 @@ CFTypeRef Reader::ReadReal(std::size_t at) {
   std::size_t const width = std::size_t{1} << power;
   if (!Claim(at, at + 1, width)) return nullptr;
   UInt64 const bits = LoadBigEndian(&bytes_[at + 1], width);
-  if (power == 3) return __CFNumber::MakeReal(std::bit_cast<double>(bits));
-  return __CFNumber::MakeReal(std::bit_cast<float>(static_cast<UInt32>(bits)),
-                              kCFNumberFloat32Type);
+  if (power == 3)
+    return __CFNumber::MakeReal(std::bit_cast<double>(bits), kCFNumberFloat64Type, &blocks_);
+  return __CFNumber::MakeReal(std::bit_cast<float>(static_cast<UInt32>(bits)), kCFNumberFloat32Type,
+                              &blocks_);
 }
 
 CFTypeRef Reader::ReadDate(std::size_t at) {
   if (bytes_[at] != kDateMarker) return Fail(at, "a date that is not 8 bytes wide");
   if (!Claim(at, at + 1, 8)) return nullptr;
   auto const time = std::bit_cast<double>(LoadBigEndian(&bytes_[at + 1], 8));
-  return std::isfinite(time) ? CFDateCreate(nullptr, time) : Fail(at, "a date that is no time");
+  if (!std::isfinite(time)) return Fail(at, "a date that is no time");
+  return CFObject::MakeIn<__CFDate>(&blocks_, 0, time);
 }
 
 CFTypeRef Reader::ReadData(std::size_t at) {
   Extent extent;
   if (!ReadExtent(at, 1, extent)) return nullptr;
-  return CFDataCreate(nullptr, bytes_.data() + extent.begin, static_cast<CFIndex>(extent.count));
+  __CFData* const data = __CFData::MakeUnfilled(extent.count, &blocks_);
+  std::memcpy(data->bytes(), bytes_.data() + extent.begin, extent.count);
+  return data;
 }
 
 CFTypeRef Reader::ReadAscii(std::size_t at) {
@@ -273,7 +273,7 @@ CFTypeRef Reader::ReadAscii(std::size_t at) {
   if (!ReadExtent(at, 1, extent)) return nullptr;
   unsigned char const* const text = bytes_.data() + extent.begin;
   if (!encodings::IsAscii(text, extent.count)) return Fail(at, "an ASCII string that is not ASCII");
-  return __CFString::MakeAscii(text, extent.count);
+  return __CFString::MakeAscii(text, extent.count, &blocks_);
 }
 
 CFTypeRef Reader::ReadUtf16(std::size_t at) {
@@ -284,67 +284,73 @@ CFTypeRef Reader::ReadUtf16(std::size_t at) {
   for (std::size_t i = 0; i < extent.count; ++i) {
     units_[i] = static_cast<UniChar>(text[2 * i] << 8 | text[2 * i + 1]);
   }
-  return __CFString::MakeUnits(units_.data(), units_.size());
+  return __CFString::MakeUnits(units_.data(), units_.size(), &blocks_);
 }
 
 CFTypeRef Reader::ReadUid(std::size_t at) {
   std::size_t const width = (bytes_[at] & 0xF) + std::size_t{1};
   if (width > 8) return Fail(at, "a UID wider than 8 bytes");
   if (!Claim(at, at + 1, width)) return nullptr;
-  CFTypeRef const pair[] = {CFRetain(CFSTR("CF$UID")),
-                            __CFNumber::MakeUnsigned(LoadBigEndian(&bytes_[at + 1], width))};
-  return __CFDictionary::MakeTaking(pair, __CFDictionary::Keep::kFirst);
+  CFTypeRef const pair[] = {
+      CFRetain(CFSTR("CF$UID")),
+      __CFNumber::MakeUnsigned(LoadBigEndian(&bytes_[at + 1], width), &blocks_)};
+  return __CFDictionary::MakeTaking(pair, __CFDictionary::Keep::kFirst, &blocks_);
 }
 
-CFTypeRef Reader::ReadArray(std::size_t at, std::size_t number, int enclosing) {
+CFTypeRef Reader::ReadArray(std::size_t at, int enclosing, int& height) {
   Extent extent;
   if (!ReadExtent(at, reference_width_, extent)) return nullptr;
-  __CFArray* const array = __CFArray::MakeUnfilled(extent.count);
-  int height = 0;
+  __CFArray* const array = __CFArray::MakeUnfilled(extent.count, &blocks_);
+  int inside = 0;
+  References const references = ReferencesAt(extent.begin);
+  KnownObjects const known = known_;
   for (UInt64 i = 0; i < extent.count; ++i) {
-    UInt64 const reference = ReferenceAt(extent.begin, i);
-    CFTypeRef const object = ReadObject(reference, enclosing + 1);
+    CFTypeRef object = known.RetainSimple(references[i]);
+    if (object == nullptr) object = ReadObject(references[i], enclosing, inside);
     if (object == nullptr) {
       CFRelease(array);
       return nullptr;
     }
     array->Take(object);
-    height = std::max<int>(height, heights_[reference]);
   }
-  heights_[number] = static_cast<UInt16>(height + 1);
+  height = inside + 1;
   return array;
 }
 
-CFTypeRef Reader::ReadDictionary(std::size_t at, std::size_t number, int enclosing) {
+CFTypeRef Reader::ReadDictionary(std::size_t at, int enclosing, int& height) {
   Extent extent;
   if (!ReadExtent(at, 2 * reference_width_, extent)) return nullptr;
-  __CFDictionary* const dictionary = __CFDictionary::MakeUnfilled(extent.count);
-  int height = 0;
-  if (!FillDictionary(*dictionary, extent, enclosing + 1, height)) {
+  auto* const dictionary =
+      __CFDictionary::MakeUnfilled(extent.count, __CFDictionary::kObjects, &blocks_);
+  int inside = 0;
+  if (!FillDictionary(*dictionary, extent, enclosing, inside)) {
     CFRelease(dictionary);
     return nullptr;
   }
   dictionary->Settle(__CFDictionary::Keep::kLast, &dropped_);
-  heights_[number] = static_cast<UInt16>(height + 1);
+  height = inside + 1;
   return dictionary;
 }
 
 // The references to all keys come first, those to their values behind.
 bool Reader::FillDictionary(__CFDictionary& dictionary, Extent extent, int enclosing, int& height) {
+  References const references = ReferencesAt(extent.begin);
+  KnownObjects const known = known_;
   for (UInt64 i = 0; i < extent.count; ++i) {
-    CFTypeRef const key = ReadObject(ReferenceAt(extent.begin, i), enclosing);
+    CFTypeRef key = known.RetainSimple(references[i]);
+    if (key == nullptr) key = ReadObject(references[i], enclosing, height);
     if (key == nullptr) return false;
-    dictionary.TakeKey(i, key);
+    dictionary.TakeKey(key);
     if (CFObject::Of(key).type() != kCFTypeString) {
       return Refuse(extent.begin + i * reference_width_, "a key that is not a string");
     }
   }
   for (UInt64 i = 0; i < extent.count; ++i) {
-    UInt64 const reference = ReferenceAt(extent.begin, extent.count + i);
-    CFTypeRef const value = ReadObject(reference, enclosing);
+    UInt64 const reference = references[extent.count + i];
+    CFTypeRef value = known.RetainSimple(reference);
+    if (value == nullptr) value = ReadObject(reference, enclosing, height);
     if (value == nullptr) return false;
     dictionary.TakeValue(i, value);
-    height = std::max<int>(height, heights_[reference]);
   }
   return true;
 }

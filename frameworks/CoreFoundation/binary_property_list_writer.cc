@@ -17,6 +17,10 @@ using namespace binary_property_list;
 
 namespace {
 
+// All keys of a dictionary come before its values.
+constexpr void const* __CFDictionary::Pair::*kPartsInOrder[] = {&__CFDictionary::Pair::key,
+                                                                &__CFDictionary::Pair::value};
+
 bool IsContainer(CFObject const& object) {
   return object.type() == kCFTypeArray || object.type() == kCFTypeDictionary;
 }
@@ -90,7 +94,7 @@ class Writer {
 
   // Numbers the object and all it holds, containers before what they hold.
   bool Collect(CFTypeRef object, int enclosing);
-  bool CollectAll(std::span<void const* const> objects, int enclosing, int& height);
+  bool CollectInside(CFTypeRef object, int enclosing, int& height);
   bool CollectHeld(CFTypeRef object, int enclosing, int& height);
 
   void Append(UInt64 value, std::size_t width) {
@@ -106,9 +110,7 @@ class Writer {
     Append(kInteger << 4 | static_cast<unsigned>(std::countr_zero(width)), 1);
     Append(value, width);
   }
-  void AppendReferences(std::span<void const* const> objects) {
-    for (CFTypeRef const object : objects) Append(places_.at(object).number, reference_width_);
-  }
+  void AppendReference(CFTypeRef object) { Append(places_.at(object).number, reference_width_); }
 
   void WriteObject(CFTypeRef reference);
   void WriteNumber(__CFNumber const& number);
@@ -158,27 +160,29 @@ bool Writer::CollectHeld(CFTypeRef object, int enclosing, int& height) {
   if (CFGetTypeID(object) == kCFTypeArray) {
     auto const& array = *static_cast<__CFArray const*>(object);
     if (!array.holds_objects()) return Fail("an array of what is not objects");
-    return CollectAll(array.values(), enclosing, height);
+    return std::ranges::all_of(
+        array.values(), [&](CFTypeRef value) { return CollectInside(value, enclosing, height); });
   }
   auto const& dictionary = *static_cast<__CFDictionary const*>(object);
   if (!dictionary.holds_object_keys() || !dictionary.holds_object_values()) {
     return Fail("a dictionary of what is not objects");
   }
-  std::span const keys(dictionary.keys(), dictionary.count());
-  for (CFTypeRef const key : keys) {
+  for (auto const& [key, value] : dictionary.pairs()) {
     if (key == nullptr || CFGetTypeID(key) != kCFTypeString) {
       return Fail("a key that is not a string");
     }
   }
-  return CollectAll(keys, enclosing, height) &&
-         CollectAll({dictionary.values(), dictionary.count()}, enclosing, height);
+  for (auto const part : kPartsInOrder) {
+    for (auto const& pair : dictionary.pairs()) {
+      if (!CollectInside(pair.*part, enclosing, height)) return false;
+    }
+  }
+  return true;
 }
 
-bool Writer::CollectAll(std::span<void const* const> objects, int enclosing, int& height) {
-  for (CFTypeRef const object : objects) {
-    if (!Collect(object, enclosing)) return false;
-    height = std::max(height, places_.at(object).height);
-  }
+bool Writer::CollectInside(CFTypeRef object, int enclosing, int& height) {
+  if (!Collect(object, enclosing)) return false;
+  height = std::max(height, places_.at(object).height);
   return true;
 }
 
@@ -202,13 +206,16 @@ void Writer::WriteObject(CFTypeRef reference) {
     case kCFTypeArray: {
       auto const& array = *static_cast<CFArrayRef>(reference);
       AppendMarker(kArray, array.values().size());
-      return AppendReferences(array.values());
+      for (CFTypeRef const value : array.values()) AppendReference(value);
+      return;
     }
     case kCFTypeDictionary: {
       auto const& dictionary = *static_cast<CFDictionaryRef>(reference);
-      AppendMarker(kDictionary, dictionary.count());
-      AppendReferences({dictionary.keys(), dictionary.count()});
-      return AppendReferences({dictionary.values(), dictionary.count()});
+      AppendMarker(kDictionary, dictionary.pairs().size());
+      for (auto const part : kPartsInOrder) {
+        for (auto const& pair : dictionary.pairs()) AppendReference(pair.*part);
+      }
+      return;
     }
     default:
       return Append(kNull, 1);

@@ -22,7 +22,7 @@ void ReadKey(CFDictionaryRef info, CFStringRef key, UInt32& code) {
   auto const string = static_cast<CFStringRef>(value);
   if (CFStringGetLength(string) == kCodeBytes &&
       CFStringGetCString(string, text, sizeof text, kCFStringEncodingMacRoman)) {
-    code = CodeOf(text);
+    code = CodeOf({text, kCodeBytes});
   }
 }
 

@@ -52,15 +52,14 @@ class Comparison {
   }
 
   bool CompareDictionaries(__CFDictionary const& left, __CFDictionary const& right) {
-    if (left.count() != right.count()) return false;
+    if (left.pairs().size() != right.pairs().size()) return false;
     if (left.holds_object_keys() != right.holds_object_keys()) return false;
     if (left.holds_object_values() != right.holds_object_values()) return false;
-    for (std::size_t i = 0; i < left.count(); ++i) {
-      CFIndex const place = right.Find(left.keys()[i]);
+    for (auto const& [key, value] : left.pairs()) {
+      CFIndex const place = right.Find(key);
       if (place == kCFNotFound) return false;
-      if (!Demand(left.values()[i], right.values()[place], left.holds_object_values())) {
-        return false;
-      }
+      void const* const other = right.pairs()[static_cast<std::size_t>(place)].value;
+      if (!Demand(value, other, left.holds_object_values())) return false;
     }
     return true;
   }

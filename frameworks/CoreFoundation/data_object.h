@@ -8,7 +8,7 @@
 struct __CFData final : CFObject {
  public:
   // For readers: the caller fills `bytes()` before anyone else sees the object.
-  static __CFData* MakeUnfilled(std::size_t length);
+  static __CFData* MakeUnfilled(std::size_t length, ObjectBlocks* blocks = nullptr);
 
   std::size_t length() const { return length_; }
   UInt8 const* bytes() const { return reinterpret_cast<UInt8 const*>(this + 1); }
@@ -18,7 +18,7 @@ struct __CFData final : CFObject {
   CFHashCode Hash() const override;
 
   // For `CFObject::Make` alone.
-  explicit __CFData(std::size_t length) : CFObject(kCFTypeData), length_(length) {}
+  explicit __CFData(std::size_t length) noexcept : CFObject(kCFTypeData), length_(length) {}
 
  private:
   std::size_t length_;

@@ -1,5 +1,5 @@
-// A dictionary as it is kept: keys, values, and where there are more than a few pairs a hash table
-// of their places. An immutable one has all three right behind itself.
+// A dictionary as it is kept: pairs, and where there are more than a few of them a hash table of
+// their places. An immutable one has both right behind itself.
 #pragma once
 
 #include <CoreFoundation/CFDictionary.h>
@@ -13,26 +13,37 @@
 struct __CFDictionary : CFObject {
  public:
   static constexpr UInt8 kMutable = 1, kObjectKeys = 2, kObjectValues = 4;
+  static constexpr UInt8 kObjects = kObjectKeys | kObjectValues;
 
-  // For readers: a dictionary of objects with room for `capacity` pairs, none there yet. The caller
-  // gives a reference to each key and value by `TakeKey` and `TakeValue` at the same place, all
-  // places from 0 up, and then calls `Settle`, before anyone else sees the dictionary. Released
-  // half filled it gives back what it has.
-  static __CFDictionary* MakeUnfilled(std::size_t capacity,
-                                      UInt8 variant = kObjectKeys | kObjectValues);
-  void TakeKey(std::size_t place, CFTypeRef key) { Inline()[place] = key; }
-  void TakeValue(std::size_t place, CFTypeRef value) { Inline()[count_ + place] = value; }
+  struct Pair {
+    void const* key;
+    void const* value;
+  };
+
+  // For readers: a dictionary with room for `capacity` pairs, none there yet. The caller gives a
+  // reference to each key by `TakeKey` and then to each value by `TakeValue`, at the places from 0
+  // up, and then calls `Settle`, before anyone else sees the dictionary. Released half filled it
+  // gives back what it has.
+  static __CFDictionary* MakeUnfilled(std::size_t capacity, UInt8 variant = kObjects,
+                                      ObjectBlocks* blocks = nullptr);
+  void TakeKey(void const* key) { Inline()[count_++] = {key, nullptr}; }
+  void TakeValue(std::size_t place, void const* value) { Inline()[place].value = value; }
   enum class Keep { kFirst, kLast };
   // Of pairs with equal keys one is kept; the others are added to `dropped`, with their references,
   // or released when it is null.
   void Settle(Keep keep, std::vector<CFTypeRef>* dropped = nullptr);
 
   // Takes over the caller's reference to each object: key, value, key, value, ...
-  static CFDictionaryRef MakeTaking(std::span<CFTypeRef const> keys_and_values, Keep keep);
+  static CFDictionaryRef MakeTaking(std::span<CFTypeRef const> keys_and_values, Keep keep,
+                                    ObjectBlocks* blocks = nullptr);
+  // A dictionary of the `count` pairs that lie `sizeof(__CFDictionary)` behind the start of the
+  // memory, which is from `malloc` and has room for `BytesFor(count)`. Takes over all.
+  static CFDictionaryRef MakeInMalloced(void* memory, std::size_t count, Keep keep);
+  static std::size_t BytesFor(std::size_t count) {
+    return sizeof(__CFDictionary) + count * sizeof(Pair) + PlaceIndex::BytesFor(count);
+  }
 
-  std::size_t count() const;
-  void const* const* keys() const;
-  void const* const* values() const;
+  std::span<Pair const> pairs() const;
   // The place of a key, or `kCFNotFound`.
   CFIndex Find(void const* key) const;
 
@@ -45,14 +56,14 @@ struct __CFDictionary : CFObject {
   CFHashCode Hash() const override;
 
   // For `CFObject::Make` alone.
-  __CFDictionary(UInt8 variant, std::size_t count)
+  explicit __CFDictionary(UInt8 variant, std::size_t count = 0) noexcept
       : CFObject(kCFTypeDictionary, variant), count_(count) {}
 
  private:
-  void const** Inline() { return reinterpret_cast<void const**>(this + 1); }
-  void const* const* Inline() const { return reinterpret_cast<void const* const*>(this + 1); }
+  Pair* Inline() { return reinterpret_cast<Pair*>(this + 1); }
+  Pair const* Inline() const { return reinterpret_cast<Pair const*>(this + 1); }
   PlaceIndex InlineIndex() const;
-  // Moves the pairs together that `Settle` kept, `kept` of them.
+  // Makes the index anew for the pairs that `Settle` kept, `kept` of them.
   void Shrink(std::size_t kept);
 
   std::size_t count_;  // Of an immutable dictionary.
@@ -60,7 +71,7 @@ struct __CFDictionary : CFObject {
 
 struct MutableDictionary final : __CFDictionary {
  public:
-  explicit MutableDictionary(UInt8 variant) : __CFDictionary(variant | kMutable, 0) {}
+  explicit MutableDictionary(UInt8 variant) : __CFDictionary(variant | kMutable) {}
   ~MutableDictionary() override;
 
   // The key must be absent, or the place inside, respectively.
@@ -74,7 +85,7 @@ struct MutableDictionary final : __CFDictionary {
   void Reindex(std::size_t capacity);
   PlaceIndex index() const { return {const_cast<UInt8*>(slots_.data()), capacity_}; }
 
-  std::vector<void const*> keys_, values_;
+  std::vector<Pair> pairs_;
   std::size_t capacity_ = 0;  // Pairs that the index was made for.
   std::vector<UInt8> slots_;
 };

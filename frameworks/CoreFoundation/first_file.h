@@ -2,29 +2,12 @@
 // is told from the state of few of them.
 #pragma once
 
-#include <cstdint>
+#include <cstddef>
 #include <optional>
 #include <span>
 #include <string>
 
-#include "machine/files.h"
-
-// What tells one state of a file from another.
-struct FileState {
-  machine::ItemKind kind = machine::ItemKind::kOther;
-  std::uint64_t device = 0, inode = 0, bytes = 0;
-  machine::FileTime modification, change;
-  // Whether every later change is sure to show. File systems keep time in steps, and two changes
-  // within one look alike.
-  bool is_settled = false;
-
-  // Of the machine in use, links followed. Nothing where there is no file, or it may not be looked
-  // at.
-  static std::optional<FileState> Of(std::string const& path);
-
-  // Whether settled or not.
-  bool operator==(FileState const& other) const;
-};
+#include "frameworks/CoreFoundation/file_state.h"
 
 class FirstFile {
  public:

@@ -59,14 +59,13 @@ HostFolder& HostFolder::Shared() {
 std::shared_ptr<HostFileNames const> HostFolder::NamesIn(std::string const& folder) {
   std::lock_guard lock(guard_);
   std::uint64_t const number = machine::CurrentMachineNumber();
-  auto const status = machine::CurrentMachine().Files().Status(folder, machine::Links::kFollow);
-  bool const is_same = machine_ == number && folder_ == folder && status && identity_ &&
-                       identity_->StillHolds(*status);
+  auto const state = FileState::Of(folder);
+  bool const is_same =
+      machine_ == number && folder_ == folder && state && state_ && state_->StillHolds(*state);
   if (is_same) return names_;
   machine_ = number;
   folder_ = folder;
-  identity_.reset();
-  if (status) identity_.emplace(*status);
-  names_ = std::make_shared<HostFileNames const>(status ? ReadNames(folder) : HostFileNames());
+  state_ = state;
+  names_ = std::make_shared<HostFileNames const>(state ? ReadNames(folder) : HostFileNames());
   return names_;
 }

@@ -9,7 +9,7 @@
 #include <optional>
 #include <string>
 
-#include "frameworks/CoreFoundation/item_identity.h"
+#include "frameworks/CoreFoundation/file_state.h"
 
 // The file of each application that has exactly one whose host is a UUID or the 12 digits of a
 // network address; an empty name for an application that has several.
@@ -27,6 +27,6 @@ class HostFolder {
   std::mutex guard_;
   std::uint64_t machine_ = 0;
   std::string folder_;
-  std::optional<ItemIdentity> identity_;  // nothing while no folder is kept
+  std::optional<FileState> state_;  // nothing while no folder is kept
   std::shared_ptr<HostFileNames const> names_;
 };

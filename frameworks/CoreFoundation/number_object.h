@@ -8,10 +8,16 @@
 
 struct __CFNumber final : CFObject {
  public:
-  static CFNumberRef MakeSigned(SInt64 value, CFNumberType type = kCFNumberSInt64Type);
+  static CFNumberRef MakeSigned(SInt64 value, CFNumberType type = kCFNumberSInt64Type,
+                                ObjectBlocks* blocks = nullptr) {
+    return CFObject::MakeIn<__CFNumber>(blocks, 0, type, Value{.as_signed = value});
+  }
   // As signed where it fits.
-  static CFNumberRef MakeUnsigned(UInt64 value);
-  static CFNumberRef MakeReal(double value, CFNumberType type = kCFNumberFloat64Type);
+  static CFNumberRef MakeUnsigned(UInt64 value, ObjectBlocks* blocks = nullptr);
+  static CFNumberRef MakeReal(double value, CFNumberType type = kCFNumberFloat64Type,
+                              ObjectBlocks* blocks = nullptr) {
+    return CFObject::MakeIn<__CFNumber>(blocks, 0, type, Value{.as_real = value});
+  }
 
   // One of the first six, or `kCFNumberSInt128Type` for what only `as_unsigned` can tell.
   CFNumberType kind() const { return static_cast<CFNumberType>(variant()); }
@@ -30,7 +36,7 @@ struct __CFNumber final : CFObject {
     double as_real;
   };
   // For `CFObject::Make` alone.
-  __CFNumber(CFNumberType kind, Value value)
+  __CFNumber(CFNumberType kind, Value value) noexcept
       : CFObject(kCFTypeNumber, static_cast<UInt8>(kind)), value_(value) {}
 
  private:
@@ -38,7 +44,7 @@ struct __CFNumber final : CFObject {
 };
 
 struct __CFBoolean final : CFObject {
-  explicit constexpr __CFBoolean(bool value) : CFObject(kCFTypeBoolean, value, kConstantCount) {}
+  explicit constexpr __CFBoolean(bool value) : CFObject(Constant(), kCFTypeBoolean, value) {}
 };
 
 struct __CFDate final : CFObject {
@@ -48,7 +54,7 @@ struct __CFDate final : CFObject {
   CFHashCode Hash() const override;
 
   // For `CFObject::Make` alone.
-  explicit __CFDate(CFAbsoluteTime time) : CFObject(kCFTypeDate), time_(time) {}
+  explicit __CFDate(CFAbsoluteTime time) noexcept : CFObject(kCFTypeDate), time_(time) {}
 
  private:
   CFAbsoluteTime time_;

@@ -6,10 +6,14 @@
 #include <CoreFoundation/CFBase.h>
 
 #include <atomic>
+#include <cstdlib>
 #include <new>
+#include <type_traits>
 #include <utility>
 
-// The type numbers, stable within a process, below 256.
+#include "frameworks/CoreFoundation/object_blocks.h"
+
+// The type numbers, stable within a process, below 64.
 enum CFTypeNumber : CFTypeID {
   kCFTypeString = 7,
   kCFTypeNull = 16,
@@ -28,8 +32,8 @@ enum CFTypeNumber : CFTypeID {
 class CFObject {
  public:
   // `variant` is a derived class's own to tell its kinds of object apart.
-  explicit constexpr CFObject(CFTypeNumber type, UInt8 variant = 0, UInt64 count = 1)
-      : head_(count * kOne | static_cast<UInt64>(variant) << 8 | static_cast<UInt64>(type)) {}
+  explicit constexpr CFObject(CFTypeNumber type, UInt8 variant = 0) noexcept
+      : head_(kOne | static_cast<UInt64>(variant) << 8 | static_cast<UInt64>(type)) {}
   constexpr virtual ~CFObject() = default;
   CFObject(CFObject const&) = delete;
   CFObject& operator=(CFObject const&) = delete;
@@ -55,28 +59,80 @@ class CFObject {
     return MakeWithRoom<Object>(0, std::forward<Arguments>(arguments)...);
   }
 
-  CFTypeNumber type() const { return static_cast<CFTypeNumber>(Head() & 0xFF); }
+  // For readers: in blocks, where there are any and the object is small enough for them.
+  template <typename Object, typename... Arguments>
+  static Object* MakeIn(ObjectBlocks* blocks, std::size_t extra, Arguments&&... arguments) {
+    static_assert(std::is_nothrow_constructible_v<Object, Arguments...>);
+    void* const memory = blocks == nullptr ? nullptr : blocks->Take(sizeof(Object) + extra);
+    if (memory == nullptr) return MakeWithRoom<Object>(extra, arguments...);
+    return MakeAt<Object>(memory, Memory::kBlock, arguments...);
+  }
+  // Takes over memory that `malloc` gave, which the object is to begin.
+  template <typename Object, typename... Arguments>
+  static Object* MakeInMalloced(void* memory, Arguments&&... arguments) {
+    static_assert(std::is_nothrow_constructible_v<Object, Arguments...>);
+    return MakeAt<Object>(memory, Memory::kMalloced, arguments...);
+  }
+
+  CFTypeNumber type() const { return static_cast<CFTypeNumber>(Head() & kTypeMask); }
   UInt8 variant() const { return static_cast<UInt8>(Head() >> 8); }
 
   // Asked only of two different objects of one type.
   virtual bool EqualTo(CFObject const&) const { return false; }
-  virtual CFHashCode Hash() const { return reinterpret_cast<CFHashCode>(this); }
+  virtual CFHashCode Hash() const;
 
-  void Retain() const { head_.fetch_add(kOne, std::memory_order_relaxed); }
+  void Retain() const {
+    if (!IsConstant(Head())) head_.fetch_add(kOne, std::memory_order_relaxed);
+  }
   // For readers, cheaper: no other thread knows the object yet, or it is a constant.
-  void RetainUnshared() const { head_.store(Head() + kOne, std::memory_order_relaxed); }
+  void RetainUnshared() const {
+    UInt64 const head = Head();
+    if (!IsConstant(head)) head_.store(head + kOne, std::memory_order_relaxed);
+  }
+  void ReleaseUnshared() const {
+    if (Head() < 2 * kOne) return Destroy();
+    head_.store(Head() - kOne, std::memory_order_relaxed);
+  }
+  // Who has the only reference needs no exchange with others: none of them can come by another.
   void Release() const {
-    if (head_.fetch_sub(kOne, std::memory_order_acq_rel) < 2 * kOne) Destroy();
+    UInt64 const head = head_.load(std::memory_order_acquire);
+    if (IsConstant(head)) return;
+    if (head < 2 * kOne || head_.fetch_sub(kOne, std::memory_order_acq_rel) < 2 * kOne) Destroy();
   }
   CFIndex count() const { return static_cast<CFIndex>(Head() / kOne); }
 
+ protected:
+  struct Constant {};
+  constexpr CFObject(Constant, CFTypeNumber type, UInt8 variant = 0) noexcept
+      : head_(kOne | static_cast<UInt64>(variant) << 8 | static_cast<UInt64>(Memory::kStatic) |
+              static_cast<UInt64>(type)) {}
+
  private:
+  // Where an object's memory came from and goes back to, beside the type.
+  enum class Memory : UInt64 {
+    kNew = 0 << 6,
+    kBlock = 1 << 6,
+    kMalloced = 2 << 6,
+    kStatic = 3 << 6
+  };
+  static constexpr UInt64 kTypeMask = 0x3F, kMemoryMask = 0xC0;
   static constexpr UInt64 kOne = 1 << 16;
 
+  template <typename Object, typename... Arguments>
+  static Object* MakeAt(void* place, Memory memory, Arguments&&... arguments) {
+    auto* const object = ::new (place) Object(std::forward<Arguments>(arguments)...);
+    object->head_.store(object->Head() | static_cast<UInt64>(memory), std::memory_order_relaxed);
+    return object;
+  }
+
+  static bool IsConstant(UInt64 head) {
+    return (head & kMemoryMask) == static_cast<UInt64>(Memory::kStatic);
+  }
   UInt64 Head() const { return head_.load(std::memory_order_relaxed); }
   // Objects released by the destructor of another wait until it is done, so that an object of any
   // depth ends with a flat stack.
   void Destroy() const;
+  void End() const;
 
   // Count, variant and type in one word, because files hold small objects by the million. Of an
   // object that waits for its end, the next that waits.
@@ -84,8 +140,7 @@ class CFObject {
 };
 
 // An object that is a constant: it lies in static storage, is there before any code runs, and has
-// no end. The object begins with a count of `kConstantCount`, which no releasing uses up.
-inline constexpr UInt64 kConstantCount = UInt64{1} << 40;
+// no end. Nobody counts the references to it.
 template <typename Object>
 union CFConstant {
   template <typename... Arguments>

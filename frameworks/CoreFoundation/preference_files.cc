@@ -14,8 +14,6 @@ constexpr std::size_t kMostFiles = 64;
 // Of a file, and of all that are kept.
 constexpr std::size_t kMostBytes = std::size_t{16} << 20;
 
-machine::FileSource const& Files() { return machine::CurrentMachine().Files(); }
-
 // Null when the text is no property list or another kind of value than a dictionary.
 CFTypeRef CreateDictionary(std::string const& text) {
   CFDataRef const data = CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(text.data()),
@@ -54,35 +52,34 @@ PreferenceFiles::Kept const* PreferenceFiles::Find(std::string const& path) {
     kept_bytes_ = 0;
     machine_ = number;
   }
-  auto const status = Files().Status(path, machine::Links::kFollow);
+  auto const state = FileState::Of(path);
   auto const found = kept_.find(path);
   if (found != kept_.end()) {
-    if (status && found->second.identity.StillHolds(*status)) {
+    if (state && found->second.state.StillHolds(*state)) {
       found->second.last_use = ++uses_;
       return &found->second;
     }
     kept_bytes_ -= found->second.bytes;
     kept_.erase(found);
   }
-  return status ? Read(path, *status) : nullptr;
+  return state ? Read(path, *state) : nullptr;
 }
 
 // A pipe or device is not even opened, and neither is what nobody would want to wait for.
 PreferenceFiles::Kept const* PreferenceFiles::Read(std::string const& path,
-                                                   machine::ItemStatus const& status) {
-  if (status.kind != machine::ItemKind::kFile || status.bytes > kMostBytes) {
+                                                   FileState const& state) {
+  if (state.kind != machine::ItemKind::kFile || state.bytes > kMostBytes) {
     machine::Announce(path, machine::Outcome::kMalformed);
     return nullptr;
   }
-  ItemIdentity const identity(status);
-  auto const text = Files().ReadFile(path, kMostBytes);
+  auto const text = machine::CurrentMachine().Files().ReadFile(path, kMostBytes);
   if (!text) return nullptr;
   while (kept_.size() >= kMostFiles ||
          (!kept_.empty() && kept_bytes_ + text->size() > kMostBytes)) {
     DropOldest();
   }
   kept_bytes_ += text->size();
-  Kept file = {identity, {}, text->size(), ++uses_};
+  Kept file = {state, {}, text->size(), ++uses_};
   file.dictionary.reset(CreateDictionary(*text));
   return &kept_.emplace(path, std::move(file)).first->second;
 }

@@ -9,7 +9,7 @@
 #include <mutex>
 #include <string>
 
-#include "frameworks/CoreFoundation/item_identity.h"
+#include "frameworks/CoreFoundation/file_state.h"
 
 // Threads may share it. Keeps the files used last, as many as the bounds allow, and only of the
 // machine in use.
@@ -27,14 +27,14 @@ class PreferenceFiles {
     void operator()(void const* object) const { CFRelease(object); }
   };
   struct Kept {
-    ItemIdentity identity;
+    FileState state;
     std::unique_ptr<void const, Releaser> dictionary;  // null when the file holds none
-    std::uint64_t bytes;                               // of the file
+    std::uint64_t bytes;                               // that were read
     std::uint64_t last_use;
   };
 
   Kept const* Find(std::string const& path);
-  Kept const* Read(std::string const& path, machine::ItemStatus const& status);
+  Kept const* Read(std::string const& path, FileState const& state);
   void DropOldest();
 
   std::mutex guard_;

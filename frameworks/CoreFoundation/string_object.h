@@ -13,20 +13,22 @@
 
 struct __CFString final : CFObject {
  public:
-  static CFStringRef MakeAscii(UInt8 const* bytes, std::size_t length);
+  static CFStringRef MakeAscii(UInt8 const* bytes, std::size_t length,
+                               ObjectBlocks* blocks = nullptr);
   // Kept as ASCII where it is.
-  static CFStringRef MakeUnits(UniChar const* units, std::size_t length);
+  static CFStringRef MakeUnits(UniChar const* units, std::size_t length,
+                               ObjectBlocks* blocks = nullptr);
   // For readers: `fill` writes the units where they are kept. Units must not all be ASCII.
   template <typename Fill>
-  static CFStringRef FillAscii(std::size_t length, Fill&& fill) {
-    __CFString* const string = CFObject::MakeWithRoom<__CFString>(length, true, length);
+  static CFStringRef FillAscii(std::size_t length, Fill&& fill, ObjectBlocks* blocks = nullptr) {
+    __CFString* const string = CFObject::MakeIn<__CFString>(blocks, length, true, length);
     fill(reinterpret_cast<UInt8*>(string + 1));
     return string;
   }
   template <typename Fill>
-  static CFStringRef FillUnits(std::size_t length, Fill&& fill) {
+  static CFStringRef FillUnits(std::size_t length, Fill&& fill, ObjectBlocks* blocks = nullptr) {
     std::size_t const room = length * sizeof(UniChar);
-    __CFString* const string = CFObject::MakeWithRoom<__CFString>(room, false, length);
+    __CFString* const string = CFObject::MakeIn<__CFString>(blocks, room, false, length);
     fill(reinterpret_cast<UniChar*>(string + 1));
     return string;
   }
@@ -44,7 +46,7 @@ struct __CFString final : CFObject {
   CFHashCode Hash() const override;
 
   // For `CFObject::Make` alone.
-  __CFString(bool is_ascii, std::size_t length)
+  __CFString(bool is_ascii, std::size_t length) noexcept
       : CFObject(kCFTypeString, is_ascii ? 1 : 0), length_(length) {}
 
  private:

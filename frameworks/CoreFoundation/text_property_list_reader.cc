@@ -46,7 +46,8 @@ char ControlOf(char letter) {
 // Reads one source. Functions answer whether it went well and keep the first failure.
 class Reader {
  public:
-  Reader(std::string_view text, CFOptionFlags options) : text_(text), builder_(options) {}
+  Reader(std::string_view text, CFOptionFlags options)
+      : text_(text), builder_(options, text.size()) {}
 
   CFPropertyListRef ReadDocument(PropertyListError& error) {
     if (ReadRoot()) return builder_.TakeRoot();
@@ -171,7 +172,7 @@ class Reader {
       }
     }
     if (high != 16) return Fail("Half a byte in data");
-    builder_.Add(CFDataCreate(nullptr, bytes.data(), static_cast<CFIndex>(bytes.size())));
+    builder_.AddData(bytes);
     return true;
   }
 
@@ -193,7 +194,7 @@ class Reader {
       }
       if (!(Take('\\') ? ReadEscape() : ReadCharacter())) return false;
     }
-    builder_.Add(__CFString::MakeUnits(units_.data(), units_.size()));
+    builder_.Add(__CFString::MakeUnits(units_.data(), units_.size(), &builder_.blocks()));
     return true;
   }
 

@@ -24,29 +24,49 @@ enum class Element {
   kTrue,
 };
 
+// A name of at most seven bytes and its length as one word, which no other such name has.
+constexpr UInt64 WordOf(std::string_view name) {
+  UInt64 word = name.size();
+  for (char const c : name) word = word << 8 | static_cast<UInt8>(c);
+  return word;
+}
+
 Element FindElement(std::string_view name) {
-  struct Row {
-    std::string_view name;
-    Element element;
-  };
-  // The commonest first.
-  constexpr Row kRows[] = {
-      {"key", Element::kKey},     {"string", Element::kString},      {"integer", Element::kInteger},
-      {"true", Element::kTrue},   {"false", Element::kFalse},        {"dict", Element::kDictionary},
-      {"array", Element::kArray}, {"data", Element::kData},          {"real", Element::kReal},
-      {"date", Element::kDate},   {"plist", Element::kPropertyList},
-  };
-  for (Row const& row : kRows) {
-    if (row.name == name) return row.element;
+  if (name.size() > 7) return Element::kUnknown;
+  switch (WordOf(name)) {
+    case WordOf("array"):
+      return Element::kArray;
+    case WordOf("data"):
+      return Element::kData;
+    case WordOf("date"):
+      return Element::kDate;
+    case WordOf("dict"):
+      return Element::kDictionary;
+    case WordOf("false"):
+      return Element::kFalse;
+    case WordOf("integer"):
+      return Element::kInteger;
+    case WordOf("key"):
+      return Element::kKey;
+    case WordOf("plist"):
+      return Element::kPropertyList;
+    case WordOf("real"):
+      return Element::kReal;
+    case WordOf("string"):
+      return Element::kString;
+    case WordOf("true"):
+      return Element::kTrue;
+    default:
+      return Element::kUnknown;
   }
-  return Element::kUnknown;
 }
 
 // Reads one document. Each function answers whether it went well; the first failure is kept by the
 // scanner, with its position.
 class Reader {
  public:
-  Reader(std::string_view text, CFOptionFlags options) : scanner_(text), builder_(options) {}
+  Reader(std::string_view text, CFOptionFlags options)
+      : scanner_(text), builder_(options, text.size()) {}
 
   CFPropertyListRef ReadDocument(PropertyListError& error) {
     if (scanner_.SkipProlog() && ReadRoot() && scanner_.SkipToEnd()) return builder_.TakeRoot();
@@ -153,7 +173,7 @@ class Reader {
       builder_.AddAscii(ascii);
       return scanner_.TakeClosing(tag.name);
     }
-    CFStringRef const string = scanner_.TakeString();
+    CFStringRef const string = scanner_.TakeString(builder_.blocks());
     if (string == nullptr) return false;
     builder_.Add(string);
     return scanner_.TakeClosing(tag.name);
@@ -168,32 +188,27 @@ class Reader {
   bool ReadInteger(XmlTag const& tag) {
     auto const integer = ReadXmlInteger(Content(tag));
     if (!integer) return scanner_.Fail("Malformed or too large <integer>");
-    auto const value =
-        static_cast<SInt64>(integer->is_negative ? 0 - integer->magnitude : integer->magnitude);
-    CFSInt128Struct const large = {0, integer->magnitude};
-    bool const is_large = !integer->is_negative && value < 0;
-    builder_.Add(is_large ? CFNumberCreate(nullptr, kCFNumberSInt128Type, &large)
-                          : CFNumberCreate(nullptr, kCFNumberSInt64Type, &value));
+    builder_.AddInteger(integer->magnitude, integer->is_negative);
     return Close(tag);
   }
 
   bool ReadReal(XmlTag const& tag) {
     auto const real = ReadXmlReal(Content(tag));
     if (!real) return scanner_.Fail("Malformed <real>");
-    builder_.Add(CFNumberCreate(nullptr, kCFNumberFloat64Type, &*real));
+    builder_.AddReal(*real);
     return Close(tag);
   }
 
   bool ReadDate(XmlTag const& tag) {
     auto const date = ReadXmlDate(Content(tag));
     if (!date) return scanner_.Fail("Malformed <date>");
-    builder_.Add(CFDateCreate(nullptr, *date));
+    builder_.AddDate(*date);
     return Close(tag);
   }
 
   bool ReadData(XmlTag const& tag) {
     if (!ReadBase64(Content(tag), bytes_)) return scanner_.Fail("Malformed <data>");
-    builder_.Add(CFDataCreate(nullptr, bytes_.data(), static_cast<CFIndex>(bytes_.size())));
+    builder_.AddData(bytes_);
     // What one large piece took is not held while the rest is read.
     if (bytes_.capacity() > 65'536) std::vector<UInt8>().swap(bytes_);
     return Close(tag);

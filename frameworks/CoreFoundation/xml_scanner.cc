@@ -1,5 +1,6 @@
 #include "frameworks/CoreFoundation/xml_scanner.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstring>
@@ -8,8 +9,6 @@
 #include "frameworks/CoreFoundation/string_object.h"
 
 namespace {
-
-constexpr bool IsSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
 
 // Whether a byte ends a run of text that can be taken as it is.
 constexpr std::array<bool, 256> kEndsPlainText = [] {
@@ -31,10 +30,6 @@ bool XmlScanner::Fail(char const* message) {
   return false;
 }
 
-void XmlScanner::SkipSpace() {
-  while (at_ != end_ && IsSpace(*at_)) ++at_;
-}
-
 bool XmlScanner::SkipPast(std::string_view mark, char const* failure) {
   std::size_t const found = Rest().find(mark);
   if (found == std::string_view::npos) return Fail(failure);
@@ -42,10 +37,8 @@ bool XmlScanner::SkipPast(std::string_view mark, char const* failure) {
   return true;
 }
 
-bool XmlScanner::SkipSpaceAndComments() {
-  for (;;) {
-    SkipSpace();
-    if (end_ - at_ < 2 || at_[0] != '<' || (at_[1] != '!' && at_[1] != '?')) return true;
+bool XmlScanner::SkipDeclarations() {
+  for (; IsAtDeclaration(); SkipSpace()) {
     if (StartsWith("<!--")) {
       at_ += 4;
       if (!SkipComment()) return false;
@@ -55,6 +48,7 @@ bool XmlScanner::SkipSpaceAndComments() {
       return true;
     }
   }
+  return true;
 }
 
 bool XmlScanner::SkipProlog() {
@@ -102,11 +96,12 @@ bool XmlScanner::TakeTag(XmlTag& tag) {
   if (*at_ != '<') return Fail("Text between elements");
   char const* at = at_ + 1;
   tag.is_closing = at != end_ && *at == '/';
-  tag.is_empty = false;
   if (tag.is_closing) ++at;
   char const* const name = at;
   while (at != end_ && *at != '>' && *at != '/' && !IsSpace(*at)) ++at;
   tag.name = {name, static_cast<std::size_t>(at - name)};
+  tag.is_empty = !tag.is_closing && end_ - at >= 2 && at[0] == '/' && at[1] == '>';
+  if (tag.is_empty) ++at;
   if (at != end_ && *at == '>') {
     at_ = at + 1;
     return true;
@@ -126,10 +121,11 @@ bool XmlScanner::TakeTag(XmlTag& tag) {
 
 bool XmlScanner::TakeClosing(std::string_view name) {
   if (at_ == end_) return Fail("Unexpected end");
-  if (!StartsWith("</") || !Rest().substr(2).starts_with(name)) {
-    return Fail("Closing tag expected");
-  }
-  at_ += 2 + name.size();
+  char const* const start = at_ + 2;
+  bool const is_there = static_cast<std::size_t>(end_ - at_) >= 2 + name.size() && at_[0] == '<' &&
+                        at_[1] == '/' && std::equal(name.begin(), name.end(), start);
+  if (!is_there) return Fail("Closing tag expected");
+  at_ = start + name.size();
   SkipSpace();
   if (at_ == end_ || *at_ != '>') return Fail("Malformed closing tag");
   ++at_;
@@ -234,7 +230,7 @@ bool XmlScanner::WalkText(Sink&& sink) {
   }
 }
 
-CFStringRef XmlScanner::TakeString() {
+CFStringRef XmlScanner::TakeString(ObjectBlocks& blocks) {
   char const* const start = at_;
   std::size_t length = 0;
   UInt32 all = 0;
@@ -246,11 +242,12 @@ CFStringRef XmlScanner::TakeString() {
   }
   at_ = start;
   if (all < 0x80) {
-    return __CFString::FillAscii(length, [&](UInt8* out) {
+    auto const fill = [&](UInt8* out) {
       WalkText([&](UInt32 character) { *out++ = static_cast<UInt8>(character); });
-    });
+    };
+    return __CFString::FillAscii(length, fill, &blocks);
   }
-  return __CFString::FillUnits(length, [&](UniChar* out) {
+  auto const fill = [&](UniChar* out) {
     WalkText([&](UInt32 character) {
       if (character >= 0x10000) {
         *out++ = static_cast<UniChar>(0xD7C0 + (character >> 10));
@@ -258,5 +255,6 @@ CFStringRef XmlScanner::TakeString() {
       }
       *out++ = static_cast<UniChar>(character);
     });
-  });
+  };
+  return __CFString::FillUnits(length, fill, &blocks);
 }

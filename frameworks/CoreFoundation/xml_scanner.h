@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <string_view>
 
+#include "frameworks/CoreFoundation/object_blocks.h"
+
 struct XmlTag {
   std::string_view name;
   bool is_closing = false;  // </name>
@@ -22,7 +24,10 @@ class XmlScanner {
 
   // The declaration, comments, processing instructions and the document type.
   bool SkipProlog();
-  bool SkipSpaceAndComments();
+  bool SkipSpaceAndComments() {
+    SkipSpace();
+    return !IsAtDeclaration() || SkipDeclarations();
+  }
   // Only white space, comments and processing instructions are left.
   bool SkipToEnd();
 
@@ -37,7 +42,7 @@ class XmlScanner {
   bool TakePlainText(std::string_view& text);
   // Text up to the next tag, without the comments in it, as a string with one reference. Null for
   // malformed UTF-8 and for references that are not known.
-  CFStringRef TakeString();
+  CFStringRef TakeString(ObjectBlocks& blocks);
 
   // Keeps the first failure, with the place that was reached. Always false.
   bool Fail(char const* message);
@@ -47,7 +52,16 @@ class XmlScanner {
  private:
   std::string_view Rest() const { return {at_, static_cast<std::size_t>(end_ - at_)}; }
   bool StartsWith(std::string_view text) const { return Rest().starts_with(text); }
-  void SkipSpace();
+  static constexpr bool IsSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+  void SkipSpace() {
+    while (at_ != end_ && IsSpace(*at_)) ++at_;
+  }
+  // At "<!" or "<?", where neither a tag begins nor text.
+  bool IsAtDeclaration() const {
+    return end_ - at_ >= 2 && at_[0] == '<' && (at_[1] == '!' || at_[1] == '?');
+  }
+  // Comments and processing instructions, and the space behind each.
+  bool SkipDeclarations();
   // Past the next `mark`.
   bool SkipPast(std::string_view mark, char const* failure);
   bool SkipComment() { return SkipPast("-->", "Unterminated comment"); }

@@ -1,149 +1,110 @@
-// Volumes by the items that lie on them.
-#include <CoreServices/Files.h>
+#include <CoreServices/Volumes.h>
 
-#include <mutex>
-#include <vector>
+#include <algorithm>
+#include <cstring>
 
 #include "frameworks/CoreServices/catalog_info.h"
 #include "frameworks/CoreServices/file_names.h"
 #include "frameworks/CoreServices/file_references.h"
-#include "machine/never_destroyed.h"
+#include "frameworks/CoreServices/folder_table.h"
+#include "frameworks/CoreServices/volume_numbers.h"
 
 namespace {
 
-using machine::Links;
+using machine::Fact;
+using machine::Outcome;
+using machine::VolumeFacts;
 
-constexpr FSVolumeRefNum kFirstVolume = -100, kLastVolume = -32000;
-
-std::string FolderOf(std::string const& path) {
-  return path.substr(0, std::max<std::size_t>(path.rfind('/'), 1));
-}
-
-// The volumes met so far, the root's first on each machine. A number is never given twice.
-class VolumeTable {
- public:
-  struct Volume {
-    machine::Machine const* machine;
-    std::uint64_t mount;
-    FSVolumeRefNum number;
-    std::string folder;  // where it is mounted
-  };
-
-  FSVolumeRefNum NumberOf(machine::ItemStatus const& status, std::string const& path) {
-    machine::Machine const* machine = &machine::CurrentMachine();
-    std::lock_guard lock(guard_);
-    Volume const* volume = Find(machine, status.mount);
-    if (volume == nullptr) volume = Add(machine, status, path);
-    return volume == nullptr ? FSVolumeRefNum{0} : volume->number;
-  }
-
-  // Nothing for a number not given on the machine in use; 0 is the root's.
-  std::optional<Volume> WithNumber(FSVolumeRefNum number) {
-    machine::Machine const* machine = &machine::CurrentMachine();
-    auto const root = MachineFiles().Status("/", Links::kKeep);
-    if (!root) return {};
-    FSVolumeRefNum const root_number = NumberOf(*root, "/");
-    if (number == 0) number = root_number;
-    std::lock_guard lock(guard_);
-    for (Volume const& volume : volumes_) {
-      if (volume.machine == machine && volume.number == number) return volume;
-    }
-    return {};
-  }
-
- private:
-  Volume const* Find(machine::Machine const* machine, std::uint64_t mount) const {
-    for (Volume const& volume : volumes_) {
-      if (volume.machine == machine && volume.mount == mount) return &volume;
-    }
-    return nullptr;
-  }
-
-  // A machine's root volume is entered before any other, and so has the first number.
-  Volume const* Add(machine::Machine const* machine, machine::ItemStatus const& status,
-                    std::string const& path) {
-    FSVolumeRefNum next = kFirstVolume;
-    for (Volume const& volume : volumes_) {
-      if (volume.machine == machine) next = std::min<FSVolumeRefNum>(next, volume.number - 1);
-    }
-    if (next == kFirstVolume && path != "/") {
-      auto const root = MachineFiles().Status("/", Links::kKeep);
-      if (!root || Add(machine, *root, "/") == nullptr) return nullptr;
-      if (root->mount == status.mount) return Find(machine, status.mount);
-      --next;
-    }
-    if (next < kLastVolume) return nullptr;
-    volumes_.push_back({machine, status.mount, next, MountFolder(status, path)});
-    return &volumes_.back();
-  }
-
-  // Climbs as long as the folder above lies on the same volume.
-  static std::string MountFolder(machine::ItemStatus const& status, std::string path) {
-    while (path != "/") {
-      std::string const above = FolderOf(path);
-      auto const folder = MachineFiles().Status(above, Links::kKeep);
-      if (!folder || folder->mount != status.mount) break;
-      path = above;
-    }
-    return path;
-  }
-
-  std::mutex guard_;
-  std::vector<Volume> volumes_;
-};
-
-VolumeTable& Volumes() {
-  static machine::NeverDestroyed<VolumeTable> volumes;
-  return *volumes;
-}
+// Of the published record, the version that has what we know.
+constexpr SInt16 kParmsVersion = 2;
+constexpr std::size_t kParmsSize = offsetof(GetVolParmsInfoBuffer, vMExtendedAttributes);
 
 UInt32 Fitting(std::uint64_t number) {
   return static_cast<UInt32>(std::min<std::uint64_t>(number, 0xFFFFFFFF));
 }
 
-OSErr FillSizes(std::string const& folder, FSVolumeInfo& info) {
-  auto const space = MachineFiles().Space(folder);
-  if (!space) return CodeOf(space.absence(), folder);
-  info.totalBytes = space->total_bytes;
-  info.freeBytes = space->free_bytes;
-  info.blockSize = Fitting(space->block_bytes);
-  if (space->block_bytes != 0) {
-    info.totalBlocks = Fitting(space->total_bytes / space->block_bytes);
-    info.freeBlocks = Fitting(space->free_bytes / space->block_bytes);
+UTCDateTime DateOf(std::optional<machine::FileTime> const& time) {
+  return time ? MakeDateTime(*time) : UTCDateTime{};
+}
+
+void FillBlocks(VolumeFacts const& facts, FSVolumeInfo& info) {
+  std::uint64_t const size = facts.block_bytes.value_or(0);
+  if (size == 0) return;
+  info.blockSize = Fitting(size);
+  info.totalBlocks = Fitting(facts.total_bytes.value_or(0) / size);
+  info.freeBlocks = Fitting(facts.free_bytes.value_or(0) / size);
+}
+
+FSVolumeInfo MakeVolumeInfo(FSVolumeInfoBitmap fields, VolumeFacts const& facts) {
+  FSVolumeInfo info = {};
+  auto const is_wanted = [fields](FSVolumeInfoBitmap field) { return (fields & field) != 0; };
+  if (is_wanted(kFSVolInfoCreateDate)) info.createDate = DateOf(facts.created);
+  if (is_wanted(kFSVolInfoModDate)) info.modifiedDate = DateOf(facts.modified);
+  if (is_wanted(kFSVolInfoFileCount)) info.fileCount = Fitting(facts.files.value_or(0));
+  if (is_wanted(kFSVolInfoDirCount)) info.folderCount = Fitting(facts.folders.value_or(0));
+  if (is_wanted(kFSVolInfoSizes)) {
+    info.totalBytes = facts.total_bytes.value_or(0);
+    info.freeBytes = facts.free_bytes.value_or(0);
   }
-  info.fileCount = Fitting(space->files);
-  if (space->is_read_only) info.flags |= kFSVolFlagHardwareLockedMask;
-  return noErr;
+  if (is_wanted(kFSVolInfoBlocks)) FillBlocks(facts, info);
+  if (is_wanted(kFSVolInfoFlags)) info.flags = facts.flags;
+  return info;
+}
+
+OSErr CodeOfVolume(machine::Absence const& absence, std::string const& path) {
+  bool const is_gone =
+      absence.reason == Outcome::kAbsent || absence.reason == Outcome::kNotSupported;
+  return is_gone ? OSErr{nsvErr} : CodeOf(absence, path);
+}
+
+// The root folder as it was seen already, for looking again may hang.
+FSRef MakeRootRef(machine::ItemStatus const& root, std::string const& path) {
+  if (path == "/") return MakeRef(fsRtParID, {}, root);
+  std::size_t const slash = path.rfind('/');
+  UInt32 const folder =
+      FolderTable::Shared().NumberOfPath(path.substr(0, std::max<std::size_t>(slash, 1)));
+  return MakeRef(folder, std::string_view(path).substr(slash + 1), root);
+}
+
+FSRef FindRootRef(VolumeFacts const& facts, std::string const& path) {
+  if (facts.root) return MakeRootRef(*facts.root, path);
+  FSRef root = {};
+  auto const* bytes = reinterpret_cast<UInt8 const*>(path.c_str());
+  if (FSPathMakeRef(bytes, &root, nullptr) != noErr) return {};
+  return root;
 }
 
 }  // namespace
 
-FSVolumeRefNum VolumeOf(machine::ItemStatus const& status, std::string const& path) {
-  return Volumes().NumberOf(status, path);
-}
-
 OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefNum* actualVolume,
                       FSVolumeInfoBitmap whichInfo, FSVolumeInfo* info, HFSUniStr255* volumeName,
                       FSRef* rootDirectory) {
-  auto const found = volumeIndex == 0 ? Volumes().WithNumber(volume) : std::nullopt;
+  auto const found = volumeIndex == 0 ? VolumeNumbers::Shared().WithNumber(volume)
+                                      : VolumeNumbers::Shared().At(volumeIndex - 1);
   if (!found) return nsvErr;
-  auto const status = MachineFiles().Status(found->folder, Links::kKeep);
-  if (!status || status->mount != found->mount) return nsvErr;
-  if (info != nullptr && whichInfo != kFSVolInfoNone) {
-    FSVolumeInfo filled = {};
-    if (OSErr const code = FillSizes(found->folder, filled); code != noErr) return code;
-    if (status->has_birth) filled.createDate = MakeDateTime(status->birth);
-    filled.modifiedDate = MakeDateTime(status->modification);
-    *info = filled;
-  }
+  std::string const& path = found->volume.mount_point;
+  Fact<VolumeFacts> const facts = machine::CurrentMachine().Volumes().FactsOf(found->volume);
+  // One that does not answer in time is mounted all the same. What only it knows is left empty, and
+  // it is not asked for more.
+  bool const is_silent = facts.outcome() == Outcome::kTimedOut;
+  if (!facts && !is_silent) return CodeOfVolume(facts.absence(), path);
+  if (info != nullptr) *info = MakeVolumeInfo(whichInfo, facts ? *facts : VolumeFacts());
   if (actualVolume != nullptr) *actualVolume = found->number;
-  if (volumeName != nullptr) {
-    std::string const name = found->folder.substr(found->folder.rfind('/') + 1);
-    *volumeName = UnicodeName(name.empty() ? "System" : name);
-  }
-  if (rootDirectory != nullptr) {
-    return static_cast<OSErr>(FSPathMakeRef(reinterpret_cast<UInt8 const*>(found->folder.c_str()),
-                                            rootDirectory, nullptr));
-  }
+  if (volumeName != nullptr) *volumeName = UnicodeName(found->volume.name);
+  if (rootDirectory != nullptr) *rootDirectory = facts ? FindRootRef(*facts, path) : FSRef();
+  return noErr;
+}
+
+OSErr PBHGetVolParmsSync(HParmBlkPtr paramBlock) {
+  if (paramBlock == nullptr || paramBlock->ioParam.ioBuffer == nullptr) return paramErr;
+  HIOParam& request = paramBlock->ioParam;
+  request.ioActCount = 0;
+  auto const found = VolumeNumbers::Shared().WithNumber(request.ioVRefNum);
+  request.ioResult = found ? OSErr{noErr} : OSErr{nsvErr};
+  if (!found) return nsvErr;
+  GetVolParmsInfoBuffer parms = {};
+  parms.vMVersion = kParmsVersion;
+  request.ioActCount = std::min<ByteCount>(request.ioReqCount, kParmsSize);
+  std::memcpy(request.ioBuffer, &parms, request.ioActCount);
   return noErr;
 }

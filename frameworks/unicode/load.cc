@@ -1,18 +1,19 @@
 #include "frameworks/unicode/service.h"
-#include "machine/companion_library.h"
+#include "machine/library_beside.h"
 
 namespace unicode {
 namespace {
 
-Service* OpenLibrary() {
-  void* const entry = machine::LoadFromCompanion("libFrameworksUnicode.so", kServiceFunctionName);
-  return entry == nullptr ? nullptr : reinterpret_cast<ServiceFunction>(entry)();
+Service* OpenService() {
+  auto const function = reinterpret_cast<ServiceFunction>(
+      machine::OpenLibraryBeside("libFrameworksUnicode.so", kServiceFunctionName));
+  return function == nullptr ? nullptr : function();
 }
 
 }  // namespace
 
 Service* LoadService() {
-  static Service* const service = OpenLibrary();
+  static Service* const service = OpenService();
   return service;
 }
 

@@ -16,7 +16,6 @@ class OSXDictionaryEntry {
   // Not known to be a string until it has been looked at.
   CFStringRef Key() const { return key_; }
   void const* Object() const { return value_; }
-  RingOfCopies const& Copies() const { return ring_; }
 
  private:
   CFStringRef key_;

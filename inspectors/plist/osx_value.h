@@ -17,7 +17,6 @@ class OSXValue {
   explicit OSXValue(void const* value) : value_(value) {}
 
   void const* Object() const { return value_; }
-  RingOfCopies const& Copies() const { return ring_; }
 
  private:
   void const* value_;

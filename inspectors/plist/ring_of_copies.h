@@ -16,8 +16,6 @@ class RingOfCopies {
   ~RingOfCopies() { Unlink(); }
 
   bool IsAlone() const { return next_ == this; }
-  RingOfCopies const* Next() const { return next_; }
-  RingOfCopies const* Previous() const { return previous_; }
 
  private:
   void LinkBehind(RingOfCopies const& source) {

@@ -1,4 +1,4 @@
-// One reference to a Core Foundation object for all copies of a value together: the last of them
+// One reference to an object of the system for all copies of a value together: the last of them
 // gives it back.
 #pragma once
 
@@ -6,7 +6,7 @@
 
 #include "inspectors/plist/ring_of_copies.h"
 
-template <typename Reference>
+template <typename Reference, auto kRelease = CFRelease>
 class SharedReference {
  public:
   // Takes over one reference that the caller owns; not null.
@@ -26,7 +26,7 @@ class SharedReference {
 
  private:
   void GiveBackIfLast() {
-    if (ring_.IsAlone()) CFRelease(reference_);
+    if (ring_.IsAlone()) kRelease(reference_);
   }
 
   Reference reference_;

@@ -18,8 +18,6 @@ using capture::Facts;
 using capture::Field;
 using capture::OpenedCapture;
 
-constexpr std::size_t kLargestDocument = std::size_t{1} << 28;
-
 // Links may be followed within the folder.
 FileDescriptor OpenBeneath(FileDescriptor const& folder, char const* path) {
   return live::OpenConfined(folder.number(), path, RESOLVE_BENEATH, O_DIRECTORY);
@@ -29,28 +27,22 @@ Absence Refusal(Outcome reason, std::string const& folder, std::string why) {
   return {reason, folder, std::move(why)};
 }
 
-// The folder with the copies, or why there is none.
-void OpenRoot(FileDescriptor const& folder, OpenedCapture& opened) {
-  Field const field = opened.facts["SystemRoot"];
-  Fact<std::string> const path = field.exists() ? field.Text() : Fact<std::string>("root");
-  FileDescriptor root;
-  if (!path) {
-    opened.why_no_files = path.absence().source + ": " + path.absence().where;
-  } else if (path->find('\0') != std::string::npos) {
-    opened.why_no_files = field.path() + ": not a path";
-  } else {
-    root = OpenBeneath(folder, path->c_str());
-    if (!root.is_open()) opened.why_no_files = field.path() + ": " + std::strerror(errno);
-    if (!root.is_open() && errno == EXDEV) {
-      opened.why_no_files = field.path() + ": leads out of the capture";
-    }
-  }
-  if (root.is_open()) opened.root.emplace(std::move(root));
+// The folder with the copies.
+Fact<FileDescriptor> OpenRoot(FileDescriptor const& folder, Facts const& facts) {
+  Field const field = facts["SystemRoot"];
+  Fact<std::string> const path = field.exists() ? field.Text() : capture::kRoot;
+  if (!path) return path.absence();
+  if (path->find('\0') != std::string::npos) return field.Malformed("not a path");
+  FileDescriptor root = OpenBeneath(folder, path->c_str());
+  if (root.is_open()) return root;
+  bool const leads_out = errno == EXDEV;
+  return Absence{live::OutcomeOf(errno), field.path(),
+                 leads_out ? "leads out of the capture" : std::strerror(errno)};
 }
 
 Fact<Record> ReadDocument(FileSource const& files, std::string const& folder, RecordReader reader) {
   std::string const path = "/" + std::string(capture::kDocument), name = folder + path;
-  Fact<std::string> const bytes = files.ReadFile(path, kLargestDocument);
+  Fact<std::string> const bytes = files.ReadFile(path, capture::kLargestDocument);
   if (!bytes) {
     Absence absence = bytes.absence();
     absence.source = name;
@@ -61,8 +53,7 @@ Fact<Record> ReadDocument(FileSource const& files, std::string const& folder, Re
   if (document->As<RecordDictionary>() == nullptr) {
     return Refusal(Outcome::kMalformed, name, "not a dictionary");
   }
-  Facts const facts(*document);
-  Field const version = facts["FormatVersion"];
+  Field const version = Field(&document.value(), name + ": ")["FormatVersion"];
   if (!version.exists()) return document;
   Fact<std::int64_t> const number = version.Integer(1, INT64_MAX);
   if (!number) return Refusal(Outcome::kMalformed, name, "FormatVersion: not a format's number");
@@ -91,6 +82,7 @@ Fact<std::shared_ptr<Machine const>> OpenCapture(std::string const& folder,
   if (!top.is_open()) return live::AnnounceError(errno, folder);
   FileDescriptor again = OpenBeneath(top, ".");
   if (!again.is_open()) {
+    if (errno == EACCES) return live::AnnounceError(errno, folder);
     return Refusal(Outcome::kNotSupported, folder,
                    "this kernel cannot keep paths below a folder (openat2)");
   }
@@ -103,7 +95,10 @@ Fact<std::shared_ptr<Machine const>> OpenCapture(std::string const& folder,
     Fact<Record> document = ReadDocument(files, folder, reader);
     if (!document) return document.absence();
     opened.facts = Facts(std::move(document).value());
-    OpenRoot(top, opened);
+    Fact<FileDescriptor> root = OpenRoot(top, opened.facts);
+    if (root) opened.root.emplace(std::move(root).value());
+    if (!root) opened.why_no_files = CaptureMessage(root.absence());
+    opened.folder = std::make_shared<live::Root const>(std::move(whole));
   } else if (files.Status(kSystemVersionPath, Links::kFollow)) {
     opened.is_volume = true;
     opened.root.emplace(std::move(whole));

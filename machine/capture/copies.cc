@@ -9,6 +9,7 @@
 
 #include "machine/capture/document.h"
 #include "machine/capture/path_walk.h"
+#include "machine/capture/registry_form.h"
 #include "machine/live/apple_double.h"
 #include "machine/live/attributes.h"
 #include "machine/live/folder_entries.h"
@@ -154,6 +155,15 @@ void CaptureFolder::LayDown(CopiedContent const& content, RecordedItem& item,
                            std::string(kNotRecorded) + ": " + std::strerror(errno)};
   if (item.content && *item.content) item.content.emplace(absence);
   if (item.resource_fork && *item.resource_fork) item.resource_fork.emplace(absence);
+}
+
+Fact<Done> CaptureFolder::LayDownPlane(std::string const& plane,
+                                       std::string const& document) const {
+  std::string const path = std::string(kRegistryFolder) + "/" + plane + kPlaneEnding;
+  if (!LayDownFolder(folder_.number(), kRegistryFolder)) return Failure(path_);
+  FileDescriptor const file = CreateFile(folder_.number(), path.c_str(), O_EXCL);
+  if (!file.is_open() || !WriteAll(file.number(), document)) return Failure(path_);
+  return Done();
 }
 
 Fact<Done> CaptureFolder::Finish(std::string const& document) const {

@@ -22,6 +22,8 @@ class CaptureFolder {
   // Items come in the order of their paths. A content that this disk cannot hold is absent from
   // `item` then.
   void LayDown(CopiedContent const& content, RecordedItem& item, bool has_own_companion) const;
+  // A plane of the registry.
+  Fact<Done> LayDownPlane(std::string const& plane, std::string const& document) const;
   // The document, which makes the folder a capture.
   Fact<Done> Finish(std::string const& document) const;
 

@@ -36,6 +36,12 @@ std::size_t Field::count() const {
   return items == nullptr ? 0 : items->size();
 }
 
+std::vector<Field> Field::Items() const {
+  std::vector<Field> items;
+  for (std::size_t i = 0; i < count(); ++i) items.push_back((*this)[i]);
+  return items;
+}
+
 Absence Field::Malformed(std::string why) const {
   return {Outcome::kMalformed, path_, exists() ? std::move(why) : "missing"};
 }
@@ -72,6 +78,13 @@ Fact<RecordDate> Field::Date() const {
   return Malformed("not a date");
 }
 
+void AnnounceMissing(Absence const& absence) {
+  if (CurrentSourceObserver() == nullptr) return;
+  bool const is_lacking = absence.is_not_recorded();
+  Announce(is_lacking ? absence.source + " (" + absence.where + ")" : absence.source,
+           absence.reason);
+}
+
 Record RecordOf(Absence const& absence) {
   RecordDictionary entries;
   entries.Add(kReason, std::string(NameOf(absence.reason)));
@@ -101,7 +114,7 @@ Absence AbsenceIn(Field const& field, Absence whole) {
 }
 
 Field Facts::operator[](std::string_view key) const {
-  return Field(&document_, "machine.plist: ")[key];
+  return Field(&document_, kDocumentPlace)[key];
 }
 
 bool Facts::Knows(std::string const& key) const {
@@ -125,7 +138,7 @@ bool Facts::IsPartial(std::string_view key) const {
 
 Absence Facts::Missing(std::string const& name) const {
   Absence absence = AbsenceIn((*this)["Absent"][name], {Outcome::kAbsent, name, kNotRecorded});
-  Announce(absence.source, absence.reason);
+  AnnounceMissing(absence);
   return absence;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "machine/capture/record.h"
 
@@ -21,8 +22,9 @@ class Field {
   // Of a dictionary or an array; of anything else it does not exist.
   Field operator[](std::string_view key) const;
   Field operator[](std::size_t index) const;
-  // Of an array; 0 of anything else.
+  // Of an array; 0 and none of anything else.
   std::size_t count() const;
+  std::vector<Field> Items() const;
 
   // A string, or data, whose bytes may be anything.
   Fact<std::string> Text() const;
@@ -42,7 +44,10 @@ class Field {
   std::string path_;
 };
 
-inline constexpr char kNotRecorded[] = "not recorded";
+// Before the keys in the places of a capture's document.
+inline constexpr char kDocumentPlace[] = "machine.plist: ";
+// With the reason where the capture lacks something that the machine may have had.
+void AnnounceMissing(Absence const& absence);
 
 // An absence as it was recorded: a text, or a dictionary with "Reason" and more.
 Record RecordOf(Absence const& absence);

@@ -9,11 +9,12 @@
 namespace machine::capture {
 namespace {
 
-// Said of the path that was asked, whatever the path at which it was found.
+// Said of the path that was asked, whatever the path at which it was found, unless the document is
+// at fault.
 Absence Announced(Absence absence, std::string const& path, char const* where = "") {
-  absence.source = path;
+  if (!absence.source.starts_with(kDocumentPlace)) absence.source = path;
   if (absence.where.empty()) absence.where = where;
-  Announce(path, absence.reason);
+  AnnounceMissing(absence);
   return absence;
 }
 
@@ -25,7 +26,7 @@ class OnTheWay final : public ItemsOnTheWay {
     if (!item) return item.absence();
     return item->item.status.kind;
   }
-  Fact<std::string> TargetOf(std::string const& path) override { return files_.ReadLink(path); }
+  Fact<std::string> TargetOf(std::string const& path) override { return files_.TargetAt(path); }
 
  private:
   Files const& files_;
@@ -70,6 +71,7 @@ Fact<RecordedItem> Files::Over(std::string const& path, RecordedItem copy) const
 }
 
 Fact<Item> Files::CopyAt(std::string const& path, Known wanted) const {
+  Unobserved const unobserved;
   if (wanted == Known::kAll) return copies_.Describe(path, Links::kKeep);
   Fact<ItemStatus> const status = copies_.Status(path, Links::kKeep);
   if (!status) return status.absence();
@@ -145,6 +147,7 @@ Fact<std::string> Files::TargetAt(std::string const& path) const {
     return Absence{live::OutcomeOf(EINVAL), path, {}, EINVAL};
   }
   if (records_.is_partial()) return NotRecorded(path);
+  Unobserved const unobserved;
   return copies_.ReadLink(*place);
 }
 
@@ -170,6 +173,7 @@ Fact<std::unique_ptr<Folder>> Files::OpenFolderAt(std::string const& path) const
     return MakeListedFolder(*this, path, item->item.status, std::move(*listing).value());
   }
   if (records_.is_partial()) return NotRecorded(path);
+  Unobserved const unobserved;
   auto copy = copies_.OpenFolder(path);
   if (!copy) return copy.absence();
   return MakeOverlaidFolder(*this, path, item->item.status, std::move(copy).value());
@@ -199,7 +203,7 @@ Fact<std::unique_ptr<OpenFile>> Files::OpenFork(std::string const& path, Fork fo
 // What is too long is so even when its content was not recorded.
 Fact<std::string> Files::ReadFile(std::string const& path, std::size_t most) const {
   Fact<std::string> text = FileSource::ReadFile(path, most);
-  if (text || !text.absence().where.starts_with(kNotRecorded)) return text;
+  if (text || !text.absence().is_not_recorded()) return text;
   Fact<ItemStatus> const status = Status(path, Links::kFollow);
   bool const is_too_long = status && status->kind == ItemKind::kFile && status->bytes > most;
   if (!is_too_long) return text;

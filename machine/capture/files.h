@@ -29,17 +29,17 @@ class Files final : public FileSource {
   Fact<std::string> UserName(std::uint32_t user) const override;
   Fact<std::string> GroupName(std::uint32_t group) const override;
 
-  // For the folders of this source. Paths are without links.
+  // For the folders of this source and for walks. Paths are without links; nothing is announced.
 
   // At least `wanted` of an item, an absence where less than that is recorded.
   Fact<RecordedItem> ItemAt(std::string const& path, Known wanted) const;
   // What was recorded of an item over what its copy says.
   Fact<RecordedItem> Over(std::string const& path, RecordedItem copy) const;
+  Fact<std::string> TargetAt(std::string const& path) const;
   Fact<std::unique_ptr<Folder>> OpenFolderAt(std::string const& path) const;
 
  private:
   Fact<std::string> Walk(std::string const& path, Links links) const;
-  Fact<std::string> TargetAt(std::string const& path) const;
   // What a path leads to, announced by that path.
   Fact<RecordedItem> Find(std::string const& path, Links links, Known wanted) const;
   Fact<Item> CopyAt(std::string const& path, Known wanted) const;

@@ -20,8 +20,8 @@ class CapturedFolder : public Folder {
 
  protected:
   Absence Failure(Absence absence, std::string const& path) const {
-    absence.source = path;
-    Announce(path, absence.reason);
+    if (!absence.source.starts_with(kDocumentPlace)) absence.source = path;
+    AnnounceMissing(absence);
     return absence;
   }
 

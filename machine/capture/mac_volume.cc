@@ -1,5 +1,6 @@
 #include "machine/capture/mac_volume.h"
 
+#include "machine/live/text.h"
 #include "machine/system_files.h"
 
 namespace machine::capture {
@@ -7,6 +8,7 @@ namespace {
 
 constexpr char kPreferences[] = "/Library/Preferences/SystemConfiguration/preferences.plist";
 constexpr char kUsers[] = "/var/db/dslocal/nodes/Default/users";
+constexpr char kLabel[] = "/System/Library/CoreServices/.disk_label.contentDetails";
 constexpr std::string_view kListSuffix = ".plist";
 
 Field RootOf(Record const& record, std::string const& path) { return Field(&record, path + ": "); }
@@ -32,6 +34,15 @@ Fact<SystemVersion> MacVolume::Version() const {
     if (auto const* text = value.As<std::string>()) version.emplace_back(key, *text);
   }
   return version;
+}
+
+Fact<std::string> MacVolume::Label() const {
+  constexpr std::size_t kMostBytes = 4096;
+  Fact<std::string> const text = files_.ReadFile(kLabel, kMostBytes);
+  if (!text) return text;
+  std::string const label(live::Trim(*text));
+  if (label.empty()) return Absence{Outcome::kAbsent, kLabel, "empty"};
+  return label;
 }
 
 Fact<std::string> MacVolume::ComputerName() const {

@@ -15,6 +15,8 @@ class MacVolume {
   MacVolume(FileSource const& files, RecordReader reader) : files_(files), reader_(reader) {}
 
   Fact<SystemVersion> Version() const;
+  // Of the volume, as it stands below its icon.
+  Fact<std::string> Label() const;
   Fact<std::string> ComputerName() const;
   Fact<std::string> HostName() const;
   // By the records of the local directory.

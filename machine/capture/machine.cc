@@ -2,8 +2,12 @@
 
 #include <cerrno>
 
+#include "machine/capture/components.h"
 #include "machine/capture/directory.h"
+#include "machine/capture/registry.h"
+#include "machine/capture/scsi.h"
 #include "machine/capture/sessions.h"
+#include "machine/capture/volumes.h"
 #include "machine/live/files.h"
 
 namespace machine::capture {
@@ -29,8 +33,9 @@ class NoFiles final : public FileSource {
 
  private:
   Absence Missing(std::string const& path) const {
-    Announce(path, Outcome::kAbsent);
-    return {Outcome::kAbsent, path, why_, ENOENT};
+    Absence absence = {Outcome::kAbsent, path, std::string(kNotRecorded) + ": " + why_, ENOENT};
+    AnnounceMissing(absence);
+    return absence;
   }
   std::string const why_;
 };
@@ -39,6 +44,7 @@ class CaptureMachine final : public Machine {
  public:
   CaptureMachine(OpenedCapture opened, CaptureChoices choices, RecordReader reader)
       : opened_(std::move(opened)),
+        reader_(reader),
         copies_(MakeCopies()),
         volume_(Files(), reader),
         users_(opened_.facts, Files(), volume_, std::move(choices)),
@@ -60,6 +66,10 @@ class CaptureMachine final : public Machine {
   UserSource const& Users() const override { return users_; }
   DirectorySource const& Directory() const override { return directory_; }
   SessionSource const& Sessions() const override { return sessions_; }
+  VolumeSource const& Volumes() const override { return volumes_; }
+  RegistrySource const& Registry() const override { return registry_; }
+  ScsiSource const& Scsi() const override { return scsi_; }
+  ComponentSource const& Components() const override { return components_; }
 
  private:
   std::unique_ptr<FileSource const> MakeCopies() const {
@@ -68,6 +78,7 @@ class CaptureMachine final : public Machine {
   }
 
   OpenedCapture const opened_;
+  RecordReader const reader_;
   std::unique_ptr<FileSource const> const copies_;
   capture::Files files_{opened_.facts, *copies_};
   MacVolume volume_;
@@ -78,12 +89,16 @@ class CaptureMachine final : public Machine {
   capture::System system_{opened_.facts, Files(), volume_};
   capture::Users users_;
   capture::Directory directory_;
+  CapturedVolumes volumes_{opened_.facts, files_, volume_, opened_.root.has_value()};
   capture::Memory memory_{opened_.facts};
   capture::Processors processors_{opened_.facts};
   capture::Hardware hardware_{opened_.facts};
   capture::Processes processes_{opened_.facts};
   capture::Sessions sessions_{opened_.facts};
   capture::Gestalt gestalt_{opened_.facts, *this};
+  capture::Registry registry_{opened_.facts, opened_.folder, reader_};
+  capture::Scsi scsi_{opened_.facts};
+  capture::RegisteredComponents components_{opened_.facts};
 };
 
 }  // namespace

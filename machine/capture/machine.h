@@ -15,6 +15,8 @@ struct OpenedCapture {
   // Only with a folder of copies; else why there is none.
   std::optional<live::Root> root;
   std::string why_no_files;
+  // The capture's own, where it has more than files.
+  std::shared_ptr<live::Root const> folder;
   // The root of a volume: its disk is the machine's own.
   bool is_volume = false;
 };

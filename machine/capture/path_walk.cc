@@ -54,11 +54,7 @@ Fact<std::string> WalkPath(ItemsOnTheWay& items, std::string const& path, Links 
     bool const is_last = names.is_empty();
     if (is_last && links == Links::kKeep) return next;
     Fact<ItemKind> const kind = items.KindOf(next);
-    if (!kind) {
-      Absence absence = kind.absence();
-      absence.source = path;
-      return absence;
-    }
+    if (!kind) return kind.absence();
     if (*kind == ItemKind::kLink) {
       Fact<std::string> const target = items.TargetOf(next);
       if (!target) return target.absence();

@@ -16,7 +16,7 @@ class ItemsOnTheWay {
 };
 
 // The path without links, "." and "..", which stays below the root like the kernel's own walks.
-// With `kKeep` the last item is not looked at. An absence carries `path` and the error.
+// With `kKeep` the last item is not looked at.
 Fact<std::string> WalkPath(ItemsOnTheWay& items, std::string const& path, Links links);
 
 // The folder that holds an item, and its name there. Of the root itself: "/" and nothing.

@@ -72,7 +72,7 @@ void RecordedFacts::AddProcesses(RecordDictionary& document, RecordArray& partia
   document.Add(kProcesses, std::move(processes));
 }
 
-RecordDictionary RecordedFacts::Document() const {
+RecordDictionary RecordedFacts::Document(RecordedScsi const& scsi) const {
   std::lock_guard lock(guard_);
   RecordDictionary document, absent;
   RecordArray partial;
@@ -93,6 +93,7 @@ RecordDictionary RecordedFacts::Document() const {
   }
   AddEnvironment(document, partial);
   AddProcesses(document, partial);
+  scsi.AddTo(document, absent, partial);
   partial.emplace_back(std::string("Files"));
   document.Add("Partial", std::move(partial));
   if (!absent.entries().empty()) document.Add("Absent", std::move(absent));

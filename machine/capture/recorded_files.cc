@@ -15,7 +15,7 @@ RecordedFiles::RecordedFiles(Facts const& facts) : is_partial_(facts.IsPartial(k
 std::optional<Field> RecordedFiles::Find(std::string const& path) const {
   auto const found = items_.find(path);
   if (found == items_.end()) return {};
-  return Field(found->second, "machine.plist: Files." + path);
+  return Field(found->second, std::string(kDocumentPlace) + kKey + "." + path);
 }
 
 bool RecordedFiles::IsKnownToBeMissing(std::string const& path) const {

@@ -1,21 +1,12 @@
-#include <cstdio>
-
 #include "machine/capture/item_keys.h"
 #include "machine/capture/recorded_item.h"
+#include "machine/capture/recorded_time.h"
 #include "machine/capture/values.h"
 
 namespace machine::capture {
 namespace {
 
 using namespace item_keys;
-
-// Seconds since 1970, a point and nine digits; a date has no room for all of a file's time.
-std::string TextOf(FileTime const& time) {
-  char text[40];
-  std::snprintf(text, sizeof text, "%lld.%09u", static_cast<long long>(time.seconds),
-                time.nanoseconds);
-  return text;
-}
 
 Record SpaceRecord(VolumeSpace const& space) {
   RecordDictionary entries;

@@ -1,7 +1,9 @@
+#include <algorithm>
 #include <cerrno>
 
 #include "machine/capture/path_walk.h"
 #include "machine/capture/recording.h"
+#include "machine/live/item.h"
 
 namespace machine::capture {
 
@@ -41,7 +43,10 @@ class ItemsAsked final : public ItemsOnTheWay {
 RecordedItem* RecordedItems::At(std::string const& place) {
   auto const found = items_.find(place);
   if (found != items_.end()) return &found->second;
-  if (items_.size() >= limits_.items) return nullptr;
+  if (items_.size() >= limits_.items) {
+    is_full_ = true;
+    return nullptr;
+  }
   return &items_[place];
 }
 
@@ -83,14 +88,27 @@ void RecordedItems::KeepTarget(std::string const& place, Fact<std::string> targe
   if (RecordedItem* const recorded = At(place)) recorded->target.emplace(std::move(target));
 }
 
-// A folder that was left before its end does not take away what is known of it.
+bool RecordedItems::HasAll(std::string const& place, RecordedListing const& listing) const {
+  return !is_full_ || std::all_of(listing.names.begin(), listing.names.end(), [&](auto& name) {
+    return items_.contains(live::PathIn(place, name));
+  });
+}
+
+// A folder that was left before its end does not take away what is known of it. One whose entries
+// did not all fit would pass for a smaller one, so that nothing is told of them.
 void RecordedItems::KeepListing(std::string const& place, Fact<RecordedListing> listing) {
   std::lock_guard lock(guard_);
   RecordedItem* const recorded = At(place);
   if (recorded == nullptr) return;
   bool const had_whole = recorded->listing && *recorded->listing && (*recorded->listing)->is_whole;
   bool const is_less = listing && !listing->is_whole;
-  if (!had_whole || !is_less) recorded->listing.emplace(std::move(listing));
+  if (had_whole && is_less) return;
+  if (listing && !HasAll(place, *listing)) {
+    std::string const limit = std::to_string(limits_.items);
+    listing = Absence{Outcome::kAbsent, place,
+                      std::string(kNotRecorded) + ": more than " + limit + " files and folders"};
+  }
+  recorded->listing.emplace(std::move(listing));
 }
 
 void RecordedItems::KeepSpace(std::string const& place, Fact<VolumeSpace> const& space) {

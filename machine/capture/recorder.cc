@@ -1,6 +1,7 @@
 #include "machine/capture/recorder.h"
 
 #include <algorithm>
+#include <cerrno>
 
 #include "machine/capture/copies.h"
 #include "machine/capture/document.h"
@@ -25,7 +26,7 @@ constexpr char const* kSystemFiles[] = {
     "/etc/os-release",  "/usr/lib/os-release",
     kUserListPath,      kGroupListPath,
     kLocalTimePath,     "/etc/timezone",
-    "/etc/hostname",    "/etc/machine-id",
+    "/etc/hostname",    kMachineIdPath,
     "/etc/machine-info"};
 
 void AskUsers(Machine const& machine) {
@@ -72,9 +73,21 @@ void AskHardware(Machine const& machine) {
   machine.Hardware().ProductName();
   machine.Hardware().HasUsb();
   machine.Hardware().UsbRelease();
+  machine.Components().Components();
   Fact<std::vector<std::uint32_t>> const selectors = machine.Gestalt().Selectors();
   if (!selectors) return;
   for (std::uint32_t const selector : *selectors) machine.Gestalt().Response(selector);
+}
+
+void AskScsi(ScsiSource const& scsi) {
+  Fact<std::vector<std::uint8_t>> const buses = scsi.BusNumbers();
+  if (!buses) return;
+  for (std::uint8_t const bus : *buses) {
+    scsi.Bus(bus);
+    Fact<std::vector<std::uint8_t>> const targets = scsi.TargetNumbers(bus);
+    if (!targets) continue;
+    for (std::uint8_t const target : *targets) scsi.Inquiry(bus, target);
+  }
 }
 
 void AskSystem(Machine const& machine) {
@@ -109,8 +122,11 @@ void Recorder::RecordEverything() {
   auto const machine = RecordingMachine();
   AskSystem(*machine);
   AskHardware(*machine);
+  AskScsi(machine->Scsi());
+  AskRegistry(machine->Registry(), *state_->registry);
   AskUsers(*machine);
   AskDirectory(machine->Directory());
+  AskVolumes(*machine);
   AskFiles(machine->Files());
 }
 
@@ -118,13 +134,14 @@ std::vector<std::string> Recorder::LeftOut() const {
   std::vector<std::string> paths;
   for (auto const& [path, item] : state_->items.items()) {
     for (auto const* content : {&item.content, &item.resource_fork}) {
-      bool const is_left_out =
-          *content && !**content && (**content).absence().where.starts_with(kNotRecorded);
+      bool const is_left_out = *content && !**content && (**content).absence().is_not_recorded();
       if (is_left_out) paths.push_back(path);
     }
   }
   return paths;
 }
+
+bool Recorder::HasAllItems() const { return !state_->items.is_full(); }
 
 Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const {
   Fact<CaptureFolder> const made = CaptureFolder::Make(folder);
@@ -140,7 +157,15 @@ Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const
                    written, has_own_companion);
     files.Add(KeyOfBytes(path), RecordOf(written));
   }
-  RecordDictionary document = state_->facts.Document();
+  state_->facts.Keep(kVolumes, state_->volumes.Whole());
+  for (auto const& [plane, record] : state_->registry->Planes()) {
+    Fact<std::string> const bytes = writer(record);
+    if (!bytes) return bytes.absence();
+    Fact<Done> const is_written = target.LayDownPlane(plane, *bytes);
+    if (!is_written) return is_written;
+  }
+  state_->registry->AddTo(state_->facts);
+  RecordDictionary document = state_->facts.Document(state_->scsi);
   document.Add("Files", std::move(files));
   auto const* known_absent = document.Find("Absent");
   RecordDictionary absent =
@@ -149,6 +174,9 @@ Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const
   if (!absent.entries().empty()) document.Add("Absent", std::move(absent));
   Fact<std::string> const bytes = writer(document);
   if (!bytes) return bytes.absence();
+  if (bytes->size() > kLargestDocument) {
+    return Absence{Outcome::kMalformed, folder, "too much was asked for one capture", EFBIG};
+  }
   return target.Finish(*bytes);
 }
 

@@ -16,8 +16,11 @@ struct RecordingLimits {
   // Of the contents of all files together. What does not fit is absent from the capture, "not
   // recorded: larger than ...".
   std::uint64_t content_bytes = std::uint64_t{64} << 20;
-  // Of the items looked at. Folders are not recorded further than that.
-  std::uint64_t items = 150'000;
+  // Of the items looked at. What does not fit is "not recorded", and so is what a folder holds when
+  // some of it does not.
+  std::uint64_t items = 100'000;
+  // Of the registry, all planes together. What is more is absent, with this reason.
+  std::uint64_t registry_entries = 250'000, registry_bytes = std::uint64_t{64} << 20;
 };
 
 class MACHINE_API Recorder {
@@ -38,6 +41,8 @@ class MACHINE_API Recorder {
 
   // The paths of the files whose contents did not fit.
   std::vector<std::string> LeftOut() const;
+  // False when more items were looked at than the limit.
+  bool HasAllItems() const;
 
   // Lays the capture down in a folder that does not exist yet or is empty. `machine.plist` comes
   // last, so that one that was broken off is no capture. To be called once nobody asks any more.

@@ -13,6 +13,9 @@
 #include "machine/capture/record.h"
 #include "machine/capture/recorded_item.h"
 #include "machine/capture/recorder.h"
+#include "machine/capture/registry_recording.h"
+#include "machine/capture/scsi_recording.h"
+#include "machine/capture/volumes_recording.h"
 #include "machine/machine.h"
 
 namespace machine::capture {
@@ -40,7 +43,7 @@ class RecordedFacts {
   }
 
   // The whole document but for its files.
-  RecordDictionary Document() const;
+  RecordDictionary Document(RecordedScsi const& scsi) const;
 
  private:
   void AddEnvironment(RecordDictionary& document, RecordArray& partial) const;
@@ -74,11 +77,14 @@ class RecordedItems {
   // For writing, once nobody asks any more. Parents come before what is in them.
   std::map<std::string, RecordedItem> const& items() const { return items_; }
   Content ContentOf(std::string const& place, Fork fork) const;
+  // Whether there were more than fit.
+  bool is_full() const { return is_full_; }
 
  private:
   friend class ItemsAsked;
   // Null when there are too many.
   RecordedItem* At(std::string const& place);
+  bool HasAll(std::string const& place, RecordedListing const& listing) const;
   void DropContent(std::string const& place, Fork fork);
   std::map<std::string, Content>& ContentsOf(Fork fork) {
     return fork == Fork::kData ? contents_ : resource_forks_;
@@ -90,33 +96,27 @@ class RecordedItems {
   std::map<std::string, RecordedItem> items_;
   std::map<std::string, Content> contents_, resource_forks_;
   std::uint64_t content_bytes_ = 0;
+  bool is_full_ = false;
 };
 
 struct Recording {
   Recording(std::shared_ptr<Machine const> machine, RecordingLimits limits)
-      : asked(std::move(machine)), items(asked->Files(), limits) {}
+      : asked(std::move(machine)),
+        items(asked->Files(), limits),
+        registry(std::make_shared<RecordedRegistry>(limits)) {}
 
   std::shared_ptr<Machine const> const asked;
   RecordedFacts facts;
+  RecordedScsi scsi;
+  RecordedVolumes volumes;
   RecordedItems items;
   RecordedDirectory directory;
+  std::shared_ptr<RecordedRegistry> const registry;  // with its nodes
 };
 
 // The files of a recording machine.
 std::unique_ptr<FileSource const> MakeRecordingFiles(Recording& recording);
 // The machine itself, which keeps the recording.
 std::shared_ptr<Machine const> MakeRecordingMachine(std::shared_ptr<Recording> recording);
-
-// What the recorder asks for itself is announced to nobody.
-class Unobserved {
- public:
-  Unobserved() : before_(SetSourceObserver(nullptr)) {}
-  ~Unobserved() { SetSourceObserver(before_); }
-  Unobserved(Unobserved const&) = delete;
-  Unobserved& operator=(Unobserved const&) = delete;
-
- private:
-  SourceObserver* const before_;
-};
 
 }  // namespace machine::capture

@@ -76,6 +76,17 @@ class RecordedContent final : public OpenFile {
   Content const content_;
 };
 
+// Does not begin with what is far too long. Of small files the size may say too much: in /sys it is
+// that of a page.
+Fact<std::string> ReadWithin(OpenFile& file, std::string const& path, std::uint64_t most) {
+  constexpr std::uint64_t kLargestPage = 1 << 16;
+  Fact<std::uint64_t> const size = file.Size();
+  if (size && *size > std::max(most, kLargestPage)) {
+    return Absence{Outcome::kMalformed, path, "too long", EFBIG};
+  }
+  return ReadWhole(file, path, most);
+}
+
 class RecordingFiles final : public FileSource {
  public:
   explicit RecordingFiles(Recording& recording)
@@ -194,7 +205,7 @@ Fact<std::unique_ptr<OpenFile>> RecordingFiles::OpenFork(std::string const& path
   Item item;
   item.status = (*file)->Status();
   items_.KeepItem(*place, Known::kStatus, item);
-  Fact<std::string> text = ReadWhole(**file, path, items_.RoomForContent(*place, fork));
+  Fact<std::string> text = ReadWithin(**file, path, items_.RoomForContent(*place, fork));
   bool const is_too_large = !text && text.absence().error == EFBIG;
   if (is_too_large) items_.KeepContentTooLarge(*place, fork);
   if (!text && !is_too_large) items_.KeepContentAbsence(*place, fork, text.absence());

@@ -1,4 +1,5 @@
 // A machine that is asked through a recorder.
+#include "machine/capture/components.h"
 #include "machine/capture/recording.h"
 #include "machine/capture/values.h"
 
@@ -205,6 +206,21 @@ class RecordingDirectory : public DirectorySource {
   RecordedDirectory& directory_;
 };
 
+class RecordingComponents final : public ComponentSource {
+ public:
+  explicit RecordingComponents(Recording& recording)
+      : asked_(*recording.asked), facts_(recording.facts) {}
+
+  Fact<SharedComponents> Components() const override {
+    return facts_.Passed(kComponents, asked_.Components().Components(),
+                         [](SharedComponents const& components) { return RecordOf(*components); });
+  }
+
+ private:
+  Machine const& asked_;
+  RecordedFacts& facts_;
+};
+
 class RecordingMachine final : public Machine {
  public:
   explicit RecordingMachine(std::shared_ptr<Recording> recording)
@@ -213,6 +229,10 @@ class RecordingMachine final : public Machine {
         hardware_(*recording_),
         processes_(*recording_),
         directory_(*recording_),
+        scsi_(recording_->asked->Scsi(), recording_->scsi),
+        components_(*recording_),
+        volumes_(recording_->asked->Volumes(), recording_->volumes),
+        registry_(recording_->asked, recording_->facts, recording_->registry),
         files_(MakeRecordingFiles(*recording_)) {}
 
   ClockSource const& Clock() const override { return sources_; }
@@ -229,6 +249,10 @@ class RecordingMachine final : public Machine {
   UserSource const& Users() const override { return sources_; }
   DirectorySource const& Directory() const override { return directory_; }
   SessionSource const& Sessions() const override { return sources_; }
+  RegistrySource const& Registry() const override { return registry_; }
+  VolumeSource const& Volumes() const override { return volumes_; }
+  ScsiSource const& Scsi() const override { return scsi_; }
+  ComponentSource const& Components() const override { return components_; }
 
  private:
   std::shared_ptr<Recording> const recording_;
@@ -236,6 +260,10 @@ class RecordingMachine final : public Machine {
   RecordingHardware const hardware_;
   RecordingProcesses const processes_;
   RecordingDirectory const directory_;
+  RecordingScsi const scsi_;
+  RecordingComponents const components_;
+  RecordingVolumes const volumes_;
+  RecordingRegistry const registry_;
   std::unique_ptr<FileSource const> const files_;
 };
 

@@ -14,17 +14,24 @@ bool IsUserName(std::string_view name) {
 }  // namespace
 
 Fact<std::string> Users::CurrentUser() const {
-  if (choices_.user.empty()) return facts_.Text("CurrentUser");
+  constexpr char const* kKey = "CurrentUser";
+  if (choices_.user.empty() && facts_.Knows(kKey)) return facts_.Text(kKey);
+  if (choices_.user.empty()) {
+    Absence const absence = {Outcome::kAbsent, kKey,
+                             std::string(kNotRecorded) + ", and no user was chosen"};
+    AnnounceMissing(absence);
+    return absence;
+  }
   if (IsUserName(choices_.user)) return choices_.user;
   return Absence{Outcome::kMalformed, "the chosen user", choices_.user};
 }
 
 Fact<std::string> Users::CurrentHome() const {
-  Fact<std::string> const user = CurrentUser();
   Field const recorded = facts_["CurrentUser"];
-  bool const is_recorded = choices_.user.empty() || (recorded.exists() && recorded.Text() && user &&
-                                                     recorded.Text().value() == *user);
+  bool const is_recorded = choices_.user.empty() || (recorded.exists() && recorded.Text() &&
+                                                     *recorded.Text() == choices_.user);
   if (is_recorded && facts_.Knows("CurrentHome")) return facts_.Text("CurrentHome");
+  Fact<std::string> const user = CurrentUser();
   if (!user) return user;
   return HomeOf(*user);
 }

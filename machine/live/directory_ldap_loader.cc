@@ -1,11 +1,11 @@
-#include "machine/companion_library.h"
+#include "machine/library_beside.h"
 #include "machine/live/directory_ldap.h"
 
 namespace machine::live {
 namespace {
 
 LdapEngine* OpenLibrary() {
-  void* const entry = LoadFromCompanion("libFrameworksLdap.so", kLdapEngineEntry);
+  void* const entry = OpenLibraryBeside("libFrameworksLdap.so", kLdapEngineEntry);
   return entry == nullptr ? nullptr : reinterpret_cast<LdapEngineEntry>(entry)();
 }
 

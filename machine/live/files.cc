@@ -4,6 +4,7 @@
 #include <grp.h>
 #include <pwd.h>
 #include <sys/statvfs.h>
+#include <unistd.h>
 
 #include <cerrno>
 #include <climits>
@@ -88,6 +89,15 @@ Fact<std::string> Files::CanonicalFolder(std::string const& path) const {
   return canonical;
 }
 
+Fact<std::string> Files::WorkingFolder() const {
+  constexpr char const* kSource = "working folder";
+  if (!root_.is_running()) return AnnounceAbsence(Outcome::kNotSupported, kSource);
+  char path[PATH_MAX];
+  if (::getcwd(path, sizeof path) == nullptr) return AnnounceError(errno, kSource);
+  Announce(kSource, Outcome::kAnswered);
+  return std::string(path);
+}
+
 Fact<VolumeSpace> Files::Space(std::string const& path) const {
   FileDescriptor const item = root_.OpenItemItself(path);
   struct statvfs volume;
@@ -106,7 +116,7 @@ Fact<std::string> Files::NameInList(char const* list, std::uint32_t number) cons
   Fact<std::string> const file = root_.ReadFile(list);
   if (!file) return file.absence();
   if (auto const name = NameInAccounts(*file, number)) return std::string(*name);
-  return Absence{Outcome::kAbsent, list, std::to_string(number)};
+  return AnnounceAbsence(Outcome::kAbsent, list, std::to_string(number));
 }
 
 Fact<std::string> Files::UserName(std::uint32_t user) const {

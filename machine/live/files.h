@@ -21,6 +21,7 @@ class Files final : public FileSource {
   Fact<std::unique_ptr<OpenFile>> OpenFork(std::string const& path, Fork fork,
                                            Access access) const override;
   Fact<std::string> CanonicalFolder(std::string const& path) const override;
+  Fact<std::string> WorkingFolder() const override;
   Fact<VolumeSpace> Space(std::string const& path) const override;
   Fact<std::string> UserName(std::uint32_t user) const override;
   Fact<std::string> GroupName(std::uint32_t group) const override;
@@ -56,8 +57,5 @@ class Files final : public FileSource {
 
 // Why nothing is changed here; announced.
 Absence RefuseChange(std::string path);
-
-// An open folder of the root; `path` is for announcing and for finding it again.
-Fact<std::unique_ptr<Folder>> MakeFolder(Root const& root, FileDescriptor folder, std::string path);
 
 }  // namespace machine::live

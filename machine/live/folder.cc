@@ -10,6 +10,7 @@
 #include <unordered_set>
 
 #include "machine/live/files.h"
+#include "machine/live/folder_path.h"
 #include "machine/live/item.h"
 
 namespace machine::live {
@@ -54,7 +55,8 @@ class CompanionNames {
 
 class LiveFolder final : public Folder {
  public:
-  LiveFolder(Root const& root, FileDescriptor folder, std::string path, ItemStatus const& status)
+  LiveFolder(Root const& root, FileDescriptor folder, std::shared_ptr<FolderPath> path,
+             ItemStatus const& status)
       : root_(root), folder_(std::move(folder)), path_(std::move(path)), status_(status) {
     SpellPlainPath();
   }
@@ -62,7 +64,7 @@ class LiveFolder final : public Folder {
   ItemStatus const& Status() const override { return status_; }
   Fact<FolderEntry const*> Next(Detail detail) override;
   Fact<std::unique_ptr<Folder>> OpenFolder(std::string_view name) override;
-  void Rest() override { folder_ = FileDescriptor(); }
+  void Rest() override;
 
  private:
   static constexpr std::size_t kBufferBytes = 32768;
@@ -76,11 +78,14 @@ class LiveFolder final : public Folder {
   bool FindCompanions();
   bool Look(dirent64 const& entry, Detail detail);
   bool IsCompanion(char const* name) const;
-  Absence Failure() const { return AnnounceError(errno, path_); }
+  Absence Failure() const {
+    int const error = errno;
+    return AnnounceError(error, path_->Text());
+  }
 
   Root const& root_;
   FileDescriptor folder_;
-  std::string path_;
+  std::shared_ptr<FolderPath> path_;
   ItemStatus status_;
   std::string plain_path_;  // of the entry looked at
   std::size_t plain_start_ = 0;
@@ -88,16 +93,23 @@ class LiveFolder final : public Folder {
   std::unique_ptr<char[]> buffer_;
   std::size_t at_ = 0, end_ = 0;
   bool is_whole_ = false;      // nothing comes after the buffer
-  std::int64_t position_ = 0;  // in the folder, behind the buffer
+  std::int64_t position_ = 0;  // in the folder, behind the last entry handed out
   bool knows_companions_ = false, has_named_forks_ = false;
   CompanionNames companions_;
   FolderEntry entry_;
 };
 
+void LiveFolder::Rest() {
+  folder_ = FileDescriptor();
+  buffer_.reset();
+  at_ = end_ = 0;
+  is_whole_ = false;
+}
+
 // Finds the folder again after a rest; only the same one will do.
 bool LiveFolder::Wake() {
   if (folder_.is_open()) return true;
-  FileDescriptor const item = root_.OpenItem(path_);
+  FileDescriptor const item = root_.OpenItem(path_->Text());
   ItemStatus status;
   if (!item.is_open() || !ReadStatus(item.number(), "", status)) return false;
   if (!status.is_same_item(status_)) {
@@ -119,11 +131,6 @@ bool LiveFolder::Fill() {
   long const size = ::syscall(SYS_getdents64, folder_.number(), buffer_.get(), kBufferBytes);
   if (size <= 0) return false;
   end_ = static_cast<std::size_t>(size);
-  for (std::size_t at = 0; at < end_;) {
-    auto const* entry = reinterpret_cast<dirent64 const*>(buffer_.get() + at);
-    position_ = entry->d_off;
-    at += entry->d_reclen;
-  }
   return true;
 }
 
@@ -152,13 +159,12 @@ bool LiveFolder::FindCompanions() {
     is_whole_ = true;
     return true;
   }
-  position_ = 0;
   return ::lseek(folder_.number(), 0, SEEK_SET) == 0;
 }
 
 Fact<FolderEntry const*> LiveFolder::Next(Detail detail) {
   if (!Wake()) return Failure();
-  if (detail == Detail::kAll && !knows_companions_ && buffer_ == nullptr && !FindCompanions()) {
+  if (detail == Detail::kAll && !knows_companions_ && position_ == 0 && !FindCompanions()) {
     return Failure();
   }
   for (;;) {
@@ -168,6 +174,7 @@ Fact<FolderEntry const*> LiveFolder::Next(Detail detail) {
     }
     auto const* entry = reinterpret_cast<dirent64 const*>(buffer_.get() + at_);
     at_ += entry->d_reclen;
+    position_ = entry->d_off;
     if (!IsDots(entry->d_name) && Look(*entry, detail)) return &entry_;
   }
 }
@@ -182,7 +189,7 @@ bool LiveFolder::Look(dirent64 const& entry, Detail detail) {
   status.kind = KindOfEntry(entry.d_type);
   if (detail == Detail::kKind && entry.d_type != DT_UNKNOWN) return true;
   bool const is_heard = CurrentSourceObserver() != nullptr;
-  std::string const path = is_heard ? PathIn(path_, name) : std::string();
+  std::string const path = is_heard ? PathIn(path_->Text(), name) : std::string();
   if (!ReadStatus(folder_.number(), name, status)) {
     Announce(path, OutcomeOf(errno));
     return false;
@@ -204,13 +211,25 @@ bool LiveFolder::IsCompanion(char const* name) const {
          ReadStatus(folder_.number(), name + kCompanionPrefix.size(), item);
 }
 
+Fact<std::unique_ptr<Folder>> MakeFolder(Root const& root, FileDescriptor folder,
+                                         std::shared_ptr<FolderPath> path) {
+  ItemStatus status;
+  if (!folder.is_open() || !ReadStatus(folder.number(), "", status)) {
+    int const error = errno;
+    return AnnounceError(error, path->Text());
+  }
+  if (CurrentSourceObserver() != nullptr) Announce(path->Text(), Outcome::kAnswered);
+  return std::unique_ptr<Folder>(
+      std::make_unique<LiveFolder>(root, std::move(folder), std::move(path), status));
+}
+
 Fact<std::unique_ptr<Folder>> LiveFolder::OpenFolder(std::string_view name) {
-  std::string const text(name);
-  std::string path = PathIn(path_, name);
   if (!Wake()) return Failure();
+  auto path = std::make_shared<FolderPath>(path_, name);
+  std::string const& text = path->Name();
   if (text.empty() || IsDots(text.c_str()) || text.find('/') != std::string::npos ||
       text.find('\0') != std::string::npos) {
-    return AnnounceError(EINVAL, std::move(path));
+    return AnnounceError(EINVAL, path->Text());
   }
   constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
   FileDescriptor folder(::openat(folder_.number(), text.c_str(), kFlags));
@@ -219,19 +238,9 @@ Fact<std::unique_ptr<Folder>> LiveFolder::OpenFolder(std::string_view name) {
 
 }  // namespace
 
-Fact<std::unique_ptr<Folder>> MakeFolder(Root const& root, FileDescriptor folder,
-                                         std::string path) {
-  ItemStatus status;
-  if (!folder.is_open() || !ReadStatus(folder.number(), "", status)) {
-    return AnnounceError(errno, std::move(path));
-  }
-  Announce(path, Outcome::kAnswered);
-  return std::unique_ptr<Folder>(
-      std::make_unique<LiveFolder>(root, std::move(folder), std::move(path), status));
-}
-
 Fact<std::unique_ptr<Folder>> Files::OpenFolder(std::string const& path) const {
-  return MakeFolder(root_, root_.OpenFolder(path), path);
+  auto start = std::make_shared<FolderPath>(path);
+  return MakeFolder(root_, root_.OpenFolder(path), std::move(start));
 }
 
 }  // namespace machine::live

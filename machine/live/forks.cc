@@ -38,10 +38,11 @@ class LiveFile final : public OpenFile {
  private:
   static constexpr std::uint64_t kWhole = ~std::uint64_t{0};
 
-  // Said once more, with the bytes read, when the file is closed.
+  // Said at once, while who asked is still known, and once more, with the bytes read, when the file
+  // is closed.
   Absence Failure(int error) {
     outcome_ = OutcomeOf(error);
-    return {outcome_, path_, {}, error};
+    return AnnounceError(error, path_);
   }
 
   FileDescriptor file_;

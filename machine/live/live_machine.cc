@@ -1,8 +1,11 @@
 #include "machine/gestalt.h"
 #include "machine/live/directory.h"
 #include "machine/live/files.h"
+#include "machine/live/registry.h"
+#include "machine/live/scsi.h"
 #include "machine/live/sessions.h"
 #include "machine/live/sources.h"
+#include "machine/live/volumes.h"
 #include "machine/machine.h"
 
 namespace machine {
@@ -11,7 +14,9 @@ namespace {
 class LiveMachine final : public Machine {
  public:
   LiveMachine(std::string root, Changes changes)
-      : root_(std::move(root)), files_(root_, !AreAllowed(changes)) {}
+      : root_(root),
+        files_(root_, !AreAllowed(changes)),
+        registry_(std::make_shared<live::Root const>(std::move(root))) {}
 
   ClockSource const& Clock() const override { return clock_; }
   TimeZoneSource const& Zone() const override { return zone_; }
@@ -27,6 +32,9 @@ class LiveMachine final : public Machine {
   UserSource const& Users() const override { return users_; }
   DirectorySource const& Directory() const override { return directory_; }
   SessionSource const& Sessions() const override { return sessions_; }
+  VolumeSource const& Volumes() const override { return volumes_; }
+  ScsiSource const& Scsi() const override { return scsi_; }
+  RegistrySource const& Registry() const override { return registry_; }
 
  private:
   bool AreAllowed(Changes changes) const {
@@ -48,6 +56,9 @@ class LiveMachine final : public Machine {
   live::Users users_{root_, files_};
   live::Directory directory_{root_, files_};
   live::Sessions sessions_{root_};
+  live::MountedVolumes volumes_{root_};
+  live::Scsi scsi_{root_};
+  live::Registry registry_;
   DerivedGestalt gestalt_{*this};
 };
 

@@ -33,6 +33,21 @@ Fact<std::string> Names::ComputerName() const {
   return host->substr(0, host->find('.'));
 }
 
-Fact<std::string> Names::HostIdentifier() const { return MachineIdentifier(files_); }
+// Asked with every preference, and set once in a machine's life.
+Fact<std::string> Names::HostIdentifier() const {
+  Fact<std::string> const identity = root_.IdentityOf(kMachineIdPath);
+  if (!identity) return identity;
+  std::lock_guard lock(guard_);
+  if (kept_identity_ == *identity) {
+    Announce(kMachineIdPath, Outcome::kAnswered);
+    return kept_identifier_;
+  }
+  Fact<std::string> identifier = MachineIdentifier(files_);
+  if (identifier) {
+    kept_identity_ = *identity;
+    kept_identifier_ = *identifier;
+  }
+  return identifier;
+}
 
 }  // namespace machine::live

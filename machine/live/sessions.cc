@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "machine/capture/values.h"
-#include "machine/companion_library.h"
+#include "machine/library_beside.h"
 #include "machine/live/name_service.h"
 #include "machine/live/sessions_login.h"
 #include "machine/live/text.h"
@@ -99,7 +99,7 @@ RecordDictionary ConsoleOf(LoginSessions const& sessions) {
 
 AskLoginService LoadLoginService() {
   return reinterpret_cast<AskLoginService>(
-      LoadFromCompanion("libFrameworksLogin.so", kAskLoginService));
+      OpenLibraryBeside("libFrameworksLogin.so", kAskLoginService));
 }
 
 }  // namespace

@@ -62,13 +62,19 @@ class Names final : public NameSource {
  private:
   Root const& root_;
   FileSource const& files_;
+  mutable std::mutex guard_;
+  mutable std::string kept_identity_, kept_identifier_;
 };
 
 // The kernel's release and architecture are the running machine's own, or as a tree recorded them.
 class System final : public SystemSource {
  public:
   System(Root const& root, FileSource const& files) : root_(root), files_(files) {}
-  Fact<Platform> SystemPlatform() const override { return PlatformOfFiles(files_); }
+  // The machine that runs this process is a Linux machine, whatever its files say.
+  Fact<Platform> SystemPlatform() const override {
+    if (root_.is_running()) return Platform::kLinux;
+    return PlatformOfFiles(files_);
+  }
   Fact<SystemVersion> Version() const override;
   Fact<std::string> KernelRelease() const override;
 

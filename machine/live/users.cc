@@ -18,6 +18,11 @@ Fact<std::string> TextOfThisUser(char* passwd::*text) {
       });
 }
 
+Fact<std::string> AbsoluteOnly(Fact<std::string> home) {
+  if (!home || home->starts_with('/')) return home;
+  return Absence{Outcome::kMalformed, "name service", "home " + *home};
+}
+
 }  // namespace
 
 Fact<std::string> Users::CurrentUser() const {
@@ -29,16 +34,16 @@ Fact<std::string> Users::CurrentHome() const {
   if (!root_.is_running()) return NoCurrentUser();
   Fact<std::string> home = Environment(root_).Variable("HOME");
   if (home && home->starts_with('/')) return home;
-  return TextOfThisUser(&passwd::pw_dir);
+  return AbsoluteOnly(TextOfThisUser(&passwd::pw_dir));
 }
 
 Fact<std::string> Users::HomeOf(std::string const& user) const {
   if (!root_.is_running()) return HomeInAccounts(files_, user);
   if (user.find('\0') != std::string::npos) return AnnounceError(EINVAL, "getpwnam");
-  return AskNameService(
-      "getpwnam", &passwd::pw_dir, [&](passwd& record, std::vector<char>& buffer, passwd*& found) {
-        return ::getpwnam_r(user.c_str(), &record, buffer.data(), buffer.size(), &found);
-      });
+  auto const ask = [&](passwd& record, std::vector<char>& buffer, passwd*& found) {
+    return ::getpwnam_r(user.c_str(), &record, buffer.data(), buffer.size(), &found);
+  };
+  return AbsoluteOnly(AskNameService("getpwnam", &passwd::pw_dir, ask));
 }
 
 }  // namespace machine::live

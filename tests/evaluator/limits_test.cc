@@ -116,6 +116,15 @@ TEST(Limits, AStreamOfAnyLengthTakesConstantMemory) {
   EXPECT_LT(used() - before, 32 * 1024) << "KiB; what is not given back would be 80 MiB each";
 }
 
+TEST(Limits, WhatAnAggregateKeepsIsBounded) {
+  std::string const kilobyte(1024, '-');
+  for (std::string const& text : {"concatenation \"" + kilobyte + "\" of (it as string) of counts ",
+                                  std::string("number of unique values of counts ")}) {
+    EXPECT_EQ(Answer(text + "10000000"), "!too-much-memory") << text;
+    EXPECT_NE(Answer(text + "1000"), "!too-much-memory") << text;
+  }
+}
+
 // Tokens in a random order, mostly nonsense; a fixed seed, so that a failure comes back.
 TEST(Limits, RandomTokensAreAnswered) {
   std::istringstream words(

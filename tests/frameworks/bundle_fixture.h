@@ -10,6 +10,7 @@
 
 #include "tests/frameworks/cf_text.h"
 #include "tests/machine/recorded_tree.h"
+#include "tests/support/big_endian_text.h"
 #include "tests/support/scripted_machine.h"
 
 using OwnedBundle = std::unique_ptr<__CFBundle, Releaser>;
@@ -42,16 +43,10 @@ inline std::string Value(OwnedBundle const& bundle, char const* key) {
   return TextOf(CFBundleGetValueForInfoDictionaryKey(bundle.get(), Make(key, kUtf8).get()));
 }
 
-inline std::string Code(UInt32 code) {
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(code >> shift);
-  return text;
-}
-
 inline std::string Package(OwnedBundle const& bundle) {
   UInt32 type = 0, creator = 0;
   CFBundleGetPackageInfo(bundle.get(), &type, &creator);
-  return Code(type) + Code(creator);
+  return BigEndianText(type, 4) + BigEndianText(creator, 4);
 }
 
 inline CFBundleRef WithIdentifier(char const* identifier) {

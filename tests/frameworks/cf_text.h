@@ -1,6 +1,7 @@
-// Short ways to make and read Core Foundation strings in tests.
+// Short ways to make and read Core Foundation objects in tests.
 #pragma once
 
+#include <CoreFoundation/CFPropertyList.h>
 #include <CoreFoundation/CoreFoundation.h>
 
 #include <memory>
@@ -11,6 +12,7 @@
 struct Releaser {
   void operator()(void const* object) const { CFRelease(object); }
 };
+using OwnedObject = std::unique_ptr<void const, Releaser>;
 using OwnedString = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Releaser>;
 
 inline OwnedString Make(std::string_view bytes, CFStringEncoding encoding,
@@ -31,4 +33,21 @@ inline std::string BytesOf(CFStringRef string, CFStringEncoding encoding, UInt8 
                    size, &used);
   bytes.resize(static_cast<std::size_t>(used));
   return used == size ? bytes : "sizes differ";
+}
+
+inline OwnedObject MakeBytes(std::string_view bytes) {
+  return OwnedObject(CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(bytes.data()),
+                                  static_cast<CFIndex>(bytes.size())));
+}
+
+inline std::string BytesOfData(CFTypeRef data) {
+  auto const bytes = static_cast<CFDataRef>(data);
+  return {reinterpret_cast<char const*>(CFDataGetBytePtr(bytes)),
+          static_cast<std::size_t>(CFDataGetLength(bytes))};
+}
+
+// The property list that a text of any form stands for; null for what is none.
+inline OwnedObject Parsed(std::string_view text, CFOptionFlags options = 0) {
+  return OwnedObject(CFPropertyListCreateWithData(
+      nullptr, static_cast<CFDataRef>(MakeBytes(text).get()), options, nullptr, nullptr));
 }

@@ -382,21 +382,6 @@ TEST_F(FilesTest, ARecordedMachineIsNotChanged) {
   EXPECT_EQ(BSD::mkdtemp(path), nullptr);
 }
 
-TEST_F(FilesTest, UniqueNamesAreMade) {
-  std::string const folder = tree_.At("/tempXXXXXX"), missing = tree_.At("/none/tempXXXXXX");
-  std::string first = folder, second = folder, third = missing;
-  int const file = BSD::mkstemp(first.data());
-  ASSERT_GE(file, 0);
-  EXPECT_EQ(::write(file, "x", 1), 1);
-  ::close(file);
-  ASSERT_NE(BSD::mkdtemp(second.data()), nullptr);
-  EXPECT_NE(first, folder);
-  EXPECT_TRUE(std::filesystem::is_regular_file(first));
-  EXPECT_TRUE(std::filesystem::is_directory(second));
-  EXPECT_EQ(BSD::mkstemp(third.data()), -1);
-  EXPECT_EQ(errno, ENOENT);
-}
-
 // Every call fails with one error number.
 class FailingFiles final : public machine::FileSource {
  public:

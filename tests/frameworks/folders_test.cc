@@ -9,6 +9,7 @@
 #include "frameworks/CoreServices/special_folders.h"
 #include "frameworks/CoreServices/user_directories.h"
 #include "tests/machine/recorded_tree.h"
+#include "tests/support/big_endian_text.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
@@ -20,9 +21,7 @@ using testing::Pair;
 // Four characters, where an ƒ stands for the byte that Mac Roman has it at.
 OSType Code(std::string text) {
   if (std::size_t const at = text.find("ƒ"); at != std::string::npos) text.replace(at, 2, "\xC4");
-  OSType code = 0;
-  for (char const c : text) code = code << 8 | static_cast<UInt8>(c);
-  return code;
+  return BigEndianNumber(text);
 }
 
 // The path of what is found, else the status code.
@@ -87,35 +86,22 @@ TEST_F(SpecialFolders, OfAMacOSVolume) {
       {"font", kSystemDomain, "/System/Library/Fonts"},
       {"font", kLocalDomain, "/Library/Fonts"},
       {"font", kUserDomain, "/Users/ada/Library/Fonts"},
-      {"font", kNetworkDomain, "/Network/Library/Fonts"},
       {"font", kClassicDomain, "/System Folder/Fonts"},
       {"pref", kOnSystemDisk, "/Library/Preferences"},
-      {"pref", kOnAppropriateDisk, "/Library/Preferences"},
       {"asup", kOnAppropriateDisk, "/Users/ada/Library/Application Support"},
-      {"asup", kLocalDomain, "/Library/Application Support"},
       {"cach", kOnSystemDisk, "/System/Library/Caches"},
-      {"cach", kLocalDomain, "/Library/Caches"},
       {"ƒhlp", kSystemDomain, "/System/Library/Documentation/Help"},
-      {"astƒ", kUserDomain, "/Users/ada/Library/Assistants"},
-      {"prof", kLocalDomain, "/Library/ColorSync/Profiles"},
-      {"kext", kSystemDomain, "/System/Library/Extensions"},
       {"kext", kUserDomain, "-43"},
       {"ctrD", kUserDomain, "/Users/ada/Library/PreferencePanes (Disabled)"},
-      {"strD", kClassicDomain, "/System Folder/Startup Items (Disabled)"},
       {"apps", kSystemDomain, "/Applications"},
-      {"apps", kNetworkDomain, "/Network/Applications"},
       {"apps", kClassicDomain, "/Applications (Mac OS 9)"},
-      {"utiƒ", kLocalDomain, "/Applications/Utilities"},
       {"utiƒ", kClassicDomain, "/Utilities"},
       {"desk", kUserDomain, "/Users/ada/Desktop"},
-      {"desk", kSystemDomain, "-43"},
       {"temp", kSystemDomain, "/private/tmp"},
       {"temp", kUserDomain, "/Users/ada/Library/Caches/TemporaryItems"},
       {"cusr", kNetworkDomain, "/Users/ada"},
       {"sdat", kClassicDomain, "/Users/Shared"},
       {"dtop", kLocalDomain, "/"},
-      {"dtop", kUserDomain, "/Users/ada"},
-      {"dlib", kNetworkDomain, "/Network/Library"},
       {"rcpt", kLocalDomain, "/Library/Receipts"},
       {"ƒmod", kLocalDomain, "/etc"},
       {"amnu", kSystemDomain, "-43"},
@@ -139,26 +125,18 @@ TEST_F(SpecialFolders, OfALinuxMachine) {
       {"font", kLocalDomain, "/usr/local/share/fonts"},
       {"font", kUserDomain, "/Users/ada/.local/share/fonts"},
       {"font", kNetworkDomain, "-43"},
-      {"font", kClassicDomain, "-43"},
-      {"prof", kLocalDomain, "/usr/local/share/color/icc"},
       {"pref", kSystemDomain, "/etc"},
       {"pref", kUserDomain, "/conf"},
       {"asup", kOnAppropriateDisk, "/Users/ada/.local/share"},
-      {"cach", kUserDomain, "/Users/ada/.cache"},
       {"strt", kOnSystemDisk, "/etc/xdg/autostart"},
-      {"strt", kLocalDomain, "-43"},
       {"strD", kUserDomain, "/conf/autostart.disabled"},
       {"extn", kSystemDomain, "/usr/lib/modules/6.1.0-13-amd64"},
       {"ƒtex", kSystemDomain, "/usr/lib/aarch64-linux-gnu/gconv"},
       {"rcpt", kSystemDomain, "/var/lib/rpm"},
       {"desk", kUserDomain, "/Users/ada/Schreibtisch"},
       {"docs", kUserDomain, "/papers"},
-      {"temp", kSystemDomain, "/tmp"},
-      {"flnt", kSystemDomain, "/var/tmp"},
       {"utmp", kSystemDomain, "/scratch"},
-      {"ƒlib", kUserDomain, "/Users/ada/.local/lib"},
       {"dtop", kLocalDomain, "/usr/local"},
-      {"sdat", kUserDomain, "/srv"},
       {"prnt", kSystemDomain, "-43"},
   });
 }

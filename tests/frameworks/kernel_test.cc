@@ -44,22 +44,6 @@ TEST_F(KernelTest, ListsTheProcessesOrFindsOne) {
   EXPECT_EQ(errno, ENOMEM);
 }
 
-TEST_F(KernelTest, RefusesATableThatOutgrewItsBuffer) {
-  machine_->AddProcess(1, "init");
-  machine_->after_count = [this] {
-    for (int pid = 100; pid < 200; ++pid) machine_->AddProcess(pid, "late");
-    machine_->after_count = nullptr;
-  };
-  for (int error : {ENOMEM, 0}) {
-    std::size_t size = 0;
-    ASSERT_EQ(Ask(all_, nullptr, &size), 0);
-    std::vector<BSD::kinfo_proc> table(size / sizeof(BSD::kinfo_proc));
-    EXPECT_EQ(Ask(all_, table.data(), &size), error == 0 ? 0 : -1);
-    EXPECT_EQ(errno, error);
-    EXPECT_EQ(table[0].kp_proc.p_pid, error == 0 ? 1 : 0);
-  }
-}
-
 TEST_F(KernelTest, SaysWhyItDoesNotAnswer) {
   BSD::timeval time;
   std::size_t size = sizeof time;
@@ -86,24 +70,6 @@ TEST_F(KernelTest, SaysWhyItDoesNotAnswer) {
   int const name[] = {1, 21};
   EXPECT_EQ(BSD::sysctl(name, 2, nullptr, nullptr, &time, size), -1);
   EXPECT_EQ(errno, EPERM);
-}
-
-TEST_F(KernelTest, HostNameFitsOrFails) {
-  char name[6] = "";
-  EXPECT_EQ(BSD::gethostname(name, sizeof name), -1);
-  machine_->host_name = "hosts";
-  EXPECT_EQ(BSD::gethostname(name, sizeof name), 0);
-  EXPECT_STREQ(name, "hosts");
-  EXPECT_EQ(BSD::gethostname(name, 5), -1);
-  EXPECT_EQ(errno, ENAMETOOLONG);
-}
-
-TEST_F(KernelTest, EnvironmentIsTheMachines) {
-  machine_->environment = {{"HOME", "/home/ann"}, {"EMPTY", ""}};
-  EXPECT_EQ(BSD::GetEnvironmentVariable("HOME"), "/home/ann");
-  EXPECT_EQ(BSD::GetEnvironmentVariable("EMPTY"), "");
-  EXPECT_EQ(BSD::GetEnvironmentVariable("PATH"), std::nullopt);
-  EXPECT_THAT(BSD::ListEnvironmentVariables(), testing::ElementsAre("EMPTY", "HOME"));
 }
 
 }  // namespace

@@ -50,7 +50,7 @@ class Preferences : public testing::Test {
     tree_.Write(path, "{ key = \"" + value + "\"; }");
   }
   // Until the times of files tell every change.
-  static void Settle() { std::this_thread::sleep_for(std::chrono::milliseconds(25)); }
+  static void Settle() { std::this_thread::sleep_for(std::chrono::milliseconds(60)); }
 
   RecordedTree tree_;
   std::shared_ptr<machine::Machine const> live_ = tree_.Machine();

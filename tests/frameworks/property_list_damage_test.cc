@@ -1,5 +1,6 @@
 // Property lists that are damaged at random, and what reading takes.
 #include <gtest/gtest.h>
+#include <malloc.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,40 +10,44 @@
 #include <string>
 
 #include "tests/frameworks/property_list_print.h"
+#include "tests/support/binary_list_text.h"
+#include "tests/support/sanitized.h"
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kIsSanitized = __has_feature(address_sanitizer);
-#else
-constexpr bool kIsSanitized = false;
-#endif
+using namespace std::string_literals;
 
-constexpr char const* kSources[] = {
+std::string const kSources[] = {
     "<?xml version='1.0' encoding='UTF-8'?><!DOCTYPE plist [<!ENTITY x 'y'>]><plist version='1.0'>"
     "<dict><key>a</key><array><integer>-12</integer><real>1.5</real><true/></array>"
     "<key>\xC3\xA9&amp;&#xE9;</key><string>a<![CDATA[<x>]]><!-- c -->&lt;</string>"
     "<key>d</key><date>2001-02-03T04:05:06Z</date><key>e</key><data>AAECAw==</data></dict></plist>",
     "// c\n{ a = (1, \"b\\U00e9\\341\\n\", <00 ff>, {}); 'q' = /* c */ x.y; \"\xC3\xA9\" = z; k; }",
     "\"key\" = \"value\";\nother;\n",
+    BinaryListText({"\xD3\1\2\3\4\5\6", "\x51k", "\x62\0b\0\xE9"s, "\x5F\x10\x03key",
+                    "\xA6\7\x08\x09\x0A\x0B\5", "\x13\xFF\0\0\0\0\0\0\0"s, "\x80\5",
+                    "\x23\x40\0\0\0\0\0\0\0"s, "\x33\x41\0\0\0\0\0\0\0"s, "\x43xyz", "\xD1\1\x0B",
+                    "\x14" + std::string(16, '\0')}),
 };
 
-// One edit: a byte changed, a piece taken out, or a piece repeated elsewhere.
+// One edit: a byte or a bit changed, a piece taken out, or a piece repeated elsewhere.
 void Damage(std::string& text, std::mt19937& random) {
   auto const below = [&](std::size_t bound) {
     return bound == 0 ? 0 : static_cast<std::size_t>(random()) % bound;
   };
   std::size_t const at = below(text.size());
-  switch (random() % 4) {
+  if (text.empty()) return;
+  switch (random() % 5) {
     case 0:
-      if (!text.empty()) text[at] = static_cast<char>(random());
+      text[at] = static_cast<char>(random());
       break;
     case 1:
-      text.erase(at, below(8) + 1);
+      text[at] = static_cast<char>(text[at] ^ 1 << random() % 8);
       break;
     case 2:
+      text.erase(at, below(8) + 1);
+      break;
+    case 3:
       text.insert(at, text.substr(below(text.size()), below(40)));
       break;
     default:
@@ -50,24 +55,26 @@ void Damage(std::string& text, std::mt19937& random) {
   }
 }
 
-// The sanitizers watch; what is still read must be writable and come back equal.
+// The sanitizers watch; what is still read must be writable in the binary form, which has room for
+// all that any form can hold, and come back equal.
 TEST(DamagedPropertyList, IsReadOrRefusedButNeverHarmful) {
   std::mt19937 random(20010101);
   int read = 0, refused = 0;
-  for (int round = 0; round < 30'000; ++round) {
+  for (int round = 0; round < 60'000; ++round) {
     std::string text = kSources[random() % std::size(kSources)];
     for (std::size_t edits = 1 + random() % 3; edits > 0; --edits) Damage(text, random);
-    OwnedObject const data = MakeBytes(text);
-    OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(data.get()),
-                                                        round % 3, nullptr, nullptr));
+    OwnedObject const root = Parsed(text, round % 3);
     if (root == nullptr) {
       ++refused;
       continue;
     }
     ++read;
-    OwnedObject const written(CFPropertyListCreateXMLData(nullptr, root.get()));
+    OwnedObject const written(CFPropertyListCreateData(
+        nullptr, root.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
     ASSERT_NE(written, nullptr) << text;
-    ASSERT_EQ(PrintParsed(BytesOfData(written.get())), Print(root.get())) << text;
+    OwnedObject const again = Parsed(BytesOfData(written.get()));
+    ASSERT_NE(again, nullptr) << text;
+    ASSERT_TRUE(CFEqual(root.get(), again.get())) << text;
   }
   EXPECT_GT(read, 1000);
   EXPECT_GT(refused, 1000);
@@ -87,34 +94,66 @@ std::string Repeated(std::string_view head, std::string_view piece, std::string_
   return text += foot;
 }
 
-// By how much reading in a process of its own raises the peak, in parts of the text.
-double PeakOfReading(std::string const& text) {
-  int pipe_ends[2];
-  if (pipe(pipe_ends) != 0) return -1;
-  pid_t const child = fork();
-  if (child == 0) {
-    auto const peak = [] {
-      rusage usage = {};
-      getrusage(RUSAGE_SELF, &usage);
-      return static_cast<double>(usage.ru_maxrss) * 1024;
-    };
-    double const before = peak();
-    OwnedObject const data = MakeBytes(text);
-    OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(data.get()),
-                                                        0, nullptr, nullptr));
-    double const grown =
-        root == nullptr ? -1 : (peak() - before) / static_cast<double>(text.size());
-    _exit(write(pipe_ends[1], &grown, sizeof grown) == sizeof grown ? 0 : 1);
+// The piece with another number of six digits in place of its "#" each time.
+std::string Numbered(std::string_view head, std::string_view piece, std::string_view foot) {
+  std::string text(head);
+  std::size_t const mark = piece.find('#');
+  for (int number = 100'000; text.size() < 8'000'000; ++number) {
+    text.append(piece.substr(0, mark)) += std::to_string(number);
+    text += piece.substr(mark + 1);
   }
-  close(pipe_ends[1]);
-  double grown = -1;
-  if (read(pipe_ends[0], &grown, sizeof grown) != sizeof grown) grown = -1;
-  close(pipe_ends[0]);
-  waitpid(child, nullptr, 0);
-  return grown;
+  return text += foot;
 }
 
-// The copy of the text that the reader is given counts as well.
+double Count(std::string_view text, std::string_view mark) {
+  double count = 0;
+  for (auto at = text.find(mark); at != text.npos; at = text.find(mark, at + 1)) ++count;
+  return count;
+}
+
+// What is made in a process of its own.
+template <typename Make>
+std::string MadeByChild(Make&& make) {
+  // What the heap holds in reserve would else be taken before the peak rises.
+  malloc_trim(0);
+  int pipe_ends[2];
+  if (pipe(pipe_ends) != 0) return {};
+  pid_t const child = fork();
+  if (child == 0) {
+    std::string const made = make();
+    std::size_t done = 0;
+    for (ssize_t written = 1; written > 0 && done < made.size();) {
+      written = write(pipe_ends[1], made.data() + done, made.size() - done);
+      if (written > 0) done += static_cast<std::size_t>(written);
+    }
+    _exit(done == made.size() ? 0 : 1);
+  }
+  close(pipe_ends[1]);
+  std::string made;
+  char piece[65'536];
+  for (ssize_t size; (size = read(pipe_ends[0], piece, sizeof piece)) > 0;) {
+    made.append(piece, static_cast<std::size_t>(size));
+  }
+  close(pipe_ends[0]);
+  waitpid(child, nullptr, 0);
+  return made;
+}
+
+double Peak() {
+  rusage usage = {};
+  getrusage(RUSAGE_SELF, &usage);
+  return static_cast<double>(usage.ru_maxrss) * 1024;
+}
+
+// By how many bytes reading raises the peak, the copy that the reader is given among them.
+double PeakOfReading(std::string const& bytes) {
+  std::string const grown = MadeByChild([&] {
+    double const before = Peak();
+    return Parsed(bytes) == nullptr ? "" : std::to_string(Peak() - before);
+  });
+  return grown.empty() ? -1 : std::stod(grown);
+}
+
 TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
   if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
   struct {
@@ -132,11 +171,46 @@ TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
       {"empty containers", Repeated("<array>", "<array/><dict/>", "</array>")},
       {"small numbers", Repeated("<array>", "<integer>1</integer>", "</array>")},
       {"booleans", Repeated("<array>", "<true/>", "</array>")},
+      {"short keys", Numbered("<dict>", "<key>#</key><true/>", "</dict>")},
+      {"short reals", Numbered("<array>", "<real>#</real>", "</array>")},
+      {"short strings", Numbered("<array>", "<string>#</string>", "</array>")},
+      {"no data", Repeated("<array>", "<data/>", "</array>")},
+      {"a byte of data", Repeated("<array>", "<data>AA==</data>", "</array>")},
+      {"arrays of one", Repeated("<array>", "<array><true/></array>", "</array>")},
   };
   for (auto const& row : rows) {
     double const grown = PeakOfReading(row.text);
     EXPECT_GT(grown, 0) << row.name;
-    EXPECT_LE(grown, 4) << row.name;
+    EXPECT_LE(grown, 4 * static_cast<double>(row.text.size())) << row.name;
+  }
+}
+
+// Small objects may take more than their few bytes of the file, but no more than what they are.
+TEST(BinaryPropertyList, TakesLittleForEachObjectAndReference) {
+  if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
+  struct {
+    char const* name;
+    std::string text;
+    double objects;  // Written once each, of the root's references.
+  } const rows[] = {
+      {"booleans", Repeated("<array>", "<true/><false/>", "</array>"), 0},
+      {"integers", Numbered("<array>", "<integer>#</integer>", "</array>"), 1},
+      {"short strings", Numbered("<array>", "<string>#</string>", "</array>"), 1},
+      {"short keys", Numbered("<dict>", "<key>#</key><true/>", "</dict>"), 0.5},
+  };
+  for (auto const& row : rows) {
+    std::string const bytes = MadeByChild([&] {
+      OwnedObject const root = Parsed(row.text);
+      OwnedObject const data(CFPropertyListCreateData(
+          nullptr, root.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+      return BytesOfData(data.get());
+    });
+    // Each element ends in one of the two.
+    double const references = Count(row.text, "</") + Count(row.text, "/>");
+    double const grown = PeakOfReading(bytes);
+    EXPECT_GT(grown, 0) << row.name;
+    EXPECT_LE(grown, 4 * static_cast<double>(bytes.size()) + references * (8 + 48 * row.objects))
+        << row.name;
   }
 }
 

@@ -88,14 +88,3 @@ std::string PrintParsed(std::string_view text, CFOptionFlags options) {
   OwnedString const owned(reason);
   return reason == nullptr ? "no reason" : "! " + BytesOf(reason, kCFStringEncodingUTF8);
 }
-
-OwnedObject MakeBytes(std::string_view bytes) {
-  return OwnedObject(CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(bytes.data()),
-                                  static_cast<CFIndex>(bytes.size())));
-}
-
-std::string BytesOfData(CFTypeRef data) {
-  auto const bytes = static_cast<CFDataRef>(data);
-  return {reinterpret_cast<char const*>(CFDataGetBytePtr(bytes)),
-          static_cast<std::size_t>(CFDataGetLength(bytes))};
-}

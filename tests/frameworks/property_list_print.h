@@ -6,18 +6,12 @@
 #include <CoreFoundation/CFPropertyList.h>
 #include <CoreFoundation/CoreFoundation.h>
 
-#include <memory>
 #include <string>
 #include <string_view>
 
 #include "tests/frameworks/cf_text.h"
 
-using OwnedObject = std::unique_ptr<void const, Releaser>;
-
 std::string Print(CFTypeRef value);
 
 // The value that a text stands for, printed, or what is wrong with it behind "! ".
 std::string PrintParsed(std::string_view text, CFOptionFlags options = kCFPropertyListImmutable);
-
-OwnedObject MakeBytes(std::string_view bytes);
-std::string BytesOfData(CFTypeRef data);

@@ -5,6 +5,9 @@
 #include <cmath>
 #include <limits>
 #include <string>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "tests/frameworks/property_list_print.h"
 
@@ -150,6 +153,47 @@ TEST(XmlPropertyList, BoundsNesting) {
   }
 }
 
+// Containers of any size, beside each other and inside each other, against mutable ones, which are
+// made value by value.
+TEST(XmlPropertyList, HoldsManyValuesAsFew) {
+  for (int const count : {40, 40'000}) {
+    std::string array = "<array>", dictionary = "<dict>";
+    for (int i = 0; i < count; ++i) {
+      std::string const number = "<integer>" + std::to_string(i) + "</integer>";
+      array += number;
+      // Every third key was there before.
+      dictionary += "<key>" + std::to_string(i % 3 == 0 ? i / 3 : i) + "</key>" + number;
+    }
+    array += "</array>";
+    dictionary += "</dict>";
+    std::string const text = "<array><true/>" + array + dictionary + "<dict><key>a</key>" +
+                             dictionary + "<key>b</key>" + array + "</dict><false/></array>";
+    std::string const printed = PrintParsed(text);
+    EXPECT_EQ(printed.substr(0, 10), "[true,[0,1");
+    EXPECT_TRUE(printed == PrintParsed(text, kCFPropertyListMutableContainers)) << count;
+  }
+}
+
+// What was made together ends apart, wherever and whenever each object is released.
+TEST(PropertyList, LeavesEachObjectToItsOwners) {
+  std::string text = "<array>";
+  for (int i = 0; i < 20'000; ++i) text += "<string>" + std::to_string(i) + "</string>";
+  OwnedObject root = Parsed(text + "</array>");
+  ASSERT_NE(root, nullptr);
+  auto const array = static_cast<CFArrayRef>(root.get());
+  std::vector<OwnedObject> kept[2];
+  for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
+    kept[i % 2].emplace_back(CFRetain(CFArrayGetValueAtIndex(array, i)));
+  }
+  std::thread other([&] { kept[0].clear(); });
+  root.reset();
+  EXPECT_EQ(Print(kept[1][9'999].get()), "\"19999\"");
+  kept[1].resize(1);
+  other.join();
+  EXPECT_EQ(CFGetRetainCount(kept[1][0].get()), 1);
+  EXPECT_EQ(Print(kept[1][0].get()), "\"1\"");
+}
+
 TEST(PropertyListSource, IsUnderstoodInEveryEncoding) {
   std::string const body = "<string>Zo\xC3\xAB\xE2\x82\xAC</string>";
   std::string const printed = R"("Zo\u00eb\u20ac")";
@@ -250,9 +294,7 @@ TEST(XmlPropertyList, ComesBackAsItWasWritten) {
 }
 
 TEST(XmlPropertyList, IsLaidOutAsThePlatformDoes) {
-  OwnedObject const source = MakeBytes("{ b = (x, <00>); a = {}; \"<&>\" = (); A = \"\\r\"; }");
-  OwnedObject const root(CFPropertyListCreateWithData(nullptr, static_cast<CFDataRef>(source.get()),
-                                                      0, nullptr, nullptr));
+  OwnedObject const root = Parsed("{ b = (x, <00>); a = {}; \"<&>\" = (); A = \"\\r\"; }");
   OwnedObject const written(CFPropertyListCreateXMLData(nullptr, root.get()));
   EXPECT_EQ(BytesOfData(written.get()),
             R"(<?xml version="1.0" encoding="UTF-8"?>
@@ -277,27 +319,34 @@ TEST(XmlPropertyList, IsLaidOutAsThePlatformDoes) {
 )");
 }
 
-TEST(XmlPropertyList, IsNotWrittenOfWhatIsNone) {
+TEST(PropertyList, IsNotWrittenOfWhatIsNone) {
   OwnedObject const date(CFDateCreate(nullptr, std::nan("")));
-  OwnedObject const set(CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks));
-  auto const inside_itself = static_cast<CFMutableArrayRef>(const_cast<void*>(set.get()));
-  CFArrayAppendValue(inside_itself, inside_itself);
-  // Each holds the one before it twice: 2^40 values of few objects.
-  OwnedObject shared(CFArrayCreate(nullptr, nullptr, 0, &kCFTypeArrayCallBacks));
-  for (int i = 0; i < 40; ++i) {
+  CFMutableArrayRef const circle = CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks);
+  OwnedObject const owner(circle);
+  CFArrayAppendValue(circle, circle);
+  // Each holds the one before it, or holds it twice: 2^40 values of few objects.
+  OwnedObject deep(CFRetain(kCFBooleanTrue)), shared(CFRetain(kCFBooleanTrue));
+  for (int i = 0; i < 513; ++i) {
+    void const* value = deep.get();
+    deep.reset(CFArrayCreate(nullptr, &value, 1, &kCFTypeArrayCallBacks));
     void const* twice[] = {shared.get(), shared.get()};
-    shared.reset(CFArrayCreate(nullptr, twice, 2, &kCFTypeArrayCallBacks));
+    if (i < 40) shared.reset(CFArrayCreate(nullptr, twice, 2, &kCFTypeArrayCallBacks));
   }
-  void const* keys[] = {kCFBooleanTrue};
-  OwnedObject const keyed(CFDictionaryCreate(nullptr, keys, keys, 1, &kCFTypeDictionaryKeyCallBacks,
+  void const* pair[] = {kCFBooleanTrue};
+  OwnedObject const keyed(CFDictionaryCreate(nullptr, pair, pair, 1, &kCFTypeDictionaryKeyCallBacks,
                                              &kCFTypeDictionaryValueCallBacks));
-  for (CFTypeRef value : {CFTypeRef{kCFNull}, date.get(), set.get(), shared.get(), keyed.get()}) {
-    EXPECT_EQ(CFPropertyListCreateXMLData(nullptr, value), nullptr);
-  }
-  EXPECT_EQ(
-      CFPropertyListCreateData(nullptr, kCFBooleanTrue, kCFPropertyListOpenStepFormat, 0, nullptr),
-      nullptr);
-  CFArrayRemoveAllValues(inside_itself);
+  OwnedObject const pointers(CFArrayCreate(nullptr, pair, 1, nullptr));
+  auto const expect_none = [](CFPropertyListFormat format, std::vector<CFTypeRef> const& roots) {
+    for (CFTypeRef const root : roots) {
+      EXPECT_EQ(CFPropertyListCreateData(nullptr, root, format, 0, nullptr), nullptr) << format;
+    }
+  };
+  expect_none(kCFPropertyListXMLFormat_v1_0,
+              {kCFNull, date.get(), circle, shared.get(), keyed.get()});
+  expect_none(kCFPropertyListBinaryFormat_v1_0,
+              {nullptr, circle, deep.get(), pointers.get(), keyed.get()});
+  expect_none(kCFPropertyListOpenStepFormat, {kCFBooleanTrue});
+  CFArrayRemoveAllValues(circle);
 }
 
 TEST(PropertyList, TellsTheFormItFound) {

@@ -105,6 +105,10 @@ TEST(URL, IsMadeOfAPath) {
   EXPECT_EQ(CFGetTypeID(OfPath("/").get()), CFURLGetTypeID());
   EXPECT_EQ(Spelt(OfPath("here")), "here");
   EXPECT_EQ(Representation(OfPath("./x")), std::filesystem::current_path().string() + "/./x");
+  {
+    MachineInUse const recorded(RecordedTree().Machine());
+    EXPECT_EQ(Representation(OfPath("./x")), "/./x");
+  }
   UInt8 buffer[4];
   EXPECT_TRUE(CFURLGetFileSystemRepresentation(OfPath("/ab").get(), true, buffer, 4));
   EXPECT_FALSE(CFURLGetFileSystemRepresentation(OfPath("/abc").get(), true, buffer, 4));

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -68,12 +69,14 @@ ProcessResult RunCommand(Launch const& launch) {
     ::kill(child, SIGINT);
   }
   int status = 0;
-  ::waitpid(child, &status, 0);
+  rusage usage{};
+  ::wait4(child, &status, 0, &usage);
 
   ProcessResult run;
   run.took = std::chrono::duration_cast<std::chrono::milliseconds>(
       std::chrono::steady_clock::now() - begin);
   run.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  run.most_memory = static_cast<std::size_t>(usage.ru_maxrss) * 1024;
   run.output = Content(output.get());
   run.errors = Content(errors.get());
   return run;
@@ -81,6 +84,14 @@ ProcessResult RunCommand(Launch const& launch) {
 
 ProcessResult Gatotu(std::vector<std::string> arguments, std::string input) {
   return RunCommand({.arguments = std::move(arguments), .input = std::move(input)});
+}
+
+ProcessResult AsNobody(std::vector<std::string> arguments) {
+  if (::geteuid() != 0) return Gatotu(std::move(arguments));
+  std::vector<std::string> const change = {"--reuid=65534", "--regid=65534", "--clear-groups",
+                                           GATOTU_COMMAND};
+  arguments.insert(arguments.begin(), change.begin(), change.end());
+  return RunCommand({.arguments = std::move(arguments), .program = "setpriv"});
 }
 
 ProcessResult RunShell(std::string line, std::string shell) {

@@ -12,6 +12,7 @@ struct ProcessResult {
   std::string errors;
   int status = -1;  // what it exited with, 128 + signal when killed
   std::chrono::milliseconds took{0};
+  std::size_t most_memory = 0;  // bytes; not less than what this process has
 };
 
 struct Launch {
@@ -24,6 +25,8 @@ struct Launch {
 
 ProcessResult RunCommand(Launch const& launch);
 ProcessResult Gatotu(std::vector<std::string> arguments, std::string input = {});
+// As a user without rights of the superuser.
+ProcessResult AsNobody(std::vector<std::string> arguments);
 // A line of the shell, given to this one.
 ProcessResult RunShell(std::string line, std::string shell = "sh");
 

@@ -68,16 +68,5 @@ TEST(LiveMachine, ProcessesAreThoseOfPs) {
   }
 }
 
-TEST(LiveMachine, CountryOrderTimesAndVersions) {
-  for (char const* truth :
-       {"not (country \"verFrance\" = country \"verFrSwiss\")", "not exists country \"verus\"",
-        "exists country \"verUS\"", "\"1.10\" as version > \"1.9\" as version",
-        "3 * day + now > 2 * day + now"}) {
-    EXPECT_EQ(Answer(truth), "true\n");
-  }
-  EXPECT_EQ(Answer("3 * day + now").substr(0, 10),
-            Shell("date -d '+72 hours' +%Y-%m-%d").substr(0, 10));
-}
-
 }  // namespace
 }  // namespace gatotu::tests

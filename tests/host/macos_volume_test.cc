@@ -32,27 +32,52 @@ class MacVolume : public testing::Test {
 
   ProcessResult Ask(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {"--machine", volume_.Path()});
-    return Gatotu(arguments);
+    Launch launch;
+    launch.arguments = std::move(arguments);
+    // Values of preferences are kept for ever on purpose.
+    launch.environment = {"LSAN_OPTIONS=suppressions=" LEAKS_ON_PURPOSE};
+    return RunCommand(launch);
   }
 
   TemporaryFolder volume_;
 };
 
+struct {
+  std::string expression, answer;
+} const kAnswers[] = {
+    {"pathname of fonts folder of local domain", "/Library/Fonts"},
+    {"pathname of preferences folder of user domain", "/Users/x/Library/Preferences"},
+    {"integer \"Lines\" of preference \"com.example.notes\"", "42"},
+    {"version of bundle of folder \"/Applications/Notes.app\"", "1.2.3"},
+    {"type of bundle of folder \"/Applications/Notes.app\" = file type \"APPL\"", "true"},
+    {"exists bundle of folder \"/Applications\"", "false"},
+    {"lines of file \"/Library/absolute\"", "inside"},
+    {"exists file \"/Library/out\"", "false"},
+    {"exists file \"/etc/hostname\"", "false"},
+    {"names of files of folder \"/Users/x/Library/Preferences\"", "com.example.notes.plist"},
+};
+
 TEST_F(MacVolume, AnswersFromItsFiles) {
-  struct {
-    std::string expression, answer;
-  } const cases[] = {
-      {"pathname of fonts folder of local domain", "/Library/Fonts"},
-      {"pathname of preferences folder of user domain", "/Users/x/Library/Preferences"},
-      {"lines of file \"/Library/absolute\"", "inside"},
-      {"exists file \"/Library/out\"", "false"},
-      {"exists file \"/etc/hostname\"", "false"},
-      {"names of files of folder \"/Users/x/Library/Preferences\"", "com.example.notes.plist"},
-  };
-  for (auto const& row : cases) {
+  for (auto const& row : kAnswers) {
     ProcessResult const run = Ask({"--user", "x", row.expression});
     EXPECT_EQ(run.output, row.answer + "\n") << row.expression << run.errors;
   }
+}
+
+TEST_F(MacVolume, CanBeCapturedWithItsUser) {
+  TemporaryFolder const folder;
+  std::vector<std::string> arguments = {"--user", "x", "capture", folder.Path("c"), "--for"};
+  for (auto const& row : kAnswers) arguments.push_back(row.expression);
+  std::string const missing = "string \"none\" of preference \"com.example.notes\"";
+  arguments.push_back(missing);
+  EXPECT_EQ(Ask(arguments).status, 0);
+  for (auto const& row : kAnswers) {
+    ProcessResult const run = Gatotu({"--machine", folder.Path("c"), row.expression});
+    EXPECT_EQ(run.output, row.answer + "\n") << row.expression << run.errors;
+  }
+  // The home was recorded, so nobody is missed.
+  EXPECT_EQ(Gatotu({"--machine", folder.Path("c"), missing}).errors.find("user was"),
+            std::string::npos);
 }
 
 TEST_F(MacVolume, TakesNothingFromTheMachineThatAsks) {

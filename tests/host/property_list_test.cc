@@ -1,5 +1,4 @@
 // Property lists as the command shows them, against what Python's own library says.
-#include <CoreFoundation/CFPropertyList.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -7,8 +6,10 @@
 #include <nlohmann/json.hpp>
 
 #include "host/property_list_json.h"
+#include "tests/frameworks/cf_text.h"
 #include "tests/host/child_process.h"
 #include "tests/host/temporary_folder.h"
+#include "tests/support/binary_list_text.h"
 
 namespace gatotu::tests {
 namespace {
@@ -26,17 +27,7 @@ std::string Json(Make const& make, std::size_t most = host::kMostPropertyListByt
 }
 
 std::string JsonOfXml(std::string const& value, std::size_t most = host::kMostPropertyListBytes) {
-  return Json(
-      [&] {
-        std::string const xml = "<plist>" + value + "</plist>";
-        CFDataRef const data = CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(xml.data()),
-                                            static_cast<CFIndex>(xml.size()));
-        CFTypeRef const object =
-            CFPropertyListCreateFromXMLData(nullptr, data, kCFPropertyListImmutable, nullptr);
-        CFRelease(data);
-        return object;
-      },
-      most);
+  return Json([&] { return Parsed("<plist>" + value + "</plist>").release(); }, most);
 }
 
 TEST(PropertyListJson, WritesEveryKindOfValue) {
@@ -115,9 +106,6 @@ class ListFile : public testing::Test {
     EXPECT_LE(run.status, 2) << run.errors;
     return nlohmann::json::parse(run.output);
   }
-  void Write(std::string const& name, std::string const& content) const {
-    folder_.Write(name, content);
-  }
 
   TemporaryFolder folder_;
 };
@@ -146,7 +134,7 @@ json.dump(shown(root), open(folder + '/expected', 'w'))
 )python";
 
 TEST_F(ListFile, ComesOutAsPythonWroteIt) {
-  Write("make.py", kPython);
+  folder_.Write("make.py", kPython);
   Launch launch;
   launch.program = "python3";
   launch.arguments = {folder_.Path("make.py"), folder_.Path()};
@@ -160,9 +148,10 @@ TEST_F(ListFile, ComesOutAsPythonWroteIt) {
 }
 
 TEST_F(ListFile, HasNoTextButJson) {
-  Write("list",
-        "<plist><dict><key>a</key><array><integer>1</integer><string>\u2603</string></array>"
-        "</dict></plist>");
+  folder_.Write(
+      "list",
+      "<plist><dict><key>a</key><array><integer>1</integer><string>\u2603</string></array>"
+      "</dict></plist>");
   struct {
     std::string expression, values;
   } const cases[] = {
@@ -186,44 +175,8 @@ TEST_F(ListFile, HasNoTextButJson) {
   EXPECT_EQ(run.status, 2);
 }
 
-TEST_F(ListFile, ThatIsNoneSaysWhy) {
-  struct {
-    std::string content, source;
-  } const cases[] = {{"<plist><array/></plist>", "the list is no dictionary"},
-                     {"<plist><dict><key>a</ke", "line 1"},
-                     {"", "malformed"}};
-  for (auto const& row : cases) {
-    Write("bad", row.content);
-    auto const answer = Ask("size of dictionary", "bad");
-    EXPECT_THAT(answer["error"]["message"].get<std::string>(),
-                HasSubstr("DictionaryCreateFromXMLDataFailed"));
-    EXPECT_THAT(answer["error"]["reasons"].dump(),
-                AllOf(HasSubstr(folder_.Path("bad")), HasSubstr(row.source)));
-  }
-}
-
-// 28 arrays, each holding the next one twice.
-std::string SharedList() {
-  constexpr char kLevels = 28;
-  std::string list = "bplist00";
-  std::string offsets;
-  for (char level = 0; level <= kLevels; ++level) {
-    offsets += static_cast<char>(list.size());
-    if (level == kLevels) {
-      list += '\x09';
-    } else {
-      list += '\xa2';
-      list += std::string(2, static_cast<char>(level + 1));
-    }
-  }
-  std::string const table_start(1, static_cast<char>(list.size()));
-  std::string const count(1, kLevels + 1);
-  return list + offsets + std::string(6, '\0') + "\x01\x01" + std::string(7, '\0') + count +
-         std::string(8, '\0') + std::string(7, '\0') + table_start;
-}
-
 TEST_F(ListFile, WhoseSharingIsEndlessIsRefusedClearly) {
-  Write("list", SharedList());
+  folder_.Write("list", SharedArraysText(28));
   EXPECT_EQ(Ask("size of array", "list")["values"][0], 2);
   nlohmann::json const whole = Ask("array", "list");
   EXPECT_EQ(whole["error"]["code"], "answer-too-long");

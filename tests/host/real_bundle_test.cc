@@ -18,7 +18,8 @@ constexpr char kApplication[] = "package/vendor/mac.noindex/terminal-notifier.ap
 
 // With the environment at hand, which knows the way to the network. False when it leads nowhere.
 bool Fetch(TemporaryFolder const& folder) {
-  std::string const line = "cd " + folder.Path() + " && timeout 60 npm pack --ignore-scripts " +
+  std::string const line = "cd " + folder.Path() +
+                           " && timeout 60 npm pack --ignore-scripts --fetch-retries=0 " +
                            kPackage + " >fetch.log 2>&1 && tar xzf *.tgz >>fetch.log 2>&1";
   return std::system(line.c_str()) == 0;
 }

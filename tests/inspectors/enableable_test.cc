@@ -5,12 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/files/enableable_file.h"
 #include "inspectors/files/special_folder.h"
+#include "tests/inspectors/asking.h"
 #include "tests/inspectors/scripted_folders.h"
 #include "tests/machine/recorded_tree.h"
-#include "tests/support/recording_evaluator.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
@@ -19,8 +18,8 @@ using Items = std::vector<std::string>;
 
 // "name" of one that is enabled, "(name)" of one that is not.
 std::string Shown(EnableableFile const& item) {
-  boolean const enabled = enabled_of(item);
-  EXPECT_NE(enabled, disabled_of(item));
+  auto const enabled = Ask<boolean>("enabled", "enableable_file", &item);
+  EXPECT_NE(enabled, Ask<boolean>("disabled", "enableable_file", &item));
   std::string const name = std::filesystem::path(item.Path()).filename();
   return enabled ? name : "(" + name + ")";
 }
@@ -34,16 +33,12 @@ RecordedRegistration const* Find(std::string const& call, std::string const& nam
   return nullptr;
 }
 
-inspector_string Text(std::string const& text) {
-  return {reinterpret_cast<unsigned char const*>(text.data()), text.size()};
-}
-
 // All that an iterated property gives, as the evaluator would ask for it.
 Items All(std::string const& name, char const* parameter = nullptr) {
   auto const* const found = Find("Iterated_Property", name, parameter != nullptr ? "string" : "");
   if (found == nullptr) return {"not registered"};
   std::string const text = parameter != nullptr ? parameter : "";
-  inspector_string const wanted = Text(text);
+  inspector_string const wanted = Name(text);
   RawStorage state(found->size), value(sizeof(EnableableFile));
   found->construct(state.Address());
   Items items;
@@ -64,7 +59,7 @@ Items All(std::string const& name, char const* parameter = nullptr) {
 Items One(std::string const& name, std::string const& parameter) {
   auto const* const found = Find("Property", name, "string");
   if (found == nullptr) return {"not registered"};
-  inspector_string const wanted = Text(parameter);
+  inspector_string const wanted = Name(parameter);
   try {
     return {Shown(found->Get<EnableableFile>(&wanted))};
   } catch (NoSuchObject const&) {

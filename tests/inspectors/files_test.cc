@@ -2,12 +2,9 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <string>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/files/file_attributes.h"
 #include "inspectors/files/file_code.h"
 #include "inspectors/files/file_path.h"
@@ -15,14 +12,13 @@
 #include "inspectors/plist/osx_dictionary.h"
 #include "portable/core_foundation/errors.h"
 #include "portable_inspectors/filesystem_object.h"
+#include "tests/inspectors/asking.h"
+#include "tests/machine/apple_double_text.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
 using namespace std::string_literals;
-
-unsigned char const* Bytes(std::string const& text) {
-  return reinterpret_cast<unsigned char const*>(text.data());
-}
 
 TEST(FileCodes, AreAnyFourBytes) {
   struct {
@@ -39,42 +35,26 @@ TEST(FileCodes, AreAnyFourBytes) {
     EXPECT_THROW(file_type_of(Bytes("abcde"), length), NoSuchObject);
     EXPECT_THROW(file_signature_of(Bytes("abcde"), length), NoSuchObject);
   }
+  for (char const* type : {"file type", "file signature"}) {
+    auto const* const equal = RecordingEvaluator::Instance().Find("Binary_Operator", "6", type);
+    ASSERT_NE(equal, nullptr) << type;
+    EXPECT_EQ(equal->parameter, type);
+  }
 }
 
 class Files : public testing::Test {
  protected:
-  Files() {
-    std::string pattern = std::filesystem::temp_directory_path() / "gatotu-files-XXXXXX";
-    folder_ = ::mkdtemp(pattern.data());
-  }
-  ~Files() override { std::filesystem::remove_all(folder_); }
-
   file Make(std::string const& name, std::string const& content) const {
-    std::ofstream(folder_ / name) << content;
+    folder_.Write(name, content);
     return Find(name);
   }
   file Find(std::string const& name) const {
-    std::string const path = folder_ / name;
+    std::string const path = folder_.Path(name);
     return MacintoshPlatform::posix_file_of_world(Bytes(path), path.size());
   }
 
-  std::filesystem::path folder_;
+  gatotu::tests::TemporaryFolder folder_;
 };
-
-std::string Word(std::uint32_t value, int bytes) {
-  std::string word;
-  while (bytes-- > 0) word += static_cast<char>(value >> (8 * bytes));
-  return word;
-}
-
-// An AppleDouble companion: Finder information with these flags, and a resource fork.
-std::string Companion(std::uint16_t flags, std::uint32_t resource_bytes) {
-  std::uint32_t const start = 26 + 2 * 12;
-  return Word(0x00051607, 4) + Word(0x00020000, 4) + std::string(16, '\0') + Word(2, 2) +
-         Word(9, 4) + Word(start, 4) + Word(32, 4) +                   // Finder information
-         Word(2, 4) + Word(start + 32, 4) + Word(resource_bytes, 4) +  // resource fork
-         "TEXTttxt" + Word(flags, 2) + std::string(22, '\0') + std::string(resource_bytes, 'r');
-}
 
 TEST_F(Files, TellTheirFinderFlagsAndForks) {
   struct {
@@ -88,23 +68,29 @@ TEST_F(Files, TellTheirFinderFlagsAndForks) {
                      {0xB7FF & ~0x8800, true, false, false, 7},
                      {0xFFFF, false, true, true, 7}};
   for (auto const& row : cases) {
-    Make("._x", Companion(row.flags, row.resource_bytes));
+    Make("._x",
+         AppleDoubleText({{9, "TEXTttxt" + BigEndianText(row.flags, 2) + std::string(22, '\0')},
+                          {2, std::string(row.resource_bytes, 'r')}}));
     file const file = Make("x", row.flags == 0 ? "" : "abc");
     integer const data = row.flags == 0 ? 0 : 3;
     SCOPED_TRACE(row.flags);
-    EXPECT_EQ(visible_of(file), row.visible);
-    EXPECT_EQ(alias_of(file), row.alias);
-    EXPECT_EQ(stationery_of(file), row.stationery);
-    EXPECT_FALSE(locked_of(file));
-    EXPECT_EQ(data_length_of(datafork_of(file)), data);
-    EXPECT_EQ(res_length_of(resfork_of(file)), row.resource_bytes);
-    EXPECT_EQ(length_of(file), data + row.resource_bytes);
+    EXPECT_EQ(Ask<boolean>("visible", "file", &file), row.visible);
+    EXPECT_EQ(Ask<boolean>("alias", "file", &file), row.alias);
+    EXPECT_EQ(Ask<boolean>("stationery", "file", &file), row.stationery);
+    EXPECT_FALSE(Ask<boolean>("locked", "file", &file));
+    auto const data_fork = Ask<datafork>("data fork", "file", &file);
+    auto const resource_fork = Ask<resfork>("resource fork", "file", &file);
+    for (char const* phrase : {"length", "size"}) {
+      EXPECT_EQ(Ask<integer>(phrase, "datafork", &data_fork), data);
+      EXPECT_EQ(Ask<integer>(phrase, "resfork", &resource_fork), row.resource_bytes);
+      EXPECT_EQ(Ask<integer>(phrase, "file", &file), data + row.resource_bytes);
+    }
   }
 }
 
 TEST_F(Files, WithoutFinderInformationAreJustVisible) {
   Make("y", "abcd");
-  ::chmod((folder_ / "y").c_str(), 0444);
+  ::chmod(folder_.Path("y").c_str(), 0444);
   file const file = Find("y");
   EXPECT_TRUE(locked_of(file));
   EXPECT_TRUE(visible_of(file));
@@ -113,14 +99,10 @@ TEST_F(Files, WithoutFinderInformationAreJustVisible) {
   EXPECT_EQ(res_length_of(resfork_of(file)), 0);
 }
 
-std::string Shown(inspector_string const& text) {
-  return {reinterpret_cast<char const*>(text.start), text.length};
-}
-
 TEST_F(Files, HavePathsInBothNotationsAndTheReportEncoding) {
   // No setting names an encoding here: it is Windows Latin-1.
   file const file = Make("a:b caf\u00e9 \u2603", "");
-  std::string const posix = folder_.string() + "/a:b caf\xe9 ?";
+  std::string const posix = folder_.Path() + "/a:b caf\xe9 ?";
   EXPECT_EQ(Shown(POSIXPathOfObject(Of(), file)), posix);
   EXPECT_EQ(Shown(AsString(file)), posix);
   EXPECT_THAT(
@@ -142,7 +124,7 @@ TEST_F(Files, OpenAsTheKindOfListTheyAre) {
   for (file const* other : {&array, &text}) {
     EXPECT_THROW(dictionary_of_file(*other), DictionaryCreateFromXMLDataFailed);
   }
-  std::filesystem::remove(folder_ / "array");
+  std::filesystem::remove(folder_.Path("array"));
   EXPECT_THROW(array_of_file(array), NoSuchObject);
 }
 

@@ -8,37 +8,22 @@
 #include <string>
 #include <vector>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/system/computer.h"
 #include "inspectors/system/processor.h"
 #include "inspectors/system/ram.h"
-#include "tests/support/recording_evaluator.h"
+#include "tests/inspectors/asking.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
 
-std::string Text(inspector_string const& string) {
-  return {reinterpret_cast<char const*>(string.start), string.length};
-}
-
-// The value of a plain property by its phrase; every object of these families is empty.
-template <class Result>
-Result Ask(std::string const& phrase, std::string const& object = "",
-           void const* parameter = nullptr) {
-  auto const* const found = RecordingEvaluator::Instance().Find("Property", phrase, object);
-  if (found == nullptr) throw "not registered";
-  char const empty = 0;
-  return found->Get<Result>(parameter, &empty);
-}
-
-std::string AskText(std::string const& phrase, std::string const& object = "") {
-  return Text(Ask<inspector_string>(phrase, object));
+// Every object of these families is empty.
+std::string AskText(std::string const& phrase, std::string const& type = "") {
+  return Shown(Ask<inspector_string>(phrase, type));
 }
 
 integer AskGestalt(std::string const& selector) {
-  auto const* const bytes = reinterpret_cast<unsigned char const*>(selector.data());
-  inspector_string const name{bytes, selector.size()};
-  return Ask<integer>("gestalt", "", &name);
+  inspector_string const name = Name(selector);
+  return Ask<integer>("gestalt", "", nullptr, &name);
 }
 
 class SystemInspectors : public testing::Test {
@@ -157,7 +142,7 @@ TEST_F(SystemInspectors, NamesOfTheMachine) {
   machine_->product_name = "PowerMac3,6";
   for (char const* phrase : {"hostname", "dns name"}) {
     inspector_string const name = Ask<inspector_string>(phrase);
-    EXPECT_EQ(Text(name), "studio.example");
+    EXPECT_EQ(Shown(name), "studio.example");
     EXPECT_EQ(name.start[name.length], 0);
   }
   EXPECT_EQ(AskText("name", "computer"), "Studio caf\xE9 ?");

@@ -1,65 +1,31 @@
 // Property lists, asked through what the inspectors register.
-#include <CoreFoundation/CFPropertyList.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <functional>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/plist/osx_dictionary_entry.h"
 #include "inspectors/plist/osx_value.h"
-#include "tests/support/recording_evaluator.h"
+#include "tests/frameworks/cf_text.h"
+#include "tests/inspectors/asking.h"
 
 namespace {
 
 using namespace std::string_literals;
 using testing::ElementsAre;
 
-class Owned {
- public:
-  explicit Owned(CFTypeRef object) : object_(object) {}
-  Owned(Owned const&) = delete;
-  Owned& operator=(Owned const&) = delete;
-  ~Owned() { CFRelease(object_); }
-  CFTypeRef Get() const { return object_; }
-  OSXValue Value() const { return OSXValue(object_); }
-  CFIndex Count() const { return CFGetRetainCount(object_); }
-
- private:
-  CFTypeRef object_;
-};
-
-CFTypeRef Parsed(std::string const& xml) {
-  Owned const data(CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(xml.data()),
-                                static_cast<CFIndex>(xml.size())));
-  CFTypeRef const object = CFPropertyListCreateFromXMLData(
-      nullptr, static_cast<CFDataRef>(data.Get()), kCFPropertyListImmutable, nullptr);
-  if (object == nullptr) throw std::runtime_error("no property list: " + xml);
-  return object;
-}
-
-std::string List(std::string const& value) { return "<plist>" + value + "</plist>"; }
-
-std::string Shown(inspector_string const& text) {
-  return {reinterpret_cast<char const*>(text.start), text.length};
-}
-std::string Shown(integer number) { return std::to_string(number); }
-std::string Shown(boolean truth) { return truth ? "true" : "false"; }
-std::string Shown(moment time) { return std::to_string(time.MicrosecondsSince1970()); }
+OwnedObject List(std::string const& value) { return Parsed("<plist>" + value + "</plist>"); }
 
 std::string const kNone = "no such object";
 
-// What a registered property gives, by its phrase and the type it is asked of.
+// What a registered property gives, shown.
 template <class Result>
-std::string Ask(std::string const& phrase, std::string const& type, void const* object,
-                void const* parameter = nullptr) {
-  auto const* const found = RecordingEvaluator::Instance().Find("Property", phrase, type);
-  if (found == nullptr) return "not registered";
+std::string AskText(std::string const& phrase, std::string const& type, void const* object,
+                    void const* parameter = nullptr) {
   try {
-    return Shown(found->Get<Result>(parameter, object));
+    return Shown(Ask<Result>(phrase, type, object, parameter));
   } catch (NoSuchObject const&) {
     return kNone;
   }
@@ -68,10 +34,10 @@ std::string Ask(std::string const& phrase, std::string const& type, void const* 
 // One conversion, whichever way the value is reached.
 std::string Convert(std::string const& phrase, std::string const& type, void const* object,
                     void const* parameter = nullptr) {
-  if (phrase == "boolean") return Ask<boolean>(phrase, type, object, parameter);
-  if (phrase == "integer") return Ask<integer>(phrase, type, object, parameter);
-  if (phrase == "date") return Ask<moment>(phrase, type, object, parameter);
-  return Ask<inspector_string>(phrase, type, object, parameter);
+  if (phrase == "boolean") return AskText<boolean>(phrase, type, object, parameter);
+  if (phrase == "integer") return AskText<integer>(phrase, type, object, parameter);
+  if (phrase == "date") return AskText<moment>(phrase, type, object, parameter);
+  return AskText<inspector_string>(phrase, type, object, parameter);
 }
 
 TEST(PropertyList, ConvertsEachKindOfValueToItsOwnTypeOnly) {
@@ -99,13 +65,14 @@ TEST(PropertyList, ConvertsEachKindOfValueToItsOwnTypeOnly) {
   };
   for (auto const& row : cases) {
     SCOPED_TRACE(row.xml);
-    Owned const array_object(Parsed(List("<array>" + row.xml + "</array>")));
-    Owned const dictionary_object(Parsed(List("<dict><key>k</key>" + row.xml + "</dict>")));
-    OSXArray const array(static_cast<CFArrayRef>(array_object.Get()));
-    OSXDictionary const dictionary(static_cast<CFDictionaryRef>(dictionary_object.Get()));
+    OwnedObject const array_object = List("<array>" + row.xml + "</array>");
+    OwnedObject const dictionary_object = List("<dict><key>k</key>" + row.xml + "</dict>");
+    OSXArray const array(static_cast<CFArrayRef>(array_object.get()));
+    OSXDictionary const dictionary(static_cast<CFDictionaryRef>(dictionary_object.get()));
     OSXValue const value(CFArrayGetValueAtIndex(array.Array(), 0));
     integer const index = 0;
-    inspector_string const name{reinterpret_cast<unsigned char const*>("k"), 1};
+    std::string const key = "k";
+    inspector_string const name = Name(key);
 
     EXPECT_EQ(Convert("type", "osxvalue", &value), row.type);
     for (std::string const phrase : {"string", "data", "cstring", "boolean", "integer", "date"}) {
@@ -131,17 +98,17 @@ TEST(PropertyList, HasNoTimeForDatesBeyondAllTimes) {
                      {0.0000015, "978307200000002"},
                      {-0.25, "978307199750000"}};
   for (auto const& row : cases) {
-    Owned const date(CFDateCreate(nullptr, row.seconds));
-    OSXValue const value = date.Value();
+    OwnedObject const date(CFDateCreate(nullptr, row.seconds));
+    OSXValue const value = OSXValue(date.get());
     EXPECT_EQ(Convert("date", "osxvalue", &value), row.answer) << row.seconds;
   }
 }
 
 TEST(PropertyList, FindsValuesByIndexInsideTheArrayOnly) {
-  Owned const two(Parsed(List("<array><string>a</string><string>b</string></array>")));
-  Owned const none(Parsed(List("<array/>")));
+  OwnedObject const two = List("<array><string>a</string><string>b</string></array>");
+  OwnedObject const none = List("<array/>");
   struct {
-    Owned const& array;
+    OwnedObject const& array;
     integer index;
     std::string answer;
   } const cases[] = {{two, 0, "a"},
@@ -152,22 +119,22 @@ TEST(PropertyList, FindsValuesByIndexInsideTheArrayOnly) {
                      {two, 0x100000000, kNone},
                      {none, 0, kNone}};
   for (auto const& row : cases) {
-    OSXArray const array(static_cast<CFArrayRef>(row.array.Get()));
-    EXPECT_EQ(Ask<inspector_string>("string", "array", &array, &row.index), row.answer)
+    OSXArray const array(static_cast<CFArrayRef>(row.array.get()));
+    EXPECT_EQ(AskText<inspector_string>("string", "array", &array, &row.index), row.answer)
         << row.index;
   }
 }
 
 TEST(PropertyList, FindsKeysByTheirExactMacRomanBytes) {
-  Owned const object(Parsed(List("<dict><key>caf\u00e9</key><integer>1</integer></dict>")));
-  OSXDictionary const dictionary(static_cast<CFDictionaryRef>(object.Get()));
+  OwnedObject const object = List("<dict><key>caf\u00e9</key><integer>1</integer></dict>");
+  OSXDictionary const dictionary(static_cast<CFDictionaryRef>(object.get()));
   for (auto const& [key, answer] : {std::pair("caf\x8e"s, "1"s),
                                     {"Caf\x8e", kNone},
                                     {"caf\xc3\xa9", kNone},
                                     {"", kNone},
                                     {"caf\x8e\0"s, kNone}}) {
-    inspector_string const name{reinterpret_cast<unsigned char const*>(key.data()), key.size()};
-    EXPECT_EQ(Ask<integer>("integer", "dictionary", &dictionary, &name), answer) << key;
+    inspector_string const name = Name(key);
+    EXPECT_EQ(AskText<integer>("integer", "dictionary", &dictionary, &name), answer) << key;
   }
 }
 
@@ -192,12 +159,12 @@ TEST(PropertyList, IteratesValuesKeysAndEntries) {
   auto const text_of_entry = [](OSXDictionaryEntry const& entry) {
     return Shown(key_of_entry(entry)) + "=" + Shown(string_of_value(value_of_entry(entry)));
   };
-  Owned const lists(Parsed(
-      List("<array><array><string>b</string><string>a</string></array><array/>"
-           "<dict><key>k</key><string>1</string><key>\u2603</key><string>2</string></dict><dict/>"
-           "</array>")));
+  OwnedObject const lists = List(
+      "<array><array><string>b</string><string>a</string></array><array/>"
+      "<dict><key>k</key><string>1</string><key>\u2603</key><string>2</string></dict><dict/>"
+      "</array>");
   auto const at = [&](CFIndex index) {
-    return CFArrayGetValueAtIndex(static_cast<CFArrayRef>(lists.Get()), index);
+    return CFArrayGetValueAtIndex(static_cast<CFArrayRef>(lists.get()), index);
   };
   OSXArray const two(static_cast<CFArrayRef>(at(0))), none(static_cast<CFArrayRef>(at(1)));
   OSXDictionary const pairs(static_cast<CFDictionaryRef>(at(2)));
@@ -217,9 +184,9 @@ TEST(PropertyList, IteratesValuesKeysAndEntries) {
 
 TEST(PropertyList, HasNoTextForAKeyThatIsNoString) {
   void const* key = kCFBooleanTrue;
-  Owned const object(CFDictionaryCreate(nullptr, &key, &key, 1, &kCFTypeDictionaryKeyCallBacks,
-                                        &kCFTypeDictionaryValueCallBacks));
-  OSXDictionary const dictionary(static_cast<CFDictionaryRef>(object.Get()));
+  OwnedObject const object(CFDictionaryCreate(
+      nullptr, &key, &key, 1, &kCFTypeDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
+  OSXDictionary const dictionary(static_cast<CFDictionaryRef>(object.get()));
   EXPECT_THROW(OSXDictionaryKeyIterator().First(dictionary), NoSuchObject);
   OSXDictionaryEntry const entry = OSXDictionaryEntryIterator().First(dictionary);
   EXPECT_THROW(key_of_entry(entry), NoSuchObject);
@@ -227,43 +194,26 @@ TEST(PropertyList, HasNoTextForAKeyThatIsNoString) {
 }
 
 TEST(PropertyList, KeepsReferences) {
-  Owned const array(Parsed(List("<array><true/></array>")));
-  Owned const dictionary(Parsed(List("<dict/>")));
+  OwnedObject const array = List("<array><true/></array>");
+  OwnedObject const dictionary = List("<dict/>");
   {
-    OSXArray const held(static_cast<CFArrayRef>(array.Get()));
+    OSXArray const held(static_cast<CFArrayRef>(array.get()));
     OSXArray copy(held);
-    EXPECT_EQ(array.Count(), 3);
+    EXPECT_EQ(CFGetRetainCount(array.get()), 3);
     copy = OSXArray(copy);
-    EXPECT_EQ(array.Count(), 3);
-    OSXDictionary const other = dictionary_of_value(dictionary.Value());
-    EXPECT_EQ(dictionary.Count(), 2);
+    EXPECT_EQ(CFGetRetainCount(array.get()), 3);
+    OSXDictionary const other = dictionary_of_value(OSXValue(dictionary.get()));
+    EXPECT_EQ(CFGetRetainCount(dictionary.get()), 2);
+    OSXValue const first = OSXValue(array.get()), second(first);
+    OSXValue third(second);
+    third = OSXValue(dictionary.get());
+    third = first;
   }
-  EXPECT_EQ(array.Count(), 1);
-  EXPECT_EQ(dictionary.Count(), 1);
-  { OSXArray const leaking = array_of_value(array.Value()); }
-  EXPECT_EQ(array.Count(), 2) << "the array outlives what it came from";
-  CFRelease(array.Get());
-}
-
-TEST(PropertyList, CopiesOfAValueFormARing) {
-  Owned const object(Parsed(List("<dict/>")));
-  OSXValue first = object.Value();
-  EXPECT_EQ(first.Copies().Next(), &first.Copies());
-  {
-    OSXValue const second(first);
-    OSXValue third(first);
-    EXPECT_EQ(first.Copies().Next(), &third.Copies());
-    EXPECT_EQ(third.Copies().Next(), &second.Copies());
-    EXPECT_EQ(second.Copies().Next(), &first.Copies());
-    third = object.Value();
-    EXPECT_EQ(third.Copies().Next(), &third.Copies());
-    third = second;
-    EXPECT_EQ(second.Copies().Next(), &third.Copies());
-    EXPECT_EQ(first.Copies().Previous(), &third.Copies());
-  }
-  EXPECT_EQ(first.Copies().Next(), &first.Copies());
-  EXPECT_EQ(first.Copies().Previous(), &first.Copies());
-  EXPECT_EQ(object.Count(), 1);
+  EXPECT_EQ(CFGetRetainCount(array.get()), 1);
+  EXPECT_EQ(CFGetRetainCount(dictionary.get()), 1);
+  { OSXArray const leaking = array_of_value(OSXValue(array.get())); }
+  EXPECT_EQ(CFGetRetainCount(array.get()), 2) << "the array outlives what it came from";
+  CFRelease(array.get());
 }
 
 }  // namespace

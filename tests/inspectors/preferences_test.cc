@@ -8,30 +8,19 @@
 #include <optional>
 #include <string>
 
-#include "evaluator/plugin/exceptions.h"
+#include "tests/inspectors/asking.h"
 #include "tests/machine/recorded_tree.h"
-#include "tests/support/recording_evaluator.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
 
 std::string const kHome = "/Users/ann/Library/Preferences/";
-std::string const kMachine = "/Library/Preferences/";
-
-unsigned char const* Bytes(std::string const& text) {
-  return reinterpret_cast<unsigned char const*>(text.data());
-}
 
 Preferences Of(std::string const& application) {
   return prefs_of(Bytes(application), application.size());
 }
 
-std::string Shown(inspector_string const& text) {
-  return {reinterpret_cast<char const*>(text.start), text.length};
-}
-std::string Shown(integer number) { return std::to_string(number); }
-std::string Shown(boolean truth) { return truth ? "true" : "false"; }
-std::string Shown(moment time) { return std::to_string(time.MicrosecondsSince1970()); }
+using ::Shown;
 std::string Shown(OSXArray const& array) { return std::to_string(size_of_array(array)); }
 std::string Shown(OSXDictionary const& dictionary) {
   return std::to_string(size_of_dictionary(dictionary));
@@ -41,12 +30,10 @@ std::string Shown(OSXDictionary const& dictionary) {
 template <class Result>
 std::optional<std::string> Ask(std::string const& phrase, std::string const& application,
                                std::string const& key) {
-  auto const* const found = RecordingEvaluator::Instance().Find("Property", phrase, "preference");
-  if (found == nullptr) return "not registered";
   Preferences const preferences = Of(application);
-  inspector_string const name{Bytes(key), key.size()};
+  inspector_string const name = Name(key);
   try {
-    return Shown(found->Get<Result>(&name, &preferences));
+    return Shown(::Ask<Result>(phrase, "preference", &preferences, &name));
   } catch (NoSuchObject const&) {
     return std::nullopt;
   }
@@ -109,17 +96,6 @@ TEST_F(PreferencesOfAMachine, HaveValuesOfSixTypes) {
     EXPECT_EQ(Ask<OSXArray>("array", "a", row.key), expected("array"));
     EXPECT_EQ(Ask<OSXDictionary>("dictionary", "a", row.key), expected("dictionary"));
   }
-}
-
-TEST_F(PreferencesOfAMachine, AreTheUsersBeforeTheMachinesAndTheApplicationsBeforeTheGlobalOnes) {
-  std::string const places[] = {kHome + "ByHost/a.0011.plist", kHome + "a.plist",
-                                kHome + ".GlobalPreferences.plist", kMachine + "a.plist"};
-  EXPECT_EQ(AskText("a", "k"), std::nullopt);
-  for (auto place = std::rbegin(places); place != std::rend(places); ++place) {
-    WriteText(*place, "k");
-    EXPECT_EQ(AskText("a", "k"), *place) << "seen as soon as it is written";
-  }
-  EXPECT_EQ(AskText("other", "k"), places[2]) << "every application has the global ones";
 }
 
 TEST_F(PreferencesOfAMachine, HaveNamesAndKeysInMacRoman) {

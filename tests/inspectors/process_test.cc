@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/support/recording_evaluator.h"
+#include "tests/inspectors/asking.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
@@ -25,10 +25,7 @@ class Processes : public testing::Test {
     return pids;
   }
 
-  static std::string NameOf(process const& found) {
-    inspector_string const name = name_of_process(found);
-    return {reinterpret_cast<char const*>(name.start), name.length};
-  }
+  static std::string NameOf(process const& found) { return Shown(name_of_process(found)); }
 
   std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
   MachineInUse use_{machine_};
@@ -91,9 +88,8 @@ TEST_F(Processes, OneByItsNumber) {
 TEST_F(Processes, ThreeNamesOfTheSameNumber) {
   process found;
   found.record.kp_proc.p_pid = 7;
-  auto const& evaluator = RecordingEvaluator::Instance();
   for (char const* phrase : {"pid", "id", "process id"}) {
-    EXPECT_EQ(evaluator.Find("Property", phrase, "process")->Get<integer>(nullptr, &found), 7);
+    EXPECT_EQ(Ask<integer>(phrase, "process", &found), 7);
   }
 }
 

@@ -6,12 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/files/special_folder.h"
 #include "portable/core_foundation/errors.h"
+#include "tests/inspectors/asking.h"
 #include "tests/inspectors/scripted_folders.h"
 #include "tests/machine/recorded_tree.h"
-#include "tests/support/recording_evaluator.h"
+#include "tests/support/big_endian_text.h"
 
 namespace {
 
@@ -57,9 +57,7 @@ struct NamedFolder {
 OSType CodeOf(std::string text) {
   if (auto const at = text.find("ƒ"); at != std::string::npos) text.replace(at, 2, "\xC4");
   EXPECT_EQ(text.size(), 4U) << text;
-  OSType code = 0;
-  for (unsigned char const each : text) code = code << 8 | each;
-  return code;
+  return BigEndianNumber(text);
 }
 
 std::vector<NamedFolder> Folders() {
@@ -80,14 +78,6 @@ std::vector<std::string> NamesOf(std::string const& result, std::string const& o
     if (each.call == "Property" && is_one) names.push_back(each.name);
   }
   return names;
-}
-
-template <class Result>
-Result Ask(std::string const& name, std::string const& object = "", void const* value = nullptr,
-           void const* parameter = nullptr) {
-  auto const* const found = RecordingEvaluator::Instance().Find("Property", name, object);
-  if (found == nullptr) throw "not registered";
-  return found->Get<Result>(parameter, value);
 }
 
 TEST(Domains, AreTheSevenOfTheSystem) {
@@ -214,8 +204,7 @@ TEST_F(SpecialFolders, FrameworksAreFoundByName) {
                      {&local, "A", ""}};
   for (auto const& row : cases) {
     SCOPED_TRACE(row.name);
-    inspector_string const name{reinterpret_cast<unsigned char const*>(row.name.data()),
-                                row.name.size()};
+    inspector_string const name = Name(row.name);
     auto const find = [&] {
       return Ask<folder>("framework", row.of != nullptr ? "domain" : "", row.of, &name);
     };

@@ -6,11 +6,7 @@
 #include <utility>
 #include <vector>
 
-inline std::string BigEndianText(std::uint64_t number, int bytes) {
-  std::string text;
-  while (bytes-- > 0) text += static_cast<char>(number >> (8 * bytes));
-  return text;
-}
+#include "tests/support/big_endian_text.h"
 
 // Entry ids and their contents, laid down in this order.
 inline std::string AppleDoubleText(

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "frameworks/CoreFoundation/recorded_facts.h"
+#include "tests/support/big_endian_text.h"
 
 namespace {
 
@@ -53,9 +54,9 @@ void Print(std::ostream& out, Item const& item) {
   out << ' ' << item.has_finder_info << ' ' << item.resource_bytes << ' '
       << std::string(item.finder_info.begin(), item.finder_info.end());
 }
+// Without what other processes change meanwhile.
 void Print(std::ostream& out, machine::VolumeSpace const& space) {
-  out << space.total_bytes << ' ' << space.free_bytes << ' ' << space.block_bytes << ' '
-      << space.files << ' ' << space.is_read_only;
+  out << space.total_bytes << ' ' << space.block_bytes << ' ' << space.is_read_only;
 }
 template <typename First, typename Second>
 void Print(std::ostream& out, std::pair<First, Second> const& pair) {
@@ -136,11 +137,7 @@ std::string FactsText(machine::Machine const& machine) {
   Line(out, "processes", machine.Processes().AllProcesses());
   Line(out, "process", machine.Processes().ProcessWithPid(1));
   for (char const* selector : {"ramm", "sysv", "mach", "mnam", "odd\xC4"}) {
-    std::uint32_t code = 0;
-    for (char const* at = selector; *at != '\0'; ++at) {
-      code = code << 8 | static_cast<unsigned char>(*at);
-    }
-    Line(out, selector, machine.Gestalt().Response(code));
+    Line(out, selector, machine.Gestalt().Response(BigEndianNumber(selector)));
   }
   return out.str();
 }

@@ -1,7 +1,6 @@
 #include <CoreServices/CoreServices.h>
 #include <gtest/gtest.h>
 
-#include "portable/core_foundation/bundles.h"
 #include "portable/core_foundation/objects.h"
 #include "portable/core_foundation/strings.h"
 #include "portable/core_foundation/urls.h"
@@ -109,27 +108,17 @@ TEST(Objects, ComeFromPropertyListsOfTheRightRoot) {
   EXPECT_THROW(MakeCFData(ConstData(bytes + 1, bytes)), CFDataCreateError);
 }
 
-std::string Text(AutoCFString const& text) { return MakeString(text.Get(), kUtf8, '?'); }
-
-TEST(URLs, AreMadeAndAsked) {
+TEST(URLs, LeadToItemsAndBack) {
   RecordedTree const tree;
   tree.Write("/folder/file", "content");
   MachineInUse const use(tree.Machine());
-  AutoCFURL const folder = MakeURLFromFileSystemPath(CFSTR("/folder"), kCFURLPOSIXPathStyle, true);
-  AutoCFURL const file = CreateCopyAppendingPathComponent(folder.Get(), CFSTR("file"), false);
-  EXPECT_EQ(Text(MakeCFString(file.Get())), "file:///folder/file");
-  EXPECT_EQ(Text(CopyLastPathComponent(file.Get())), "file");
-  EXPECT_EQ(Text(FileSystemPath(file.Get(), kCFURLHFSPathStyle)), "System:folder:file");
-  EXPECT_TRUE(CFEqual(CreateCopyDeletingLastPathComponent(file.Get()).Get(), folder.Get()));
-  AutoCFURL const relative = MakeURLFromFileSystemPathRelativeToBase(
-      CFSTR("file"), kCFURLPOSIXPathStyle, false, folder.Get());
-  EXPECT_EQ(ExtractCFData(GetData(relative.Get()).Get()).size(), 7u);
-  AutoCFURL const spelt = MakeURL(CFSTR("file:///folder/file"));
-  FSRef const ref = MakeFSRef(spelt.Get());
+  AutoCFURL const file = MakeURL(CFSTR("file:///folder/file"));
+  FSRef const ref = MakeFSRef(file.Get());
   EXPECT_TRUE(CFEqual(MakeURL(ref).Get(), file.Get()));
   FSSpec fs_spec = {};
   ASSERT_EQ(FSGetCatalogInfo(&ref, kFSCatInfoNone, nullptr, nullptr, &fs_spec, nullptr), noErr);
   EXPECT_TRUE(CFEqual(MakeURL(fs_spec).Get(), file.Get()));
+  EXPECT_EQ(ExtractCFData(GetData(file.Get()).Get()).size(), 7u);
 }
 
 TEST(URLs, FailWithTheirOwnClass) {
@@ -158,27 +147,6 @@ TEST(URLs, FailWithTheirOwnClass) {
   } catch (CFURLErrorCode const& error) {
     EXPECT_EQ(error.Code(), kCFURLResourceNotFoundError);
   }
-}
-
-TEST(Bundles, ShareTheirDictionariesOrHaveNone) {
-  RecordedTree const tree;
-  tree.Write("/a/Info.plist", "{Name = plain;}");
-  tree.Write("/a/en.lproj/InfoPlist.strings", "Name = translated;");
-  tree.Write("/none/PkgInfo", "APPLtext");
-  MachineInUse const use(tree.Machine());
-  AutoCFURL const folder = MakeURL(CFSTR("file:///a")), none = MakeURL(CFSTR("file:///none"));
-  CFBundleRef const bundle = CFBundleCreate(nullptr, folder.Get());
-  AutoCFDictionary const info = BundleGetInfoDictionary(bundle);
-  AutoCFDictionary const local = BundleGetLocalInfoDictionary(bundle);
-  EXPECT_EQ(info.Get(), CFBundleGetInfoDictionary(bundle));
-  EXPECT_EQ(CFGetRetainCount(info.Get()), 2);
-  CFRelease(bundle);
-  EXPECT_TRUE(CFEqual(GetDictionaryValue(info.Get(), CFSTR("Name")), CFSTR("plain")));
-  EXPECT_TRUE(CFEqual(GetDictionaryValue(local.Get(), CFSTR("Name")), CFSTR("translated")));
-  CFBundleRef const without = CFBundleCreate(nullptr, none.Get());
-  EXPECT_THROW(BundleGetInfoDictionary(without), CFBundleGetInfoDictionaryFailed);
-  EXPECT_THROW(BundleGetLocalInfoDictionary(without), CFBundleGetInfoDictionaryFailed);
-  CFRelease(without);
 }
 
 }  // namespace

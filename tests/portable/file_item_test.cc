@@ -1,8 +1,5 @@
 #include "portable/file_item.h"
 
-#include <sys/stat.h>
-#include <sys/xattr.h>
-
 #include "portable/crc32.h"
 #include "portable/file_operations.h"
 #include "portable/macintosh/file_loop.h"
@@ -14,6 +11,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using MacintoshPlatform::FileLoop;
+using MacintoshPlatform::FileReader;
+using MacintoshPlatform::FileReadingPath;
+using MacintoshPlatform::FileWriter;
 using MacintoshPlatform::MacFileInfo;
 
 TEST(Crc32, IsTheCheckOfTheStandardHoweverItIsCut) {
@@ -70,31 +70,6 @@ TEST(FileItem, ThrowsOnlyWhereTheItemIsNeeded) {
   EXPECT_EQ(ThrownBy([&] { FileItem{missing}; }), error);
 }
 
-TEST(FileItem, TellsFinderFlagsAndForks) {
-  TemporaryFolder folder;
-  struct {
-    unsigned char high;
-    bool alias, invisible, stationery;
-  } const rows[] = {{0x80, true, false, false},
-                    {0x40, false, true, false},
-                    {0x08, false, false, true},
-                    {0x37, false, false, false}};
-  for (auto const& row : rows) {
-    FileLocation const file = folder.Write("flags");
-    unsigned char finder[32] = {};
-    finder[8] = row.high;  // big-endian, behind type and creator
-    if (setxattr(folder.Path("flags").c_str(), "user.com.apple.FinderInfo", finder, 32, 0) != 0 ||
-        setxattr(folder.Path("flags").c_str(), "user.com.apple.ResourceFork", "fork", 4, 0) != 0) {
-      GTEST_SKIP() << "no extended attributes here";
-    }
-    FileItem const item(file);
-    EXPECT_EQ(item.IsAlias(), row.alias);
-    EXPECT_EQ(item.IsInvisible(), row.invisible);
-    EXPECT_EQ(item.IsStationery(), row.stationery);
-    EXPECT_EQ(item.ResourceLength(), 4u);
-  }
-}
-
 std::string NamesIn(FileLocation const& folder, char const* pattern) {
   std::string names;
   FileLoop loop;
@@ -136,25 +111,12 @@ TEST(FileLoop, SkipsWhatVanished) {
 }
 
 TEST(FileErrors, AreThoseOfTheirPointOfFailure) {
-  // Each code has its own meaning at one of the points.
-  struct {
-    long code;
-    std::string item, opening, reading, writing;
-  } const rows[] = {
-      {-34, Named<FileError>(-34), Named<DiskFullError>(-34), Named<FileIOError>(-34),
-       Named<DiskFullError>(-34)},
-      {-39, Named<FileError>(-39), Named<FileIOError>(-39), Named<EndOfFileError>(-39),
-       Named<EndOfFileError>(-39)},
-      {-44, Named<HardwareVolumeLockError>(-44), Named<FileIOError>(-44), Named<FileIOError>(-44),
-       Named<FileIOError>(-44)},
-  };
-  using namespace MacintoshPlatform;
-  for (auto const& row : rows) {
-    EXPECT_EQ(ThrownBy([&] { MacFileInfo::ThrowError(row.code); }), row.item) << row.code;
-    EXPECT_EQ(ThrownBy([&] { FileReadingPath::ThrowError(row.code); }), row.opening) << row.code;
-    EXPECT_EQ(ThrownBy([&] { FileReader::ThrowError(row.code); }), row.reading) << row.code;
-    EXPECT_EQ(ThrownBy([&] { FileWriter::ThrowError(row.code); }), row.writing) << row.code;
-  }
+  EXPECT_EQ(ThrownBy([] { MacFileInfo::ThrowError(-44); }), Named<HardwareVolumeLockError>(-44));
+  EXPECT_EQ(ThrownBy([] { FileReadingPath::ThrowError(-49); }), Named<FileBusyError>(-49));
+  EXPECT_EQ(ThrownBy([] { FileReader::ThrowError(-34); }), Named<FileIOError>(-34));
+  EXPECT_EQ(ThrownBy([] { FileReader::ThrowError(-39); }), Named<EndOfFileError>(-39));
+  EXPECT_EQ(ThrownBy([] { FileWriter::ThrowError(-34); }), Named<DiskFullError>(-34));
+  EXPECT_EQ(ThrownBy([] { FileWriter::ThrowError(-39); }), Named<EndOfFileError>(-39));
 }
 
 }  // namespace

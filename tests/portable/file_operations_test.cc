@@ -207,7 +207,7 @@ TEST(UniqueLocation, SaysWhyThereIsNone) {
   std::string const failed = Named<CreateUniqueFileLocationFailed>();
   std::string const too_long = Named<MacintoshPlatform::FullPathFailed>();
   // What a path may have before "/", six characters and the NUL.
-  std::string const fits(1024 - 8 - folder.Path().string().size(), 'x');
+  std::string const fits(1024 - 8 - folder.Path().size(), 'x');
   struct {
     std::string hint, error;
   } const rows[] = {

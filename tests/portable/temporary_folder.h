@@ -1,54 +1,29 @@
-// A folder for one test, gone with all that is in it at the end.
+// A temporary folder whose items are locations, and what an action throws.
 #pragma once
 
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <string>
 
 #include "portable/file_errors.h"
 #include "portable/file_location.h"
+#include "tests/support/temporary_folder.h"
 
-class TemporaryFolder {
+class TemporaryFolder : public gatotu::tests::TemporaryFolder {
  public:
-  TemporaryFolder() {
-    std::string pattern = std::filesystem::temp_directory_path() / "portable-XXXXXX";
-    path_ = mkdtemp(pattern.data());
-  }
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    std::filesystem::remove_all(path_, ignored);
-  }
-  TemporaryFolder(TemporaryFolder const&) = delete;
-  TemporaryFolder& operator=(TemporaryFolder const&) = delete;
-
-  std::filesystem::path Path(std::string const& name = {}) const {
-    return name.empty() ? path_ : path_ / name;
-  }
   FileLocation At(std::string const& name = {}) const {
-    return MakeFileLocation(Path(name).c_str());
+    return MakeFileLocation(name.empty() ? Path().c_str() : Path(name).c_str());
   }
-  // A file with this content, and the folders it needs.
   FileLocation Write(std::string const& name, std::string const& content = "x") const {
-    std::filesystem::create_directories(Path(name).parent_path());
-    std::ofstream(Path(name)) << content;
+    gatotu::tests::TemporaryFolder::Write(name, content);
     return At(name);
-  }
-  // "" for what is no file.
-  std::string Read(std::string const& name) const {
-    if (!std::filesystem::is_regular_file(Path(name))) return {};
-    std::ifstream file(Path(name));
-    return {std::istreambuf_iterator<char>(file), {}};
   }
   bool Has(std::string const& name) const {
     return std::filesystem::exists(std::filesystem::symlink_status(Path(name)));
   }
-  long Count() const { return std::distance(std::filesystem::directory_iterator(path_), {}); }
-
- private:
-  std::filesystem::path path_;
+  long Count() const { return std::distance(std::filesystem::directory_iterator(Path()), {}); }
 };
 
 // The encoded name of the class of what the action throws and the code it carries, "" for nothing:

@@ -1,12 +1,16 @@
 // Files and folders of the machine at hand: finding them, listing them, and what is said of them.
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <malloc.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "portable_inspectors/descendant_iterator.h"
 #include "program_output.h"
 #include "temporary_folder.h"
 
@@ -30,7 +34,7 @@ class Files : public testing::Test {
     folder_.AddLink("to file", "sub/../a.txt");
     folder_.AddLink("to folder", "sub");
     folder_.AddLink("sub/up", "..");
-    folder_.AddLink("broken", "nowhere");
+    folder_.AddLink("broken", "a.txt/");
     folder_.AddLink("loop", "loop");
   }
 
@@ -44,7 +48,9 @@ TEST_F(Files, AreFoundByPathAndByName) {
        {R"(exists folder "%/a.txt")", "false"},
        {R"(exists file "%/sub")", "false"},
        {R"(name of folder "%/sub/")", "sub"},
-       {R"(exists file "%/a.txt/")", "false"},
+       {R"(exists file "%/a.txt/", exists file "%/a.txt/.")", "false, false"},
+       {R"(names of (filesystem object "%/to folder/"; filesystem object "%/to folder"))",
+        "sub\nto folder"},
        {R"(exists file "%/none")", "false"},
        {R"(exists file "a.txt")", "false"},
        {R"(exists file "")", "false"},
@@ -130,15 +136,29 @@ TEST_F(Files, MayHaveAnyName) {
   EXPECT_EQ(folder_.Ask(R"(number of descendants of folder "%/sub")"), "7");
 }
 
+// The most that is allocated at any item of a walk beyond what was before.
+std::size_t HeapOfWalk(std::string const& path) {
+  std::size_t const before = mallinfo2().uordblks;
+  std::size_t most = before;
+  folder const start = MacintoshPlatform::posix_folder_of_world(path);
+  descendant_iterator walk;
+  try {
+    for (walk.First(start);; walk.Next(start)) most = std::max(most, mallinfo2().uordblks);
+  } catch (NoSuchObject const&) {
+  }
+  return most - before;
+}
+
 // Deeper than files may be open at once and than the kernel takes as one path.
 TEST(DeepFolders, AreWalkedToTheEnd) {
   constexpr int kDepth = 600;
+  std::string const name(200, 'd');
   TemporaryFolder folder;
   int at = open(folder.Path().c_str(), O_DIRECTORY);
   for (int i = 0; i < kDepth; ++i) {
-    ASSERT_EQ(mkdirat(at, "directory", 0700), 0);
+    ASSERT_EQ(mkdirat(at, name.c_str(), 0700), 0);
     close(openat(at, "x", O_CREAT | O_WRONLY, 0600));
-    int const next = openat(at, "directory", O_DIRECTORY);
+    int const next = openat(at, name.c_str(), O_DIRECTORY);
     close(at);
     at = next;
   }
@@ -146,6 +166,13 @@ TEST(DeepFolders, AreWalkedToTheEnd) {
   EXPECT_EQ(folder.Ask(R"(number of descendants of folder "%")"), std::to_string(2 * kDepth));
   EXPECT_EQ(folder.Ask(R"(number of descendants whose (name of it = "x") of folder "%")"),
             std::to_string(kDepth));
+  EXPECT_LT(HeapOfWalk(folder.Path()), 8u << 20);
+  rlimit files;
+  getrlimit(RLIMIT_NOFILE, &files);
+  rlimit const few = {40, files.rlim_max};
+  setrlimit(RLIMIT_NOFILE, &few);
+  EXPECT_EQ(folder.Ask(R"(number of descendants of folder "%")"), std::to_string(2 * kDepth));
+  setrlimit(RLIMIT_NOFILE, &files);
   FirstLineOf("rm -rf '" + folder.Path() + "'");
 }
 

@@ -95,14 +95,4 @@ TEST(VersionOrder, RefusesWhatIsNoVersion) {
   }
 }
 
-TEST(VersionOrder, GivesParts) {
-  VersionParts const parts = PartsOfVersionText("2:10.2.1.7rc3-5");
-  EXPECT_EQ(parts.numbers[0], 10);
-  EXPECT_EQ(parts.numbers[1], 2);
-  EXPECT_EQ(parts.numbers[2], 1);
-  EXPECT_EQ(parts.stage, VersionStage::kReleaseCandidate);
-  EXPECT_EQ(parts.non_release_revision, 3);
-  EXPECT_EQ(PartsOfVersionText("99999999999999999999").numbers[0], INT64_MAX);
-}
-
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <cstring>
 
+#include "tests/support/big_endian_text.h"
+
 void ScriptedMachine::AddProcess(std::int32_t pid, std::string const& name) {
   machine::Process process = {.pid = pid};
   std::memcpy(process.name, name.data(), std::min(name.size(), sizeof process.name - 1));
@@ -74,9 +76,7 @@ machine::Fact<machine::Process> ScriptedMachine::ProcessWithPid(std::int32_t pid
 
 machine::Fact<machine::GestaltResponse> ScriptedMachine::Response(std::uint32_t selector) const {
   ++calls_.gestalt;
-  std::string text;
-  for (int shift = 24; shift >= 0; shift -= 8) text += static_cast<char>(selector >> shift);
-  auto const found = gestalt.find(text);
+  auto const found = gestalt.find(BigEndianText(selector, 4));
   if (found != gestalt.end()) return found->second;
   return derived_.Response(selector);
 }
@@ -84,9 +84,7 @@ machine::Fact<machine::GestaltResponse> ScriptedMachine::Response(std::uint32_t 
 machine::Fact<std::vector<std::uint32_t>> ScriptedMachine::Selectors() const {
   std::vector<std::uint32_t> selectors = *derived_.Selectors();
   for (auto const& [text, response] : gestalt) {
-    std::uint32_t selector = 0;
-    for (unsigned char byte : text) selector = selector << 8 | byte;
-    selectors.push_back(selector);
+    selectors.push_back(BigEndianNumber(text));
   }
   return selectors;
 }

@@ -35,10 +35,13 @@ class ScriptedMachine final : public machine::Machine,
   std::optional<std::uint32_t> online_processors, power_pc_version, megahertz, usb_release;
   std::optional<machine::Architecture> architecture;
   std::vector<machine::Process> processes;
-  // Answers "not supported" where there is none.
+  // These answer "not supported" where there is none.
   std::shared_ptr<machine::FileSource const> files;
-  // Likewise.
   std::shared_ptr<machine::DirectorySource const> directory;
+  std::shared_ptr<machine::RegistrySource const> registry;
+  std::shared_ptr<machine::VolumeSource const> volumes;
+  std::shared_ptr<machine::ScsiSource const> scsi;
+  std::shared_ptr<machine::ComponentSource const> components;
   // By selector; one that is not here follows from the other facts.
   std::map<std::string, machine::GestaltResponse> gestalt;
 
@@ -79,6 +82,18 @@ class ScriptedMachine final : public machine::Machine,
   }
   machine::FileSource const& Files() const override {
     return files != nullptr ? *files : Machine::Files();
+  }
+  machine::RegistrySource const& Registry() const override {
+    return registry != nullptr ? *registry : Machine::Registry();
+  }
+  machine::VolumeSource const& Volumes() const override {
+    return volumes != nullptr ? *volumes : Machine::Volumes();
+  }
+  machine::ScsiSource const& Scsi() const override {
+    return scsi != nullptr ? *scsi : Machine::Scsi();
+  }
+  machine::ComponentSource const& Components() const override {
+    return components != nullptr ? *components : Machine::Components();
   }
 
  private:

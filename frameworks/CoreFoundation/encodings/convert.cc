@@ -223,6 +223,16 @@ std::size_t TakeUtf8(UInt8 const* bytes, std::size_t length, UInt32& character) 
 
 bool IsAscii(UInt8 const* bytes, std::size_t length) {
   std::size_t at = 0;
+  // Without a way out in between, so that the compiler takes the words of a line together.
+  for (constexpr std::size_t kLine = 64; at + kLine <= length; at += kLine) {
+    std::uint64_t all = 0;
+    for (std::size_t i = 0; i < kLine; i += 8) {
+      std::uint64_t word;
+      std::memcpy(&word, bytes + at + i, 8);
+      all |= word;
+    }
+    if ((all & 0x8080808080808080u) != 0) return false;
+  }
   for (; at + 8 <= length; at += 8) {
     std::uint64_t word;
     std::memcpy(&word, bytes + at, 8);

@@ -1,4 +1,4 @@
-#include "machine/companion_library.h"
+#include "machine/library_beside.h"
 
 #include <dlfcn.h>
 
@@ -8,15 +8,15 @@ namespace machine {
 
 // The full path is spelled out, because under the sanitizers `dlopen` does not see who called and
 // with that not the caller's search path.
-void* LoadFromCompanion(char const* library, char const* name) {
+void* OpenLibraryBeside(char const* library, char const* entry) {
   Dl_info self = {};
   std::string path = library;
-  if (::dladdr(reinterpret_cast<void const*>(&LoadFromCompanion), &self) != 0) {
+  if (::dladdr(reinterpret_cast<void const*>(&OpenLibraryBeside), &self) != 0) {
     std::string const own = self.dli_fname;
     path.insert(0, own.substr(0, own.rfind('/') + 1));
   }
-  void* const loaded = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
-  return loaded == nullptr ? nullptr : ::dlsym(loaded, name);
+  void* const opened = ::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
+  return opened == nullptr ? nullptr : ::dlsym(opened, entry);
 }
 
 }  // namespace machine

@@ -1,0 +1,198 @@
+// The registry, the firmware and the system, asked through what they register.
+#include "inspectors/system/registry.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "inspectors/system/bios.h"
+#include "inspectors/system/operating_system.h"
+#include "tests/machine/recorded_devices.h"
+#include "tests/support/recording_evaluator.h"
+#include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_registry.h"
+
+namespace {
+
+std::string Text(inspector_string const& string) {
+  return {reinterpret_cast<char const*>(string.start), string.length};
+}
+
+registry_node NodeOfRoot(std::string const& name) {
+  return node_by_path(reinterpret_cast<unsigned char const*>(name.data()), name.size(), theroot());
+}
+
+registry_node NodeOf(registry_node const& node, std::string const& name) {
+  return named_node_of(reinterpret_cast<unsigned char const*>(name.data()), name.size(), node);
+}
+
+class Registry : public testing::Test {
+ protected:
+  void SetUp() override { machine_->registry = registry_; }
+  void TearDown() override { EXPECT_EQ(registry_->LiveNodes(), 0); }
+
+  std::shared_ptr<ScriptedRegistry> registry_ = std::make_shared<ScriptedRegistry>();
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  MachineInUse use_{machine_};
+};
+
+TEST_F(Registry, EveryCopyIsTheSameEntryAndTheLastReleasesIt) {
+  io_registry_entry_t number = IO_OBJECT_NULL;
+  {
+    std::unique_ptr<registry_node> last;
+    {
+      registry_node const node = serviceplane(theroot());
+      number = node.Entry();
+      registry_node const copy = node;
+      last = std::make_unique<registry_node>(copy);
+      EXPECT_EQ(IOObjectGetUserRetainCount(number), 1u);
+      IOObjectRetain(number);
+    }
+    EXPECT_EQ(Text(name_of(*last)), "top");
+    EXPECT_STREQ(last->Plane(), "IOService");
+    EXPECT_EQ(IOObjectGetUserRetainCount(number), 2u);
+    *last = NodeOf(*last, "b");
+    EXPECT_EQ(IOObjectGetUserRetainCount(number), 1u);
+    EXPECT_EQ(Text(name_of(*last)), "b");
+  }
+  EXPECT_EQ(IOObjectRelease(number), KERN_SUCCESS);
+  EXPECT_EQ(IOObjectGetUserRetainCount(number), 0u);
+}
+
+TEST_F(Registry, AWalkReleasesWhatItTookOnEveryWayOut) {
+  registry_node const first = serviceplane(theroot());
+  OSXRegistryIterator whole;
+  EXPECT_EQ(Text(name_of(whole.First(first))), "a@0");
+  EXPECT_EQ(Text(path_of(whole.Next(first))), "IOService:/b");
+  EXPECT_THROW(whole.Next(first), NoSuchObject);
+  EXPECT_THROW(whole.Next(first), NoSuchObject);
+  EXPECT_EQ(Text(name_of(whole.First(first))), "a@0");
+  OSXRegistryIterator broken_off, of_leaf, never_started;
+  broken_off.First(first);
+  EXPECT_THROW(of_leaf.First(NodeOf(first, "b")), NoSuchObject);
+  EXPECT_THROW(never_started.Next(first), NoSuchObject);
+}
+
+TEST_F(Registry, PlanesAreAskedOfTheRegistryItself) {
+  registry_root const root(IO_OBJECT_NULL);
+  EXPECT_EQ(Text(name_of(serviceplane(root))), "top");
+  for (auto const plane : {powerplane, devicetreeplane, audioplane, firewireplane, usbplane}) {
+    EXPECT_THROW(plane(theroot()), NoSuchObject);
+  }
+  machine_->registry = nullptr;
+  EXPECT_THROW(theroot(), NoSuchObject);
+  EXPECT_THROW(serviceplane(root), NoSuchObject);
+}
+
+TEST_F(Registry, NodesByPath) {
+  EXPECT_EQ(Text(name_of(NodeOfRoot("IOService:/a@0"))), "a@0");
+  EXPECT_STREQ(NodeOfRoot("IOService:/").Plane(), "IOService");
+  for (char const* name : {"", "/b", "b", "IOService", "IOService:b", "IOUSB:/b", ":/b"}) {
+    EXPECT_THROW(NodeOfRoot(name), NoSuchObject) << name;
+  }
+  std::string const longest(512 - 11, 'x');
+  registry_->AddLeaf(longest);
+  registry_->AddLeaf(longest + "x");
+  registry_->AddLeaf("");
+  EXPECT_NO_THROW(NodeOfRoot("IOService:/" + longest));
+  EXPECT_THROW(NodeOfRoot("IOService:/" + longest + "x"), NoSuchObject);
+  EXPECT_THROW(path_of(NodeOfRoot("IOService:/" + longest)), NoSuchObject);
+  EXPECT_THROW(NodeOfRoot(std::string(128, 'p') + ":/b"), NoSuchObject);
+}
+
+TEST_F(Registry, NodesBelowNodes) {
+  registry_->AddLeaf("b/c");
+  registry_node const first = serviceplane(theroot());
+  EXPECT_EQ(Text(path_of(NodeOf(first, "b/c"))), "IOService:/b/c");
+  EXPECT_EQ(Text(path_of(NodeOf(NodeOf(first, "b"), "c"))), "IOService:/b/c");
+  EXPECT_THROW(NodeOf(first, "/b"), NoSuchObject);
+  std::string const longest(511 - 11, 'x');
+  registry_->AddLeaf(longest);
+  registry_->AddLeaf(longest + "x");
+  EXPECT_EQ(Text(path_of(NodeOf(first, longest))).size(), 511u);
+  EXPECT_THROW(NodeOf(NodeOf(first, longest), ""), NoSuchObject);
+  EXPECT_THROW(NodeOf(first, longest + "x"), NoSuchObject);
+}
+
+TEST_F(Registry, DictionariesAreReleasedByTheLastOfTheirValues) {
+  CFDictionaryRef kept = nullptr;
+  {
+    OSXDictionary const dictionary = dictionary_of(serviceplane(theroot()));
+    kept = dictionary.Dictionary();
+    CFRetain(kept);
+    EXPECT_EQ(CFGetRetainCount(kept), 2);
+  }
+  EXPECT_EQ(CFGetRetainCount(kept), 1);
+  CFRelease(kept);
+  EXPECT_NO_THROW(dictionary_of_root(theroot()));
+  EXPECT_THROW(dictionary_of(NodeOfRoot("IOService:/b")), NoSuchObject);
+}
+
+// The firmware's version in trees that have it in one place, the other, or both.
+TEST(Bios, VersionIsWhereNewOrOldMachinesHaveIt) {
+  struct {
+    char const *newer, *older, *version;
+  } const cases[] = {{"1", "2", "1"}, {nullptr, "2", "2"}, {"1", nullptr, "1"}, {"", "2", ""}};
+  for (auto const& row : cases) {
+    RecordedTree tree;
+    if (row.newer != nullptr) {
+      tree.Write("/proc/device-tree/rom/boot-rom/BootROM-version",
+                 row.newer + std::string(1, '\0'));
+    }
+    if (row.older != nullptr) {
+      tree.Write("/proc/device-tree/rom/version", row.older + std::string(1, '\0'));
+    }
+    MachineInUse const use(tree.Machine());
+    EXPECT_EQ(Text(Version_of(Bios_of_world())), row.version);
+    EXPECT_EQ(Text(AsString(Bios_of_world())), row.version);
+    EXPECT_THROW(Date_of(Bios_of_world()), NoSuchObject);
+  }
+}
+
+TEST(Bios, VersionComesOfTheFirmwaresTablesToo) {
+  RecordedTree tree;
+  MachineInUse const use(tree.Machine());
+  EXPECT_THROW(Version_of(Bios_of_world()), NoSuchObject);
+  WriteFirmware(tree);
+  EXPECT_EQ(Text(Version_of(Bios_of_world())), "N1MET68W (1.53 )");
+}
+
+class OperatingSystems : public testing::Test {
+ protected:
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  MachineInUse use_{machine_};
+  OperatingSystem const system_ = operating_system();
+};
+
+TEST_F(OperatingSystems, SayWhatTheyAre) {
+  machine_->version = {{"ProductName", "Mac OS X"},
+                       {"ProductVersion", "10.4.11"},
+                       {"ProductBuildVersion", "8S165"},
+                       {"Architecture", "i386"}};
+  EXPECT_EQ(Text(AsString(system_)), "Mac OS X 10.4.11");
+  EXPECT_EQ(Text(build_number_of_operating_system({}, system_)), "8S165");
+  EXPECT_EQ(Text(BuildOf({}, system_)), "8S165");
+  EXPECT_EQ(Text(ArchOf({}, system_)), "i386");
+  EXPECT_EQ(Version_of(system_).bug_fix, 11);
+  EXPECT_TRUE(Mac_of(system_));
+  EXPECT_FALSE(Unix_of(system_));
+  EXPECT_FALSE(Windows_of(system_));
+  inspector_string const build = BuildOf({}, system_);
+  BuildOf({}, system_);
+  EXPECT_EQ(build.start, BuildOf({}, system_).start);
+}
+
+TEST_F(OperatingSystems, WhatIsNotToldIsNoSuchObject) {
+  EXPECT_THROW(AsString(system_), NoSuchObject);
+  EXPECT_THROW(BuildOf({}, system_), NoSuchObject);
+  EXPECT_THROW(ArchOf({}, system_), NoSuchObject);
+  machine_->version = machine::SystemVersion{{"ProductName", "Rolling"}};
+  EXPECT_EQ(Text(name_of_operating_system({}, system_)), "Rolling");
+  EXPECT_THROW(AsString(system_), NoSuchObject);
+  EXPECT_THROW(release_of_operating_system({}, system_), NoSuchObject);
+  EXPECT_THROW(Up_Time_of(system_), NoSuchObject);
+  machine_->boot_seconds = 1'000;
+  machine_->microseconds = 1'060'000'000;
+  EXPECT_TRUE(Up_Time_of(system_) == moment_now() - Boot_Time_of(system_));
+}
+
+}  // namespace

@@ -1,0 +1,260 @@
+// SCSI buses and devices, on a machine that counts what its devices are asked.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <map>
+#include <memory>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "evaluator/plugin/exceptions.h"
+#include "inspectors/system/scsi_bus.h"
+#include "inspectors/system/scsi_device.h"
+#include "tests/support/recording_evaluator.h"
+#include "tests/support/scripted_machine.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+class CountingBuses final : public machine::ScsiSource {
+ public:
+  machine::Fact<machine::ScsiBus> Bus(std::uint8_t bus) const override {
+    if (auto const found = buses.find(bus); found != buses.end()) return found->second;
+    return machine::Absence{};
+  }
+  machine::Fact<std::string> Inquiry(std::uint8_t bus, std::uint8_t target) const override {
+    asked.push_back(bus * 100 + target);
+    if (auto const found = devices.find({bus, target}); found != devices.end()) {
+      return found->second;
+    }
+    return machine::Absence{};
+  }
+
+  std::map<std::uint8_t, machine::ScsiBus> buses = {{0, {}}};
+  std::map<std::pair<std::uint8_t, std::uint8_t>, std::string> devices;
+  mutable std::vector<int> asked;  // bus by the hundred, target by one
+};
+
+std::string Text(inspector_string const& string) {
+  return {reinterpret_cast<char const*>(string.start), string.length};
+}
+
+// Vendor, product, revision and type.
+std::vector<std::string> Describe(scsiDevice const& device) {
+  return {Text(vendor_of(device)), Text(product_of(device)), Text(revision_of(device)),
+          Text(type_of(device))};
+}
+
+class Scsi : public testing::Test {
+ protected:
+  Scsi() { machine_->scsi = source_; }
+  ~Scsi() override { Clear(); }
+
+  static void Clear() {
+    Instant now;
+    ClearscsiDevCache(now, nullptr);
+  }
+
+  void AddDevices(std::uint8_t bus, std::uint8_t count) {
+    for (std::uint8_t target = 0; target < count; ++target) {
+      source_->devices[{bus, target}] = std::string(36, static_cast<char>('a' + target));
+    }
+  }
+
+  // Bus and target of each element, as the machine counts what is asked.
+  template <typename Iterator, typename... Object>
+  static std::vector<int> Walk(Object const&... object) {
+    std::vector<int> found;
+    try {
+      Iterator iterator;
+      for (scsiDevice each = iterator.First(object...);; each = iterator.Next(object...)) {
+        found.push_back(static_cast<int>(each.bus * 100 + each.target));
+      }
+    } catch (NoSuchObject const&) {
+    }
+    return found;
+  }
+
+  std::vector<int> Asked() { return std::exchange(source_->asked, {}); }
+
+  std::shared_ptr<CountingBuses> source_ = std::make_shared<CountingBuses>();
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  MachineInUse use_{machine_};
+};
+
+TEST_F(Scsi, DevicesTellWhatTheyAreAsTheySentIt) {
+  source_->devices[{0, 3}] =
+      std::string("\5\x80\2\2\x1f\0\0\0", 8) + "QUANTUM " + "FIREBALL ST4.3S " + "0F0C" + "more";
+  EXPECT_THAT(Describe(scsi_device_of(3)),
+              ElementsAre("QUANTUM ", "FIREBALL ST4.3S ", "0F0C", "CDROM"));
+  source_->devices[{0, 4}] = std::string("\1\0\0\0\0\0\0\0", 8) + "SHORT";
+  std::vector<std::string> const text = Describe(scsiDevice(4));
+  EXPECT_THAT(text, ElementsAre(std::string("SHORT\0\0\0", 8), std::string(16, '\0'),
+                                std::string(4, '\0'), "TAPE"));
+  EXPECT_THROW(scsi_device_of(5), NoSuchObject);
+}
+
+TEST_F(Scsi, TypesAreNamed) {
+  std::map<unsigned, std::string> const names = {
+      {0, "DISK"}, {1, "TAPE"}, {2, "PRINTER"}, {3, "CPU"},        {4, "WORM"},    {5, "CDROM"},
+      {6, "SCAN"}, {7, "DISK"}, {8, "UNKNOWN"}, {0x1F, "UNKNOWN"}, {0x20, "DISK"}, {0xE7, "DISK"}};
+  scsiDevice device;
+  for (auto const& [byte, name] : names) {
+    device.inquiry[0] = static_cast<unsigned char>(byte);
+    EXPECT_EQ(Text(type_of(device)), name) << byte;
+  }
+}
+
+TEST_F(Scsi, BusesTellVersionSpeedAndWidth) {
+  struct {
+    machine::ScsiBus bus;
+    bool fast, wide16, wide32;
+  } const cases[] = {{{255, 0xFFFFFFFD, 0x9F}, false, false, false},
+                     {{0, 2, 0}, true, false, false},
+                     {{4, 0, 0x20}, false, true, false},
+                     {{4, 0, 0x40}, false, false, true}};
+  for (auto const& row : cases) {
+    source_->buses[9] = row.bus;
+    scsibus const bus = scsi_bus_of(9);
+    inspector_version const version = version_of(bus);
+    EXPECT_EQ(version.major, row.bus.version);
+    EXPECT_EQ(version.minor + version.bug_fix + version.stage + version.non_release_revision, 0);
+    EXPECT_EQ(fast_scsi_of(bus), row.fast);
+    EXPECT_EQ(wide16_scsi_of(bus), row.wide16);
+    EXPECT_EQ(wide32_scsi_of(bus), row.wide32);
+  }
+  EXPECT_EQ(scsi_bus_of(256 + 9).Number(), 9);
+  EXPECT_THROW(scsi_bus_of(1), NoSuchObject);
+}
+
+TEST_F(Scsi, TheEightAskedLastAreRemembered) {
+  AddDevices(0, 10);
+  auto const ask = [](std::initializer_list<unsigned> targets) {
+    for (unsigned const target : targets) scsi_device_of(target);
+  };
+  ask({0, 1, 2, 3, 4, 5, 6, 7, 0, 7});
+  EXPECT_THAT(Asked(), ElementsAre(0, 1, 2, 3, 4, 5, 6, 7));
+  EXPECT_THROW(scsi_device_of(200), NoSuchObject);
+  EXPECT_THAT(Asked(), ElementsAre(200));
+  ask({8, 1, 8, 0, 2, 1});  // the ninth takes the place of the first, the tenth of the second
+  EXPECT_THAT(Asked(), ElementsAre(8, 0, 1));
+  EXPECT_THROW(scsi_device_of(200), NoSuchObject);
+  Asked();
+  Clear();
+  ask({3, 3, 9, 3});
+  EXPECT_THAT(Asked(), ElementsAre(3, 9));
+}
+
+TEST_F(Scsi, WhatIsRememberedStandsUntilItIsCleared) {
+  AddDevices(0, 1);
+  EXPECT_EQ(Text(revision_of(scsi_device_of(0))), "aaaa");
+  source_->devices[{0, 0}] = std::string(36, 'x');
+  EXPECT_EQ(Text(revision_of(scsi_device_of(0))), "aaaa");
+  EXPECT_EQ(Text(revision_of(scsiDevice(0))), "xxxx");
+  Clear();
+  EXPECT_EQ(Text(revision_of(scsi_device_of(0))), "xxxx");
+  source_->devices.clear();
+  Clear();
+  EXPECT_THROW(scsi_device_of(0), NoSuchObject);
+}
+
+TEST_F(Scsi, TheCacheGoesByWholeNumbersTheManagerByTheirLowBytes) {
+  AddDevices(0, 2);
+  for (int i = 0; i < 2; ++i) {
+    for (auto const& [bus, target] : {std::pair(0ull, 1ull), {256ull, 1ull}, {0ull, 257ull}}) {
+      scsiDevice const device = get_scsi_device(bus, target);
+      EXPECT_EQ(device.bus, bus);
+      EXPECT_EQ(device.target, target);
+      EXPECT_EQ(Text(revision_of(device)), "bbbb");
+    }
+  }
+  EXPECT_THAT(Asked(), ElementsAre(1, 1, 1));
+  EXPECT_EQ(scsi_device_of(1, scsi_bus_of(256)).bus, 0u);
+  EXPECT_THAT(Asked(), IsEmpty());
+}
+
+TEST_F(Scsi, DevicesOfABusAreEightAtMostUpToTheFirstGap) {
+  source_->buses[2] = {};
+  AddDevices(2, 10);
+  scsibus const bus(2);
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_THAT(Walk<SCSIDeviceIterator1>(bus),
+                ElementsAre(200, 201, 202, 203, 204, 205, 206, 207));
+    EXPECT_EQ(Asked().size(), 8u) << "iterations ask each time";
+  }
+  source_->devices.erase({2, 3});
+  EXPECT_THAT(Walk<SCSIDeviceIterator1>(bus), ElementsAre(200, 201, 202));
+  EXPECT_THAT(Asked(), ElementsAre(200, 201, 202, 203));
+}
+
+TEST_F(Scsi, DevicesOfTheWorldAreThoseOfOneBusAfterTheOther) {
+  struct {
+    char const* name;
+    std::vector<std::uint8_t> counts;  // of devices, by bus
+    std::vector<int> found;
+  } const cases[] = {
+      {"no bus", {}, {}},
+      {"an empty bus", {0}, {}},
+      {"a gap ends it all", {2, 8}, {0, 1}},
+      {"two buses", {8, 2}, {0, 1, 2, 3, 4, 5, 6, 7, 100, 101}},
+      {"the last bus", {9}, {0, 1, 2, 3, 4, 5, 6, 7}},
+  };
+  for (auto const& row : cases) {
+    source_->buses.clear();
+    source_->devices.clear();
+    for (std::uint8_t bus = 0; bus < row.counts.size(); ++bus) {
+      source_->buses[bus] = {};
+      AddDevices(bus, row.counts[bus]);
+    }
+    EXPECT_EQ(Walk<SCSIDeviceIterator2>(), row.found) << row.name;
+  }
+  source_->buses = {{1, {}}};
+  Asked();
+  EXPECT_THAT(Walk<SCSIDeviceIterator2>(), IsEmpty());
+  EXPECT_THAT(Asked(), IsEmpty());
+}
+
+// However many a machine claims to have, so that a number never comes round again.
+TEST_F(Scsi, BusesEnd) {
+  for (unsigned const last : {0u, 1u, 255u}) {
+    for (unsigned bus = 0; bus <= last; ++bus) source_->buses[static_cast<std::uint8_t>(bus)] = {};
+    unsigned count = 0;
+    SCSIBusIterator buses;
+    try {
+      for (scsibus bus = buses.First(); count < 1000; bus = buses.Next()) {
+        EXPECT_EQ(bus.Number(), count++);
+      }
+    } catch (NoSuchObject const&) {
+    }
+    EXPECT_EQ(count, last == 255 ? 255 : last + 1);
+  }
+  machine_->scsi = nullptr;
+  EXPECT_THROW(SCSIBusIterator().First(), NoSuchObject);
+}
+
+TEST_F(Scsi, IsRegisteredInItsOrder) {
+  std::vector<std::string> lines;
+  for (RecordedRegistration const& each : RecordingEvaluator::Instance().registered) {
+    bool const is_type = each.call == "Type";
+    bool const is_ours = each.name.starts_with("scsi") || each.object.starts_with("scsi");
+    if (!is_ours) continue;
+    EXPECT_EQ(each.fingerprint, nullptr);
+    std::string line = is_type ? each.name : each.plural + " of " + each.object;
+    if (!each.parameter.empty()) line += " by " + each.parameter;
+    if (each.size != 0) line += " " + std::to_string(each.size);
+    lines.push_back(line);
+  }
+  EXPECT_THAT(
+      lines,
+      ElementsAre("scsibus 172", "scsidevice 272", "scsibuses of  by integer",
+                  "scsidevices of  by integer", "versions of scsibus", "fast scsis of scsibus",
+                  "wide16 scsis of scsibus", "wide32 scsis of scsibus",
+                  "scsidevices of scsibus by integer", "vendors of scsidevice",
+                  "types of scsidevice", "products of scsidevice", "revisions of scsidevice",
+                  "scsidevices of scsibus 2", "scsidevices of  4", "scsibuses of  2"));
+}
+
+}  // namespace

@@ -1,0 +1,198 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "evaluator/plugin/exceptions.h"
+#include "inspectors/files/volume.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/recording_evaluator.h"
+#include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_volumes.h"
+
+namespace {
+
+using machine::Absence;
+using machine::Outcome;
+using machine::VolumeFacts;
+
+// What a function answers, or what it throws.
+template <typename Function>
+std::string Told(Function&& function) {
+  try {
+    return std::to_string(function());
+  } catch (NoSuchObject const&) {
+    return "none";
+  } catch (OSError const& error) {
+    return "status " + std::to_string(error.Code());
+  }
+}
+
+std::string NameOf(VolumeLink const& volume) {
+  inspector_string const name = name_of(volume);
+  return {reinterpret_cast<char const*>(name.start), name.length};
+}
+
+class Volumes : public testing::Test {
+ protected:
+  Volumes() { machine_->volumes = volumes_; }
+
+  void Add(std::string const& name, VolumeFacts const& facts = {}) {
+    std::uint64_t const number = volumes_->volumes.size() + 1;
+    std::string const point = number == 1 ? "/" : "/" + std::to_string(number);
+    volumes_->Add({name, point, number, number, {}}, facts);
+  }
+  // "name number" of each.
+  template <typename... Name>
+  static std::string All(Name... name) {
+    std::string all;
+    VolumeIterator iterator;
+    try {
+      for (VolumeLink found = iterator.First(name...);; found = iterator.Next(name...)) {
+        all += NameOf(found) + std::to_string(found.Info().VolumeRefNum()) + " ";
+      }
+    } catch (NoSuchObject const&) {
+    }
+    return all;
+  }
+  static std::string Named(std::string const& name) {
+    return All(reinterpret_cast<unsigned char const*>(name.data()), name.size());
+  }
+
+  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
+  std::shared_ptr<ScriptedVolumes> volumes_ = std::make_shared<ScriptedVolumes>();
+  MachineInUse use_{machine_};
+};
+
+TEST_F(Volumes, ComeInTheSystemsOrderOrByExactlyTheirName) {
+  EXPECT_EQ(All(), "");
+  for (char const* name : {"A", "b", "A", "caf\xC3\xA9", "d\xFF"}) Add(name);
+  EXPECT_EQ(All(), "A-100 b-101 A-102 caf\xC3\xA9-103 d\xFF-104 ");
+  EXPECT_EQ(Named("A"), "A-100 A-102 ");
+  EXPECT_EQ(Named("a"), "");
+  EXPECT_EQ(Named("B"), "");
+  EXPECT_EQ(Named("caf\xC3\xA9"), "caf\xC3\xA9-103 ");
+  EXPECT_EQ(Named("d\xFF"), "d\xFF-104 ");
+  EXPECT_EQ(Named(""), "");
+}
+
+TEST_F(Volumes, ThatDoNotAnswerHaveANameAndLetOthersAnswer) {
+  Add("A");
+  volumes_->Add({"dead", "/dead", 5, 5, {}}, Absence{Outcome::kTimedOut, "/dead", {}, 0});
+  Add("B");
+  EXPECT_EQ(All(), "A-100 dead-101 B-102 ");
+  EXPECT_THROW(free_space_of(volume_of_index(2)), NoSuchObject);
+  volumes_->Add({"shut", "/shut", 6, 6, {}},
+                Absence{Outcome::kPermissionRefused, "/shut", {}, EACCES});
+  EXPECT_EQ(Told([&] { return volume_of_index(4).Info().VolumeRefNum(); }), "status -5000");
+}
+
+TEST_F(Volumes, AreNumberedFromOne) {
+  Add("A");
+  Add("B");
+  EXPECT_EQ(NameOf(volume_of_index(2)), "B");
+  for (unsigned long long const index :
+       {0ull, 3ull, 32767ull, 32768ull, 65537ull, 0x1'0000'0001ull}) {
+    EXPECT_THROW(volume_of_index(index), NoSuchObject) << index;
+  }
+}
+
+TEST_F(Volumes, RoundPercentagesDown) {
+  struct {
+    std::optional<std::uint64_t> total, free;
+    char const *percent_free, *percent_used, *size, *used_space;
+  } const rows[] = {
+      {1000, 1, "0", "99", "1000", "999"},
+      {1000, 999, "99", "0", "1000", "1"},
+      {1000, 0, "0", "100", "1000", "1000"},
+      {3, 3, "100", "0", "3", "0"},
+      {3, 1, "33", "66", "3", "2"},
+      {0, 0, "none", "none", "none", "none"},
+      {{}, {}, "none", "none", "none", "none"},
+  };
+  for (auto const& row : rows) {
+    VolumeFacts facts;
+    facts.total_bytes = row.total;
+    facts.free_bytes = row.free;
+    Add("A", facts);
+    VolumeLink const volume = volume_of_index(volumes_->volumes.size());
+    SCOPED_TRACE(row.total.value_or(-1));
+    EXPECT_EQ(Told([&] { return percent_free_of(volume); }), row.percent_free);
+    EXPECT_EQ(Told([&] { return percent_used_of(volume); }), row.percent_used);
+    EXPECT_EQ(Told([&] { return total_space_of(volume); }), row.size);
+    EXPECT_EQ(Told([&] { return used_space_of(volume); }), row.used_space);
+  }
+}
+
+TEST_F(Volumes, AreTheSameWhateverIsToldOfThem) {
+  VolumeFacts facts;
+  facts.total_bytes = 10;
+  facts.free_bytes = 4;
+  facts.files = 7;
+  facts.folders = 2;
+  facts.flags = 128;
+  Add("A", facts);
+  Add("A", facts);
+  VolumeLink const before = volume_of_index(1);
+  volumes_->facts.at("/").value().free_bytes = 1;
+  VolumeLink const after = volume_of_index(1);
+  EXPECT_EQ(free_space_of(before), 4);
+  EXPECT_EQ(free_space_of(after), 1);
+  EXPECT_TRUE(before == after);
+  EXPECT_FALSE(before == volume_of_index(2));
+  EXPECT_EQ(files_of(after), 7);
+  EXPECT_EQ(alloc_of(after), 7);
+  EXPECT_EQ(directories_of(after), 2);
+  EXPECT_EQ(flags_of(after), 128);
+}
+
+TEST_F(Volumes, PlaceTheirSecondsOnTheLocalEpoch) {
+  constexpr std::int64_t kHour = 3600;
+  machine_->microseconds = 0;
+  machine_->SetZone("TST", "TST-2");
+  VolumeFacts facts;
+  facts.created = machine::FileTime{1'000'000'000, 999'999'999};
+  facts.modified = machine::FileTime{(std::int64_t{1} << 32) - 2'082'844'800, 0};
+  Add("A", facts);
+  VolumeLink const volume = volume_of_index(1);
+  EXPECT_EQ(init_date_of(volume).MicrosecondsSince1970(), (1'000'000'000 - 2 * kHour) * 1'000'000);
+  EXPECT_THROW(modification_time_of(volume), NoSuchObject);
+  EXPECT_EQ(VolInfo::DateToSeconds({0, 0xFFFFFFFF, 0xFFFF}), 0xFFFFFFFF);
+  EXPECT_THROW(VolInfo::DateToSeconds({1, 0, 0}), NoSuchObject);
+  volumes_->facts.at("/").value().created = {};
+  EXPECT_THROW(init_date_of(volume_of_index(1)), NoSuchObject);
+}
+
+TEST_F(Volumes, AreFixedDrivesEvenWhenTheyAreGone) {
+  Add("A");
+  Add("B");
+  VolumeLink const volume = volume_of_index(2);
+  volumes_->volumes.pop_back();
+  for (VolumeLink const& each : {volume_of_index(1), volume}) {
+    inspector_string const type = type_of(each);
+    EXPECT_EQ(std::string(type.start, type.start + type.length), "DRIVE_FIXED");
+  }
+}
+
+TEST(VolumesOfATree, AreThoseOfTheirFilesAndFolders) {
+  RecordedTree const tree;
+  tree.Write("/proc/self/mountinfo",
+             "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n2 1 8:2 / /media/disk rw - vfat /dev/sdb1 rw\n");
+  tree.Write("/etc/file", "");
+  tree.Write("/media/disk/in/file", "");
+  MachineInUse const use(tree.Machine());
+  auto const folder_at = [](char const* path) {
+    return MacintoshPlatform::posix_folder_of_world(path);
+  };
+  VolumeLink const root = volume_of_folder(folder_at("/etc")), disk = volume_of_index(2);
+  EXPECT_EQ(NameOf(root), "System");
+  EXPECT_TRUE(volume_of_folder(folder_at("/media/disk")) == disk);
+  EXPECT_TRUE(volume_of_file(file_of({reinterpret_cast<unsigned char const*>("file"), 4},
+                                     folder_at("/media/disk/in"))) == disk);
+  EXPECT_EQ(disk.Path(), "/media/disk");
+  EXPECT_TRUE(disk.Item().IsDirectory());
+  // Nothing fills the cache, before or after it is cleared.
+  Instant now;
+  ClearVolCache(now, nullptr);
+  EXPECT_TRUE(volume_of_folder(root) == root);
+}
+
+}  // namespace

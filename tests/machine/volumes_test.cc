@@ -1,0 +1,368 @@
+#include <CoreFoundation/recorded_facts.h>
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <cstdio>
+#include <future>
+#include <map>
+#include <sstream>
+#include <thread>
+
+#include "machine/capture/capture.h"
+#include "machine/capture/recorder.h"
+#include "machine/live/worker.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_volumes.h"
+
+namespace {
+
+using machine::Outcome;
+using machine::Volume;
+using machine::VolumeFacts;
+using machine::live::IsAnyCallAbandoned;
+using machine::live::RunWithin;
+using namespace std::chrono_literals;
+using SharedMachine = std::shared_ptr<machine::Machine const>;
+
+// "name mount-point", one after the other.
+std::vector<std::string> Listed(machine::Machine const& machine) {
+  std::vector<std::string> listed;
+  auto const volumes = machine.Volumes().Volumes();
+  if (!volumes) return {std::string(NameOf(volumes.outcome()))};
+  for (Volume const& volume : **volumes) listed.push_back(volume.name + " " + volume.mount_point);
+  return listed;
+}
+
+std::string OutputOf(std::string const& command) {
+  std::string output;
+  FILE* const pipe = ::popen(command.c_str(), "r");
+  for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) output += static_cast<char>(c);
+  return ::pclose(pipe) == 0 ? output : std::string();
+}
+
+TEST(MountedVolumes, AreTheMountsThatHoldFilesAndCanBeReached) {
+  constexpr char kBefore[] = "2 1 0:5 / /proc rw - proc proc rw\n";
+  constexpr char kRoot[] = "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n";
+  std::string const users = "fuse.files f rw,user_id=" + std::to_string(::geteuid() + 1);
+  struct {
+    char const* what;
+    std::string table;
+    std::vector<std::string> listed;
+  } const rows[] = {
+      {"escapes", "3 1 8:2 / /a\\040b\\134c rw shared:2 - ext4 /dev/sdb1 rw\n", {"a b\\c /a b\\c"}},
+      {"memory", "3 1 0:9 / /tmp rw - tmpfs tmpfs rw\n", {"tmp /tmp"}},
+      {"pseudo", "3 1 0:9 / /sys rw - sysfs sysfs rw\n", {}},
+      {"second place",
+       "3 1 8:2 / /a rw - xfs /dev/sdb1 rw\n4 1 8:2 / /b rw - xfs /dev/sdb1 rw\n",
+       {"a /a"}},
+      {"from within", "3 1 8:2 /in /a rw - ext4 /dev/sdb1 rw\n", {}},
+      {"part of a btrfs", "3 1 0:7 /@home /home rw - btrfs /dev/sdb1 rw\n", {"home /home"}},
+      {"covered",
+       "3 1 0:7 / /a rw - tmpfs x rw\n4 3 0:8 / /a rw - tmpfs y rw\n5 4 0:9 / /a/b rw - tmpfs z "
+       "rw\n",
+       {"a /a", "b /a/b"}},
+      {"way covered",
+       "3 1 0:7 / /a/b rw - tmpfs x rw\n4 3 0:8 / /a/b/c rw - tmpfs y rw\n"
+       "5 1 0:9 / /a rw - tmpfs z rw\n",
+       {"a /a"}},
+      {"of another user", "3 1 0:7 / /a rw - " + users + "\n", {}},
+      {"open to all", "3 1 0:7 / /a rw - " + users + ",allow_other\n", {"a /a"}},
+      {"circle", "3 4 0:7 / /a rw - tmpfs x rw\n4 3 0:8 / /b rw - tmpfs x rw\n", {"a /a", "b /b"}},
+      {"labels",
+       "3 1 8:2 / /a rw - ext4 /dev/sdz1 rw\n4 1 8:3 / /b rw - ext4 /dev/mapper/vg-b rw\n",
+       {"My Disk/1 /a", "b%zz /b"}},
+      {"broken", "3 1\n\n- - - - - - -\n3 1 8:2 / /a rw - ext4 /dev/sdc rw\n", {"a /a"}},
+  };
+  for (auto const& row : rows) {
+    SCOPED_TRACE(row.what);
+    RecordedTree const tree;
+    tree.Link("/dev/disk/by-label/My\\x20Disk\\x2f1", "../../sdz1");
+    tree.Link("/dev/disk/by-label/b%zz", "../../dm-0");
+    tree.Link("/dev/mapper/vg-b", "../dm-0");
+    tree.Write("/proc/self/mountinfo", kBefore + row.table + kRoot);
+    auto expected = row.listed;
+    expected.insert(expected.begin(), "System /");
+    EXPECT_EQ(Listed(*tree.Machine()), expected);
+  }
+  EXPECT_THAT(Listed(*RecordedTree().Machine()), testing::ElementsAre("System /"));
+}
+
+TEST(MountedVolumes, TellWhatDfTells) {
+  std::istringstream lines(OutputOf("df -a -B1 --output=size,iused,target 2>/dev/null"));
+  std::map<std::string, std::pair<std::uint64_t, std::uint64_t>> told;
+  std::string line;
+  std::getline(lines, line);
+  while (std::getline(lines, line)) {
+    std::istringstream fields(line);
+    std::uint64_t size = 0, files = 0;
+    std::string target;
+    if (fields >> size >> files && std::getline(fields >> std::ws, target)) {
+      told[target] = {size, files};
+    }
+  }
+  machine::Machine const& live = machine::CurrentMachine();
+  auto const volumes = live.Volumes().Volumes();
+  ASSERT_TRUE(volumes);
+  EXPECT_EQ((*volumes)->front().mount_point, "/");
+  for (Volume const& volume : **volumes) {
+    SCOPED_TRACE(volume.mount_point);
+    auto const facts = live.Volumes().FactsOf(volume);
+    auto const row = told.find(volume.mount_point);
+    if (!facts || row == told.end()) continue;
+    EXPECT_EQ(facts->total_bytes, row->second.first);
+    EXPECT_NEAR(static_cast<double>(facts->files.value_or(0)),
+                static_cast<double>(row->second.second), 1e4);
+    EXPECT_FALSE(facts->folders);
+    auto const status = live.Files().Status(volume.mount_point, machine::Links::kKeep);
+    EXPECT_EQ(volume.mount, status->mount);
+    EXPECT_EQ(facts->modified->seconds, status->modification.seconds);
+  }
+}
+
+TEST(MountedVolumes, AreThoseThatFindmntFinds) {
+  std::string const found = OutputOf("findmnt -D -n -r -o MAJ:MIN,TARGET,FSTYPE,FSROOT");
+  if (found.empty()) GTEST_SKIP() << "no findmnt";
+  std::set<std::string> expected = {"/"}, devices;
+  std::istringstream lines(found);
+  for (std::string device, target, type, root; lines >> device >> target >> type >> root;) {
+    if (target == "/") devices.insert(device);
+    if (type == "devtmpfs" || root != "/" || target.find('\\') != std::string::npos) continue;
+    if (devices.insert(device).second) expected.insert(target);
+  }
+  std::set<std::string> listed;
+  for (Volume const& volume : **machine::CurrentMachine().Volumes().Volumes()) {
+    if (volume.mount_point.find(' ') == std::string::npos) listed.insert(volume.mount_point);
+  }
+  EXPECT_EQ(listed, expected);
+}
+
+// In a child with mounts of its own, which end with it. The value it returns is 0, or the line of
+// the first expectation that failed, or `kRefused`.
+constexpr int kRefused = 255;
+#define CHECK_IN_CHILD(condition) \
+  if (!(condition)) return __LINE__ % kRefused
+
+int InChildWithMounts(int (*check)(RecordedTree const&)) {
+  RecordedTree const tree;
+  std::filesystem::create_directories(tree.At("/a"));
+  std::filesystem::create_directories(tree.At("/b"));
+  pid_t const child = ::fork();
+  if (child == 0) {
+    bool const may_mount = ::unshare(CLONE_NEWNS) == 0 &&
+                           ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0;
+    ::_exit(may_mount ? check(tree) : kRefused);
+  }
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+int SeeMountsComeAndGo(RecordedTree const& tree) {
+  auto const machine = machine::MakeLiveMachine();
+  auto const before = Listed(*machine);
+  CHECK_IN_CHILD(*machine->Volumes().Volumes() == *machine->Volumes().Volumes());
+  if (::mount("x", tree.At("/a").c_str(), "tmpfs", MS_RDONLY, "size=8k") != 0) return kRefused;
+  auto const volumes = machine->Volumes().Volumes();
+  CHECK_IN_CHILD((*volumes)->size() == before.size() + 1);
+  Volume const added = (*volumes)->back();
+  CHECK_IN_CHILD(added.name == "a" && added.mount_point == tree.At("/a"));
+  auto const facts = machine->Volumes().FactsOf(added);
+  CHECK_IN_CHILD(facts && facts->total_bytes == 8192u);
+  CHECK_IN_CHILD(facts->flags == machine::kVolumeIsReadOnly);
+  CHECK_IN_CHILD(::umount(tree.At("/a").c_str()) == 0);
+  CHECK_IN_CHILD(Listed(*machine) == before);
+  CHECK_IN_CHILD(machine->Volumes().FactsOf(added).outcome() == Outcome::kAbsent);
+  return 0;
+}
+
+TEST(MountedVolumes, ComeAndGo) {
+  int const line = InChildWithMounts(SeeMountsComeAndGo);
+  if (line == kRefused) GTEST_SKIP() << "may not mount";
+  EXPECT_EQ(line, 0);
+}
+
+// A file system that never answers, as that of a server that is gone.
+int AskADeadVolume(RecordedTree const& tree) {
+  int const device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
+  std::string const options =
+      "fd=" + std::to_string(device) + ",rootmode=40000,user_id=0,group_id=0";
+  std::string const dead = tree.At("/a");
+  if (::mount("x", dead.c_str(), "fuse.dead", 0, options.c_str()) != 0) return kRefused;
+  auto const machine = machine::MakeLiveMachine();
+  auto const started = std::chrono::steady_clock::now();
+  AnnouncementLog const log;
+  for (int i = 0; i < 5; ++i) {
+    for (Volume const& volume : **machine->Volumes().Volumes()) {
+      bool const is_dead = volume.mount_point == dead;
+      auto const facts = machine->Volumes().FactsOf(volume);
+      CHECK_IN_CHILD((facts.outcome() == Outcome::kTimedOut) == is_dead);
+    }
+  }
+  CHECK_IN_CHILD(std::chrono::steady_clock::now() - started < 8s);
+  CHECK_IN_CHILD(
+      std::count(log.entries.begin(), log.entries.end(), std::pair(dead, Outcome::kTimedOut)) == 5);
+  CHECK_IN_CHILD(IsAnyCallAbandoned());
+  return 0;
+}
+
+TEST(MountedVolumes, ADeadOneIsWaitedForOnce) {
+  int const line = InChildWithMounts(AskADeadVolume);
+  if (line == kRefused) GTEST_SKIP() << "may not mount";
+  EXPECT_EQ(line, 0);
+}
+
+TEST(Worker, AbandonsWhatDoesNotReturn) {
+  RecordedTree const tree;
+  std::string const pipe = tree.At("/pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  auto const hang = [pipe] { ::close(::open(pipe.c_str(), O_RDONLY | O_CLOEXEC)); };
+  EXPECT_FALSE(RunWithin(20ms, pipe, hang));
+  EXPECT_TRUE(IsAnyCallAbandoned());
+  EXPECT_FALSE(RunWithin(1h, pipe, [] { ADD_FAILURE() << "begun beside the one that hangs"; }));
+  bool is_done = false;
+  EXPECT_TRUE(RunWithin(1h, "another", [&] { is_done = true; }));
+  EXPECT_TRUE(is_done);
+
+  ::close(::open(pipe.c_str(), O_WRONLY | O_CLOEXEC));
+  for (int i = 0; i < 1000 && IsAnyCallAbandoned(); ++i) std::this_thread::sleep_for(5ms);
+  EXPECT_FALSE(IsAnyCallAbandoned());
+  EXPECT_EQ(machine::live::AskWithin(1h, pipe, [] { return 5; }), 5);
+}
+
+SharedMachine Open(RecordedTree const& tree) {
+  auto opened = machine::OpenCapture(tree.At("/"), {}, ReadRecordedFacts);
+  EXPECT_TRUE(opened) << machine::CaptureMessage(opened.absence());
+  return opened ? *opened : nullptr;
+}
+
+bool AreEqual(std::optional<machine::FileTime> const& a,
+              std::optional<machine::FileTime> const& b) {
+  return a.has_value() == b.has_value() &&
+         (!a || (a->seconds == b->seconds && a->nanoseconds == b->nanoseconds));
+}
+
+void ExpectEqual(VolumeFacts const& a, VolumeFacts const& b) {
+  EXPECT_EQ(a.total_bytes, b.total_bytes);
+  EXPECT_EQ(a.free_bytes, b.free_bytes);
+  EXPECT_EQ(a.block_bytes, b.block_bytes);
+  EXPECT_EQ(a.files, b.files);
+  EXPECT_EQ(a.folders, b.folders);
+  EXPECT_EQ(a.flags, b.flags);
+  EXPECT_TRUE(AreEqual(a.created, b.created));
+  EXPECT_TRUE(AreEqual(a.modified, b.modified));
+}
+
+TEST(CapturedVolumes, AreWhatWasRecorded) {
+  auto const script = std::make_shared<ScriptedMachine>();
+  auto const volumes = std::make_shared<ScriptedVolumes>();
+  script->volumes = volumes;
+  VolumeFacts whole;
+  whole.total_bytes = UINT64_MAX;
+  whole.free_bytes = 1;
+  whole.block_bytes = 512;
+  whole.files = 3;
+  whole.folders = 4;
+  whole.created = machine::FileTime{-5, 999'999'999};
+  whole.modified = machine::FileTime{1, 0};
+  whole.flags = 0x8080;
+  machine::Absence const dead = {Outcome::kTimedOut, "/dead", {}, 0};
+  volumes->Add({"System", "/", 27, 2049, {31, 32}}, whole);
+  volumes->Add({"d\xFF", "/dead", 28, 5, {}}, dead);
+  volumes->facts.emplace("/proc", VolumeFacts());
+  Volume const proc = {"proc", "/proc", 40, 6, {}};
+
+  machine::Recorder recorder(script);
+  recorder.RecordEverything();
+  recorder.RecordingMachine()->Volumes().FactsOf(proc);
+  RecordedTree const tree;
+  ASSERT_TRUE(recorder.Write(tree.At("/"), WriteRecordedFacts));
+  auto const capture = Open(tree);
+  auto const again = capture->Volumes().Volumes();
+  ASSERT_TRUE(again);
+  ASSERT_EQ((*again)->size(), 2u);
+  for (std::size_t i = 0; i < 2; ++i) {
+    Volume const &read = (**again)[i], &asked = volumes->volumes[i];
+    EXPECT_EQ(read.name, asked.name);
+    EXPECT_EQ(read.mount_point, asked.mount_point);
+    EXPECT_EQ(read.mount, asked.mount);
+    EXPECT_EQ(read.device, asked.device);
+    EXPECT_EQ(read.other_mounts, asked.other_mounts);
+  }
+  ExpectEqual(*capture->Volumes().FactsOf(volumes->volumes[0]), whole);
+  EXPECT_EQ(capture->Volumes().FactsOf(volumes->volumes[1]).absence().source, "/dead");
+  EXPECT_EQ(capture->Volumes().FactsOf(volumes->volumes[1]).outcome(), Outcome::kTimedOut);
+  ExpectEqual(*capture->Volumes().FactsOf(proc), VolumeFacts());
+}
+
+TEST(CapturedVolumes, AreNotKnownWhereNobodyAsked) {
+  RecordedTree const tree;
+  machine::Recorder recorder(std::make_shared<ScriptedMachine>());
+  ASSERT_TRUE(recorder.Write(tree.At("/"), WriteRecordedFacts));
+  EXPECT_EQ(Open(tree)->Volumes().Volumes().absence().where, "not recorded");
+}
+
+TEST(CapturedVolumes, MayBeWrittenByHand) {
+  std::string const name = "<key>Name</key><string>A</string>";
+  std::string const point = "<key>MountPoint</key><string>/Volumes/A</string>";
+  std::string const root =
+      "<dict><key>Name</key><string>R</string>"
+      "<key>MountPoint</key><string>/</string></dict>";
+  struct {
+    char const* what;
+    std::string volumes;
+    std::vector<std::string> listed;
+  } const rows[] = {
+      {"root last", "<dict>" + name + point + "</dict>" + root, {"R /", "A /Volumes/A"}},
+      {"twice", root + root, {"R /"}},
+      {"none", "", {}},
+      {"no name", "<dict>" + point + "</dict>", {"malformed"}},
+      {"no place", "<dict>" + name + "</dict>", {"malformed"}},
+      {"relative",
+       "<dict>" + name + "<key>MountPoint</key><string>a</string></dict>",
+       {"malformed"}},
+      {"no dictionary", "<string>A</string>", {"malformed"}},
+  };
+  for (auto const& row : rows) {
+    SCOPED_TRACE(row.what);
+    RecordedTree const tree;
+    tree.Write("/machine.plist",
+               "<plist><dict><key>Volumes</key><array>" + row.volumes + "</array></dict></plist>");
+    EXPECT_EQ(Listed(*Open(tree)), row.listed);
+  }
+  RecordedTree const tree;
+  tree.Write("/machine.plist",
+             "<plist><dict><key>Volumes</key><array><dict>" + name + point +
+                 "<key>TotalBytes</key><integer>1000</integer>"
+                 "<key>Created</key><date>2001-01-01T00:00:00Z</date></dict><dict>"
+                 "<key>Name</key><string>B</string><key>MountPoint</key><string>/B</string>"
+                 "<key>FreeBytes</key><integer>-1</integer></dict></array></dict></plist>");
+  auto const capture = Open(tree);
+  auto const facts = capture->Volumes().FactsOf({"A", "/Volumes/A", 0, 0, {}});
+  EXPECT_EQ(facts->total_bytes, 1000u);
+  EXPECT_EQ(facts->created->seconds, 978'307'200);
+  EXPECT_FALSE(facts->free_bytes || facts->files || facts->modified);
+  EXPECT_EQ(capture->Volumes().FactsOf({"B", "/B", 0, 0, {}}).outcome(), Outcome::kMalformed);
+  EXPECT_EQ(capture->Volumes().FactsOf({"C", "/C", 0, 0, {}}).outcome(), Outcome::kAbsent);
+}
+
+TEST(CapturedVolumes, ABareMacOSVolumeIsOne) {
+  RecordedTree const tree;
+  std::string const services = "/System/Library/CoreServices/";
+  tree.Write(services + "SystemVersion.plist", "<plist><dict/></plist>");
+  EXPECT_THAT(Listed(*Open(tree)), testing::ElementsAre("System /"));
+  tree.Write(services + ".disk_label.contentDetails", "Macintosh HD\n");
+  auto const volume = Open(tree);
+  EXPECT_THAT(Listed(*volume), testing::ElementsAre("Macintosh HD /"));
+  auto const facts = volume->Volumes().FactsOf((*volume->Volumes().Volumes())->front());
+  ASSERT_TRUE(facts);
+  EXPECT_FALSE(facts->total_bytes || facts->files);
+  EXPECT_TRUE(facts->modified);
+}
+
+}  // namespace
