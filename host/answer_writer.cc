@@ -5,6 +5,12 @@
 namespace gatotu::host {
 namespace {
 
+std::string Shown(std::string_view text) {
+  std::string shown;
+  AppendShown(shown, text);
+  return shown;
+}
+
 // How the members of a tuple are set apart and protected.
 class LineStyle {
  public:
@@ -29,6 +35,17 @@ class LineStyle {
     } else {
       line += field;
     }
+  }
+
+  // What tells whose the answer is: a column, or what ends with a colon as grep writes it.
+  void AppendLead(std::string& lead, std::string_view name) const {
+    bool const is_column = format_ != Format::kText;
+    is_column ? AppendField(lead, name) : AppendShown(lead, name);
+    lead += is_column ? Separator() : ": ";
+  }
+
+  std::string Labelled(std::string const& lead, std::string const& record) const {
+    return format_ == Format::kText ? EachLineAfter(lead, record) : lead + record;
   }
 
  private:
@@ -69,18 +86,25 @@ class LineStyle {
 
 class LineWriter final : public AnswerWriter {
  public:
-  LineWriter(Format format, Output& answers, Output& errors)
-      : style_(format), answers_(answers), errors_(errors) {}
+  LineWriter(Format format, Output& answers, Output& errors, AnswerLabel const& label)
+      : style_(format), answers_(answers), errors_(errors), label_(label) {
+    if (!label_.IsEmpty()) message_lead_ = Shown(label_.machine) + ": ";
+  }
 
   void Begin(Expression const& expression) override {
     is_many_ = expression.IsMany();
     line_.clear();
+    lead_.clear();
+    if (label_.IsEmpty()) return;
+    style_.AppendLead(lead_, label_.machine);
+    if (label_.names_expression) style_.AppendLead(lead_, expression.Text());
   }
 
   Preparation Prepare(Value const& value, FunctionRef<bool()>) override {
     line_.clear();
     Append(value);
     line_ += '\n';
+    if (!label_.IsEmpty()) line_ = style_.Labelled(lead_, line_);
     return Preparation::kReady;
   }
 
@@ -114,29 +138,34 @@ class LineWriter final : public AnswerWriter {
   void WriteMessages(Report const& report) {
     for (Diagnostic diagnostic : report.diagnostics) {
       diagnostic.notes.insert(diagnostic.notes.end(), report.reasons.begin(), report.reasons.end());
-      errors_.Write(Render(diagnostic, report.text));
+      Say(Render(diagnostic, report.text));
     }
     if (report.has_evidence && report.is_evaluated) {
-      errors_.Write("evidence:\n");
+      Say("evidence:\n");
       for (Consultation const& entry : report.evidence) {
         std::string line = "  " + PrintableText(entry.source) + ": ";
         line += machine::NameOf(entry.outcome);
         if (entry.bytes > 0) line += ", " + std::to_string(entry.bytes) + " bytes";
-        errors_.Write(line + '\n');
+        Say(line + '\n');
       }
     }
     if (report.has_timing) {
-      errors_.Write("compiled in " + std::to_string(report.compile_microseconds) + " us");
+      std::string line = "compiled in " + std::to_string(report.compile_microseconds) + " us";
       if (report.is_evaluated) {
-        errors_.Write(", evaluated in " + std::to_string(report.evaluate_microseconds) + " us");
+        line += ", evaluated in " + std::to_string(report.evaluate_microseconds) + " us";
       }
-      errors_.Write("\n");
+      Say(line + '\n');
     }
   }
+
+  void Say(std::string const& lines) { errors_.Write(EachLineAfter(message_lead_, lines)); }
 
   LineStyle style_;
   Output& answers_;
   Output& errors_;
+  AnswerLabel label_;
+  std::string message_lead_;
+  std::string lead_;  // of the expression's answers
   bool is_many_ = false;
   std::string line_;
   std::string decoded_;
@@ -144,9 +173,10 @@ class LineWriter final : public AnswerWriter {
 
 }  // namespace
 
-std::unique_ptr<AnswerWriter> MakeAnswerWriter(Format format, Output& answers, Output& errors) {
-  if (format == Format::kJson) return MakeJsonWriter(answers);
-  return std::make_unique<LineWriter>(format, answers, errors);
+std::unique_ptr<AnswerWriter> MakeAnswerWriter(Format format, Output& answers, Output& errors,
+                                               AnswerLabel const& label) {
+  if (format == Format::kJson) return MakeJsonWriter(answers, label);
+  return std::make_unique<LineWriter>(format, answers, errors, label);
 }
 
 }  // namespace gatotu::host

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "evaluator/evaluator.h"
+#include "host/answer_label.h"
 #include "host/evidence_log.h"
 #include "host/output.h"
 
@@ -54,10 +55,12 @@ class AnswerWriter {
   virtual bool ShowsPropertyLists() const { return false; }
 };
 
-// Values go to `answers`; messages to `errors`, but for JSON, whose objects hold them.
-std::unique_ptr<AnswerWriter> MakeAnswerWriter(Format format, Output& answers, Output& errors);
+// Values go to `answers`; messages to `errors`, but for JSON, whose objects hold them. A label
+// stands before each line of a text and of a message, in leading columns, or in the object.
+std::unique_ptr<AnswerWriter> MakeAnswerWriter(Format format, Output& answers, Output& errors,
+                                               AnswerLabel const& label);
 
 // The one of them in JSON, apart since the library it is written with is heavy to include.
-std::unique_ptr<AnswerWriter> MakeJsonWriter(Output& answers);
+std::unique_ptr<AnswerWriter> MakeJsonWriter(Output& answers, AnswerLabel const& label);
 
 }  // namespace gatotu::host

@@ -108,7 +108,8 @@ Json JsonOf(Consultation const& consultation) {
 // several; "error" is the first of them.
 class JsonWriter final : public AnswerWriter {
  public:
-  explicit JsonWriter(Output& answers) : answers_(answers) {}
+  JsonWriter(Output& answers, AnswerLabel const& label)
+      : answers_(answers), machine_(label.machine) {}
 
   void Begin(Expression const& expression) override {
     expression_ = &expression;
@@ -148,7 +149,9 @@ class JsonWriter final : public AnswerWriter {
   // What stands before the values, once an expression.
   void OpenObject(std::string_view text, Expression const* expression, Values values) {
     if (std::exchange(is_open_, true)) return;
-    Json object = {{"expression", Text(text)}};
+    Json object = Json::object();
+    if (!machine_.empty()) object["machine"] = Text(machine_);
+    object["expression"] = Text(text);
     if (expression != nullptr) object["type"] = Text(expression->Type().name);
     answers_.Write(Members(object));
     if (values == Values::kFollow) answers_.Write(",\"values\":[");
@@ -183,6 +186,7 @@ class JsonWriter final : public AnswerWriter {
   }
 
   Output& answers_;
+  std::string machine_;  // empty where one is asked
   Expression const* expression_ = nullptr;
   bool is_open_ = false;         // what stands before the values is written
   std::size_t value_bytes_ = 0;  // of the values' JSON, with commas between
@@ -192,8 +196,8 @@ class JsonWriter final : public AnswerWriter {
 
 }  // namespace
 
-std::unique_ptr<AnswerWriter> MakeJsonWriter(Output& answers) {
-  return std::make_unique<JsonWriter>(answers);
+std::unique_ptr<AnswerWriter> MakeJsonWriter(Output& answers, AnswerLabel const& label) {
+  return std::make_unique<JsonWriter>(answers, label);
 }
 
 }  // namespace gatotu::host

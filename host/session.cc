@@ -2,13 +2,10 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
 #include <optional>
 
 #include "host/capture_command.h"
-#include "host/expression_file.h"
-#include "host/expression_lines.h"
+#include "host/conversation.h"
 #include "host/host_context.h"
 #include "host/machine_choice.h"
 #include "host/plug_ins.h"
@@ -17,8 +14,6 @@
 
 namespace gatotu::host {
 namespace {
-
-constexpr std::string_view kPrompt = "gatotu> ";
 
 ExitStatus Refuse(std::string const& message) {
   Complain(message);
@@ -47,81 +42,6 @@ ExitStatus LoadVocabularies(CommandLine const& line, PlugIns& plug_ins) {
   return ExitStatus::kAnswered;
 }
 
-class Conversation {
- public:
-  explicit Conversation(CommandLine const& line)
-      : line_(line),
-        writer_(MakeAnswerWriter(line.format, answers_, errors_)),
-        asker_(line.ask, *writer_, answers_) {}
-
-  ExitStatus Hold() {
-    for (std::string const& expression : line_.expressions) {
-      if (!Ask(expression)) return End();
-    }
-    if (!line_.file.empty()) {
-      AskAllOf(line_.file);
-    } else if (line_.expressions.empty()) {
-      ::isatty(STDIN_FILENO) == 1 ? AskTerminal() : AskAllOf("-");
-    }
-    return End();
-  }
-
- private:
-  // False when the command is to end: after an interrupt or the time limit, or when nobody reads.
-  bool Ask(std::string_view expression) {
-    ExitStatus const status = asker_.Ask(expression);
-    status_ = Worse(status_, status);
-    return status != ExitStatus::kInterrupted && !answers_.IsBroken();
-  }
-
-  void AskAllOf(std::string const& file) {
-    ExitStatus const read =
-        AskFile(file, [this](std::string_view expression) { return Ask(expression); });
-    status_ = Worse(status_, read);
-  }
-
-  // Here an interrupt or the time limit ends the expression only.
-  void AskTerminal() {
-    ExpressionLines lines(STDIN_FILENO);
-    std::string line;
-    for (;;) {
-      Show(kPrompt);
-      switch (lines.Next(line)) {
-        case ExpressionLines::Result::kLine:
-          if (!IsIdleLine(line)) Ask(line);
-          if (answers_.IsBroken()) return;
-          break;
-        case ExpressionLines::Result::kInterrupted:
-          if (Watchdog::TakeInterrupt()) Show("\n");
-          break;
-        default:
-          Show("\n");
-          return;
-      }
-      Watchdog::TakeInterrupt();
-    }
-  }
-
-  void Show(std::string_view text) {
-    answers_.Write(text);
-    answers_.Flush();
-  }
-
-  ExitStatus End() {
-    answers_.Flush();
-    if (!answers_.IsBroken() || answers_.Error() == EPIPE) return status_;
-    Complain(std::string("standard output: ") + std::strerror(answers_.Error()));
-    return Worse(status_, ExitStatus::kNoAnswer);
-  }
-
-  CommandLine const& line_;
-  Output answers_{STDOUT_FILENO};
-  Output errors_{STDERR_FILENO};
-  std::unique_ptr<AnswerWriter> writer_;
-  ExitStatus status_ = ExitStatus::kAnswered;
-  Asker asker_;
-};
-
 }  // namespace
 
 ExitStatus Run(CommandLine const& line) {
@@ -148,7 +68,7 @@ ExitStatus Run(CommandLine const& line) {
   SetInspectorContext(&context);
   ExitStatus const status = line.command == CommandLine::Command::kCapture
                                 ? Capture(line, std::move(machine))
-                                : Conversation(line).Hold();
+                                : Converse(line, {});
   SetInspectorContext(nullptr);
   return status;
 }
