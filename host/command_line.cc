@@ -17,6 +17,8 @@ constexpr char kHelpEnd[] = R"(Commands:
   capture FOLDER              writes what the machine answers into a folder, to be asked with
                               --machine FOLDER; all that is known, or what expressions need (--for)
 
+With several --machine, or those of --machines, each is asked; answers are labelled with it.
+
 With no expression, expressions are read from standard input, one a line. "--" ends the options
 and commands, so that an expression may begin with "-" or be called "vocabulary".
 
@@ -41,6 +43,8 @@ using Command = CommandLine::Command;
 
 // The texts of options, still to be understood.
 struct Raw {
+  std::vector<std::string> machines;
+  std::string jobs;
   std::string format = "text";
   std::string time_limit = "30s";
   std::string most_bytes;
@@ -58,9 +62,18 @@ std::vector<OwnOption> DescribeOwnOptions(CLI::App& app, CommandLine& line, Raw&
   std::vector<Command> const ask_and_capture = {Command::kAsk, Command::kCapture};
   std::vector<Command> const capture = {Command::kCapture};
   return {
-      {app.add_option("--machine", line.machine, "the machine to ask: live, or a capture's folder")
-           ->type_name("live|FOLDER"),
+      {app.add_option("--machine", raw.machines,
+                      "the machine to ask: live, or a capture's folder; repeatable")
+           ->type_name("live|FOLDER")
+           ->allow_extra_args(false),
        ask_and_capture},
+      {app.add_option("--machines", line.several.file,
+                      "ask the captures of a file, a folder a line; - is stdin")
+           ->type_name("FILE"),
+       ask},
+      {app.add_option("--jobs", raw.jobs, "how many of several machines to ask at a time")
+           ->type_name("N"),
+       ask},
       {app.add_option("--user", line.user, "whose home ~ is on a capture")->type_name("NAME"),
        ask_and_capture},
       {app.add_option("--format", raw.format, "text, json, csv or tsv")->type_name("FORMAT"),
@@ -166,6 +179,40 @@ std::optional<Farewell> TakeWords(CommandLine& line, std::vector<std::string> wo
   return std::nullopt;
 }
 
+// What asks no machine, or has one to speak with.
+std::optional<Farewell> RefuseOfSeveral(CommandLine const& line) {
+  if (line.command == Command::kCapture) return Refuse("capture: one --machine");
+  if (line.ask.check_only) return Refuse("--check: compiling asks no machine; leave them out");
+  if (line.ask.explain) return Refuse("--explain: it is the same of all machines; leave them out");
+  return std::nullopt;
+}
+
+// One is asked as such. A list is one of several whatever its length, so that what reads the
+// answers can rely on labels.
+std::optional<Farewell> TakeMachines(CommandLine& line, Raw const& raw) {
+  bool const is_one = raw.machines.size() == 1 && line.several.file.empty();
+  if (is_one) line.machine = raw.machines.front();
+  if (!is_one) line.several.names = raw.machines;
+  auto const& names = line.several.names;
+  bool const is_live = line.several.IsAsked()
+                           ? std::find(names.begin(), names.end(), "live") != names.end()
+                           : line.machine == "live";
+  if (is_live && !line.user.empty()) {
+    return Refuse("--user: on the live machine ~ is the home of the user who asks");
+  }
+  if (!line.several.IsAsked()) {
+    if (raw.jobs.empty()) return std::nullopt;
+    return Refuse("--jobs goes with several machines only");
+  }
+  auto const jobs = ParseJobs(raw.jobs);
+  if (!jobs) {
+    return Refuse("--jobs: " + raw.jobs + " is not a number from 1 to " +
+                  std::to_string(kMostJobs));
+  }
+  line.several.jobs = *jobs;
+  return RefuseOfSeveral(line);
+}
+
 std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
   struct Name {
     std::string_view name;
@@ -185,9 +232,7 @@ std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
   auto const limit = ParseDuration(raw.time_limit);
   if (!limit) return Refuse("--time-limit: " + raw.time_limit + " is not a duration such as 30s");
   line.ask.time_limit = *limit;
-  if (line.machine == "live" && !line.user.empty()) {
-    return Refuse("--user: on the live machine ~ is the home of the user who asks");
-  }
+  if (auto refusal = TakeMachines(line, raw)) return refusal;
   if (raw.most_bytes.empty()) return std::nullopt;
   auto const size = ParseByteSize(raw.most_bytes);
   if (!size) return Refuse("--limit-bytes: " + raw.most_bytes + " is not a size such as 64M");

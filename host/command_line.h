@@ -9,6 +9,7 @@
 #include "host/asker.h"
 #include "host/capture_request.h"
 #include "host/exit_status.h"
+#include "host/several_machines.h"
 #include "host/vocabulary_command.h"
 
 namespace gatotu::host {
@@ -17,7 +18,8 @@ struct CommandLine {
   enum class Command { kAsk, kVocabulary, kCapture };
 
   Command command = Command::kAsk;
-  std::string machine = "live";
+  std::string machine = "live";  // the one that is asked
+  SeveralMachines several;
   std::string user;  // whose "~" a capture means; empty for the one it names
   Format format = Format::kText;
   std::vector<std::string> settings;  // SECTION:NAME=VALUE

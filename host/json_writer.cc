@@ -4,6 +4,7 @@
 
 #include "evaluator/plugin/values.h"
 #include "host/answer_writer.h"
+#include "host/machine_failure.h"
 #include "host/property_list_answers.h"
 #include "host/property_list_json.h"
 #include "host/shown_text.h"
@@ -195,6 +196,12 @@ class JsonWriter final : public AnswerWriter {
 };
 
 }  // namespace
+
+std::string JsonLineOf(MachineFailure const& failure) {
+  return Dump({{"machine", Text(failure.machine)},
+               {"error", {{"code", failure.code}, {"message", Text(failure.message)}}}}) +
+         '\n';
+}
 
 std::unique_ptr<AnswerWriter> MakeJsonWriter(Output& answers, AnswerLabel const& label) {
   return std::make_unique<JsonWriter>(answers, label);

@@ -47,9 +47,13 @@ void AppendShown(std::string& out, std::string_view text) {
   }
 }
 
+std::string ComplaintLine(std::string_view message) {
+  return "gatotu: " + PrintableText(message) + '\n';
+}
+
 void Complain(std::string_view message) {
   Output errors(STDERR_FILENO);
-  errors.Write("gatotu: " + PrintableText(message) + '\n');
+  errors.Write(ComplaintLine(message));
   errors.Flush();
 }
 

@@ -35,7 +35,10 @@ class Output {
 // Bytes that a terminal would act on become escapes.
 void AppendShown(std::string& out, std::string_view text);
 
-// One message of the command itself, "gatotu: MESSAGE" with a line feed, to standard error.
+// One message of the command itself: "gatotu: MESSAGE" with a line feed.
+std::string ComplaintLine(std::string_view message);
+
+// The same, to standard error.
 void Complain(std::string_view message);
 
 }  // namespace gatotu::host

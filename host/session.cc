@@ -8,6 +8,7 @@
 #include "host/conversation.h"
 #include "host/host_context.h"
 #include "host/machine_choice.h"
+#include "host/many_machines.h"
 #include "host/plug_ins.h"
 #include "host/settings.h"
 #include "machine/capture/capture.h"
@@ -42,18 +43,28 @@ ExitStatus LoadVocabularies(CommandLine const& line, PlugIns& plug_ins) {
   return ExitStatus::kAnswered;
 }
 
+ExitStatus Answer(CommandLine const& line, std::shared_ptr<machine::Machine const> machine) {
+  if (line.several.IsAsked()) return AskManyMachines(line);
+  if (line.command == CommandLine::Command::kCapture) return Capture(line, std::move(machine));
+  return Converse(line, {});
+}
+
 }  // namespace
 
 ExitStatus Run(CommandLine const& line) {
   Settings settings;
   if (auto const failure = ReadSettings(line, settings)) return Refuse(*failure);
-  auto opened = OpenMachine(line.machine, line.user);
-  if (!opened) {
-    Complain(machine::CaptureMessage(opened.absence()));
-    return ExitStatus::kUnusable;
+  std::shared_ptr<machine::Machine const> machine;
+  // Several are put in use each in its own process.
+  if (!line.several.IsAsked()) {
+    auto opened = OpenMachine(line.machine, line.user);
+    if (!opened) {
+      Complain(machine::CaptureMessage(opened.absence()));
+      return ExitStatus::kUnusable;
+    }
+    machine = std::move(opened).value();
+    machine::SetCurrentMachine(machine);
   }
-  std::shared_ptr<machine::Machine const> machine = std::move(opened).value();
-  machine::SetCurrentMachine(machine);
 
   HostContext context(settings);
   PlugIns plug_ins;
@@ -66,9 +77,7 @@ ExitStatus Run(CommandLine const& line) {
     return ExitStatus::kAnswered;
   }
   SetInspectorContext(&context);
-  ExitStatus const status = line.command == CommandLine::Command::kCapture
-                                ? Capture(line, std::move(machine))
-                                : Converse(line, {});
+  ExitStatus const status = Answer(line, std::move(machine));
   SetInspectorContext(nullptr);
   return status;
 }
