@@ -19,6 +19,10 @@ Absence Refused(std::string const& path) {
 
 }  // namespace
 
+Fact<std::size_t> Folder::ReadStart(std::string_view, void*, std::size_t) {
+  return Absence{Outcome::kNotSupported, "files", {}, ENOSYS};
+}
+
 Fact<ItemStatus> FileSource::Status(std::string const&, Links) const { return NotSupported(); }
 Fact<Item> FileSource::Describe(std::string const&, Links) const { return NotSupported(); }
 Fact<std::string> FileSource::ReadLink(std::string const&) const { return NotSupported(); }

@@ -80,6 +80,10 @@ class MACHINE_API Folder {
   virtual Fact<FolderEntry const*> Next(Detail detail) = 0;
   // A folder in this one; a link is not followed.
   virtual Fact<std::unique_ptr<Folder>> OpenFolder(std::string_view name) = 0;
+  // What a regular file in this one begins with, as many bytes as there are; a link is not
+  // followed. For looking into very many files. A folder that has no such short way announces
+  // nothing and says "not supported": `OpenFork` will do.
+  virtual Fact<std::size_t> ReadStart(std::string_view name, void* buffer, std::size_t size);
   // Gives the open file and all that was read ahead back until the next call, which finds the place
   // again: for walks deeper than the number of files a process may have open. The last entry's name
   // is lost.

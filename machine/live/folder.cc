@@ -2,6 +2,7 @@
 // asked.
 #include <dirent.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -64,6 +65,7 @@ class LiveFolder final : public Folder {
   ItemStatus const& Status() const override { return status_; }
   Fact<FolderEntry const*> Next(Detail detail) override;
   Fact<std::unique_ptr<Folder>> OpenFolder(std::string_view name) override;
+  Fact<std::size_t> ReadStart(std::string_view name, void* buffer, std::size_t size) override;
   void Rest() override;
 
  private:
@@ -223,17 +225,53 @@ Fact<std::unique_ptr<Folder>> MakeFolder(Root const& root, FileDescriptor folder
       std::make_unique<LiveFolder>(root, std::move(folder), std::move(path), status));
 }
 
+// Leads to something in the folder and nowhere else.
+bool IsEntryName(std::string const& text) {
+  return !text.empty() && !IsDots(text.c_str()) && text.find('/') == std::string::npos &&
+         text.find('\0') == std::string::npos;
+}
+
 Fact<std::unique_ptr<Folder>> LiveFolder::OpenFolder(std::string_view name) {
   if (!Wake()) return Failure();
   auto path = std::make_shared<FolderPath>(path_, name);
   std::string const& text = path->Name();
-  if (text.empty() || IsDots(text.c_str()) || text.find('/') != std::string::npos ||
-      text.find('\0') != std::string::npos) {
-    return AnnounceError(EINVAL, path->Text());
-  }
+  if (!IsEntryName(text)) return AnnounceError(EINVAL, path->Text());
   constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
   FileDescriptor folder(::openat(folder_.number(), text.c_str(), kFlags));
   return MakeFolder(root_, std::move(folder), std::move(path));
+}
+
+// -1 with `errno` set. What is no regular file any more is opened without waiting for anything.
+ssize_t ReadStartIn(int folder, std::string const& name, void* buffer, std::size_t size) {
+  constexpr int kFlags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+  FileDescriptor const file(::openat(folder, name.c_str(), kFlags));
+  struct stat status;
+  if (!file.is_open() || ::fstat(file.number(), &status) != 0) return -1;
+  if (!S_ISREG(status.st_mode)) {
+    errno = EINVAL;
+    return -1;
+  }
+  ssize_t got = -1;
+  do {
+    got = ::read(file.number(), buffer, size);
+  } while (got < 0 && errno == EINTR);
+  return got;
+}
+
+Fact<std::size_t> LiveFolder::ReadStart(std::string_view name, void* buffer, std::size_t size) {
+  if (!Wake()) return Failure();
+  std::string const text(name);
+  if (!IsEntryName(text)) return AnnounceError(EINVAL, PathIn(path_->Text(), name));
+  ssize_t const got = ReadStartIn(folder_.number(), text, buffer, size);
+  if (got < 0) {
+    int const error = errno;
+    return AnnounceError(error, PathIn(path_->Text(), name));
+  }
+  auto const bytes = static_cast<std::size_t>(got);
+  if (CurrentSourceObserver() != nullptr) {
+    Announce(PathIn(path_->Text(), name), Outcome::kAnswered, bytes);
+  }
+  return bytes;
 }
 
 }  // namespace
