@@ -4,10 +4,13 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "machine/files.h"
+#include "portable/const_data.h"
 #include "portable/file_item.h"
 #include "portable_inspectors/filesystem_object.h"
 
@@ -26,14 +29,26 @@ class GATOTU_API descendant_iterator {
   };
   using Filter = DescendAndAddFlags (*)(FileItem const& item);
 
+  // What an entry and the first bytes tell, long before a `FileItem` is made. A file is whatever is
+  // no folder; a link is what it leads to, and none to a folder comes this far.
+  struct Glimpse {
+    std::string_view name;
+    bool is_folder = false;
+    ConstData start;  // of a file: its first bytes, up to `kStartBytes`
+  };
+  static constexpr std::size_t kStartBytes = 32;
+  // `kSkip` or `kDescend`, or nothing where the filter is to be asked.
+  using Glance = std::optional<DescendAndAddFlags> (*)(Glimpse const& glimpse);
+
   // Forgets the walk and its start locations.
   void Init();
   // The start locations are walked in the order they were added, each without itself. One that is
   // no folder, does not exist or may not be read has nothing below it.
   void AddLocation(FileLocation const& location);
   // The next item that the filter adds; `NoSuchObject` at the end. A file error in the filter skips
-  // the item that it was asked about.
-  FileItem NextWithFilter(Filter filter);
+  // the item that it was asked about. A glance spares the filter most items, where it knows what
+  // the filter would say; a file that cannot be read is skipped without either.
+  FileItem NextWithFilter(Filter filter, Glance glance = nullptr);
 
   // All that lies below one folder, which must be readable: see `filesystem_object_iterator`.
   filesystem_object First(folder const& start);
@@ -46,9 +61,13 @@ class GATOTU_API descendant_iterator {
   };
 
   bool Advance();
+  DescendAndAddFlags Ask(Filter filter, FileItem& item);
+  std::optional<DescendAndAddFlags> GlanceAtItem(Glance glance);
+  machine::Fact<std::size_t> ReadStart(unsigned char* buffer);
+  template <typename Open>
+  auto WithFreeFiles(Open const& open);
   bool ReadLevel();
   void Enter(std::unique_ptr<machine::Folder> open);
-  machine::Fact<std::unique_ptr<machine::Folder>> OpenItem();
   void EnterItem();
   bool EnterNextStart();
 
@@ -56,5 +75,6 @@ class GATOTU_API descendant_iterator {
   std::size_t next_start_ = 0;
   std::vector<Level> levels_;  // the start first
   std::string path_;           // of the current item
-  bool is_folder_ = false;     // the current item, and is to be entered
+  machine::ItemKind kind_ = machine::ItemKind::kOther;
+  bool is_to_be_entered_ = false;
 };
