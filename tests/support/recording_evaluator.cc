@@ -129,4 +129,7 @@ void* Allocate_Inspector_Memory(unsigned long size) {
   return RecordingEvaluator::Instance().Allocate(size);
 }
 InspectorContext* Get_Generic_Inspector_Context() { return RecordingEvaluator::Instance().context; }
-int Check_For_Inspector_Interruption() { return 0; }
+int Check_For_Inspector_Interruption() {
+  if (auto const& on_check = RecordingEvaluator::Instance().on_check) on_check();
+  return 0;
+}

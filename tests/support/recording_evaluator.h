@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstring>
+#include <functional>
 #include <memory>
 #include <string>
 #include <utility>
@@ -48,6 +49,8 @@ class RecordingEvaluator {
   std::vector<std::pair<std::string, void*>> withdrawn;  // entry point without "Unregister_"
   std::vector<unsigned long> allocations;                // sizes asked for
   InspectorContext* context = nullptr;
+  // Runs at each check for interruption, and may leave by an exception.
+  std::function<void()> on_check;
 
   void* Allocate(unsigned long size);
   // Null where nothing was registered at this address.
