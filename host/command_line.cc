@@ -44,7 +44,7 @@ using Command = CommandLine::Command;
 // The texts of options, still to be understood.
 struct Raw {
   std::vector<std::string> machines;
-  std::string jobs;
+  std::optional<std::string> jobs;
   std::string format = "text";
   std::string time_limit = "30s";
   std::string most_bytes;
@@ -190,7 +190,7 @@ std::optional<Farewell> RefuseOfSeveral(CommandLine const& line) {
 // One is asked as such. A list is one of several whatever its length, so that what reads the
 // answers can rely on labels.
 std::optional<Farewell> TakeMachines(CommandLine& line, Raw const& raw) {
-  bool const is_one = raw.machines.size() == 1 && line.several.file.empty();
+  bool const is_one = raw.machines.size() == 1 && !line.several.file;
   if (is_one) line.machine = raw.machines.front();
   if (!is_one) line.several.names = raw.machines;
   auto const& names = line.several.names;
@@ -201,12 +201,12 @@ std::optional<Farewell> TakeMachines(CommandLine& line, Raw const& raw) {
     return Refuse("--user: on the live machine ~ is the home of the user who asks");
   }
   if (!line.several.IsAsked()) {
-    if (raw.jobs.empty()) return std::nullopt;
+    if (!raw.jobs) return std::nullopt;
     return Refuse("--jobs goes with several machines only");
   }
-  auto const jobs = ParseJobs(raw.jobs);
+  auto const jobs = raw.jobs ? ParseJobs(*raw.jobs) : DefaultJobs();
   if (!jobs) {
-    return Refuse("--jobs: " + raw.jobs + " is not a number from 1 to " +
+    return Refuse("--jobs: " + *raw.jobs + " is not a number from 1 to " +
                   std::to_string(kMostJobs));
   }
   line.several.jobs = *jobs;

@@ -61,8 +61,8 @@ ExitStatus SayMistakes(CommandLine& line) {
 
 ExitStatus AskManyMachines(CommandLine const& line) {
   MachineList machines(line.several.names);
-  if (!line.several.file.empty()) {
-    if (auto const failure = machines.ReadFrom(line.several.file)) return Refuse(*failure);
+  if (line.several.file) {
+    if (auto const failure = machines.ReadFrom(*line.several.file)) return Refuse(*failure);
   }
   CommandLine asked = line;
   ExitStatus status = GatherExpressions(asked);

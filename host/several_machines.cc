@@ -6,9 +6,11 @@
 
 namespace gatotu::host {
 
+std::size_t DefaultJobs() {
+  return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMostJobs);
+}
+
 std::optional<std::size_t> ParseJobs(std::string_view text) {
-  if (text.empty())
-    return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, kMostJobs);
   std::size_t jobs = 0;
   char const* const end = text.data() + text.size();
   auto const [rest, error] = std::from_chars(text.data(), end, jobs);

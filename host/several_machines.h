@@ -12,14 +12,17 @@ namespace gatotu::host {
 constexpr std::size_t kMostJobs = 128;
 
 struct SeveralMachines {
-  std::vector<std::string> names;  // "live" or folders
-  std::string file;                // of further folders; empty for none, "-" for standard input
-  std::size_t jobs = 1;            // processes that ask at the same time
+  std::vector<std::string> names;   // "live" or folders
+  std::optional<std::string> file;  // of further folders; "-" for standard input
+  std::size_t jobs = 1;             // processes that ask at the same time
 
-  bool IsAsked() const { return !names.empty() || !file.empty(); }
+  bool IsAsked() const { return !names.empty() || file.has_value(); }
 };
 
-// From 1 to the most; the number of processors for an empty text, nothing for any other.
+// As many as there are processors.
+std::size_t DefaultJobs();
+
+// Nothing for what is not a number from 1 to the most.
 std::optional<std::size_t> ParseJobs(std::string_view text);
 
 }  // namespace gatotu::host
