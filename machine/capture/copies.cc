@@ -45,14 +45,38 @@ bool IsEmpty(int folder) {
   return is_read && is_empty;
 }
 
-// Sparse where the content was not read, as far as this disk knows files of that size. A companion
-// that was made for another item meanwhile stays.
+// Sparse where the content was not read, as far as this disk knows files of that size.
+bool SetSize(FileDescriptor const& file, ItemStatus const& status) {
+  bool const is_sized = ::ftruncate(file.number(), static_cast<off_t>(status.bytes)) == 0;
+  return is_sized || ::ftruncate(file.number(), 0) == 0;
+}
+
+// A companion that was made for another item meanwhile stays.
 bool LayDownFile(int folder, char const* name, Content const& data, ItemStatus const& status) {
   FileDescriptor const file = CreateFile(folder, name, data != nullptr ? O_TRUNC : O_EXCL);
   if (!file.is_open()) return data == nullptr && errno == EEXIST;
   if (data != nullptr) return WriteAll(file.number(), *data);
-  bool const is_sized = ::ftruncate(file.number(), static_cast<off_t>(status.bytes)) == 0;
-  return is_sized || ::ftruncate(file.number(), 0) == 0;
+  return SetSize(file, status);
+}
+
+class FileSink final : public ContentSink {
+ public:
+  explicit FileSink(int file) : file_(file) {}
+  bool Restart() override { return ::lseek(file_, 0, SEEK_SET) == 0 && ::ftruncate(file_, 0) == 0; }
+  bool Add(std::string_view bytes) override { return WriteAll(file_, bytes); }
+
+ private:
+  int const file_;
+};
+
+bool TakeFile(int folder, char const* name, CopiedContent const& content, RecordedItem& item) {
+  FileDescriptor const file = CreateFile(folder, name, O_TRUNC);
+  if (!file.is_open()) return false;
+  FileSink sink(file.number());
+  Fact<Done> const taken = content.taker->Take(content.path, sink, item);
+  if (taken) return true;
+  item.content.emplace(taken.absence());
+  return ::ftruncate(file.number(), 0) == 0 && SetSize(file, item.item.status);
 }
 
 void SetTimes(int folder, char const* name, ItemStatus const& status) {
@@ -118,7 +142,7 @@ FileDescriptor CaptureFolder::OpenParent(std::string const& path) const {
                             O_DIRECTORY);
 }
 
-bool CaptureFolder::LayDownItem(CopiedContent const& content, RecordedItem const& item,
+bool CaptureFolder::LayDownItem(CopiedContent const& content, RecordedItem& item,
                                 bool has_own_companion) const {
   ItemStatus const& status = item.item.status;
   FileDescriptor const parent = OpenParent(content.path);
@@ -134,7 +158,9 @@ bool CaptureFolder::LayDownItem(CopiedContent const& content, RecordedItem const
       is_done = LayDownLink(parent.number(), name.c_str(), item);
       break;
     case ItemKind::kFile:
-      is_done = LayDownFile(parent.number(), name.c_str(), content.data, status);
+      is_done = content.taker != nullptr
+                    ? TakeFile(parent.number(), name.c_str(), content, item)
+                    : LayDownFile(parent.number(), name.c_str(), content.data, status);
       break;
     case ItemKind::kOther:
       return true;

@@ -4,14 +4,16 @@
 #include <string>
 
 #include "machine/capture/recording.h"
+#include "machine/capture/taken_content.h"
 #include "machine/file_descriptor.h"
 
 namespace machine::capture {
 
 // What is laid down of an item beside itself; null where it was not read.
 struct CopiedContent {
-  std::string const& path;
+  std::string path;
   Content data, resource_fork;
+  ContentTaker* taker = nullptr;  // where the data are still to be copied
 };
 
 class CaptureFolder {
@@ -30,8 +32,7 @@ class CaptureFolder {
  private:
   // With `errno` set where it failed.
   FileDescriptor OpenParent(std::string const& path) const;
-  bool LayDownItem(CopiedContent const& content, RecordedItem const& item,
-                   bool has_own_companion) const;
+  bool LayDownItem(CopiedContent const& content, RecordedItem& item, bool has_own_companion) const;
 
   std::string path_;
   FileDescriptor folder_, root_;

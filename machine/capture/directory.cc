@@ -1,6 +1,9 @@
 #include "machine/capture/directory.h"
 
+#include <algorithm>
+
 #include "machine/capture/directory_volume.h"
+#include "machine/capture/values.h"
 #include "machine/live/directory_accounts.h"
 
 namespace machine::capture {
@@ -97,6 +100,19 @@ std::string KeyOfQuery(DirectoryQuery const& query) {
   for (std::string const& name : query.requested) AppendEscaped(key, name), key += ",";
   if (query.limit != 0) key += " " + std::to_string(query.limit);
   return key;
+}
+
+// Names are escaped, so that what stands between them is between them only.
+std::string WithNamesChanged(std::string_view key,
+                             std::function<std::string(std::string_view)> const& change) {
+  std::string changed;
+  while (!key.empty()) {
+    std::size_t const end = std::min(key.find_first_of(" =,"), key.size());
+    AppendEscaped(changed, change(BytesOfKey(key.substr(0, end))));
+    changed += key.substr(end, 1);
+    key.remove_prefix(std::min(end + 1, key.size()));
+  }
+  return changed;
 }
 
 // By the numbers that the records have within their type.

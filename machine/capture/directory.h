@@ -5,7 +5,9 @@
 // alone does not tell by what it was found, and not that there is no other.
 #pragma once
 
+#include <functional>
 #include <string>
+#include <string_view>
 
 #include "machine/capture/facts.h"
 #include "machine/directory_records.h"
@@ -17,6 +19,9 @@ inline constexpr char kDirectory[] = "Directory", kDirectoryAnswers[] = "Directo
 
 // The same text for the same question.
 std::string KeyOfQuery(DirectoryQuery const& query);
+// Such a text with every name in it changed.
+std::string WithNamesChanged(std::string_view key,
+                             std::function<std::string(std::string_view)> const& change);
 
 class Directory final : public DirectorySource {
  public:

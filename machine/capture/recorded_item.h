@@ -30,6 +30,8 @@ struct RecordedItem {
   std::optional<Fact<RecordedListing>> listing;
   // A value: the copy holds it.
   std::optional<Fact<Done>> content, resource_fork;
+  // The content is still to be copied, which the capture's owner wanted to have.
+  bool is_to_take = false;
   std::optional<Fact<VolumeSpace>> space;
 };
 

@@ -156,6 +156,19 @@ void RecordedItems::KeepContentTooLarge(std::string const& place, Fork fork) {
                       std::string(kNotRecorded) + ": larger than " + limit + " bytes in all"});
 }
 
+void RecordedItems::KeepToTake(std::string const& place) {
+  std::lock_guard lock(guard_);
+  RecordedItem* const recorded = At(place);
+  if (recorded == nullptr || ContentOf(place, Fork::kData) != nullptr) return;
+  recorded->is_to_take = true;
+  recorded->content.emplace(Done());
+}
+
+void RecordedItems::KeepForkInCompanion(std::string const& place) {
+  std::lock_guard lock(guard_);
+  if (RecordedItem* const recorded = At(place)) recorded->resource_fork.emplace(Done());
+}
+
 Content RecordedItems::ContentOf(std::string const& place, Fork fork) const {
   auto const& contents = fork == Fork::kData ? contents_ : resource_forks_;
   auto const found = contents.find(place);

@@ -1,13 +1,11 @@
 #include "machine/capture/recorder.h"
 
 #include <algorithm>
-#include <cerrno>
+#include <iterator>
 
-#include "machine/capture/copies.h"
-#include "machine/capture/document.h"
+#include "machine/capture/capture_writing.h"
 #include "machine/capture/recording.h"
-#include "machine/capture/values.h"
-#include "machine/live/item.h"
+#include "machine/capture/taken_files.h"
 #include "machine/system_files.h"
 
 namespace machine {
@@ -143,41 +141,25 @@ std::vector<std::string> Recorder::LeftOut() const {
 
 bool Recorder::HasAllItems() const { return !state_->items.is_full(); }
 
-Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer) const {
-  Fact<CaptureFolder> const made = CaptureFolder::Make(folder);
-  if (!made) return made.absence();
-  CaptureFolder const& target = *made;
-  RecordDictionary files;
-  for (auto const& [path, item] : state_->items.items()) {
-    RecordedItem written = item;
-    bool const has_own_companion =
-        state_->items.ContentOf(live::CompanionPath(path), Fork::kData) != nullptr;
-    target.LayDown({path, state_->items.ContentOf(path, Fork::kData),
-                    state_->items.ContentOf(path, Fork::kResource)},
-                   written, has_own_companion);
-    files.Add(KeyOfBytes(path), RecordOf(written));
+std::optional<std::size_t> Recorder::TakeFiles(std::string const& pattern) {
+  auto const machine = RecordingMachine();
+  std::string whole = pattern;
+  if (Fact<std::string> const home = machine->Users().CurrentHome();
+      home && pattern.starts_with("~/")) {
+    whole = *home + pattern.substr(1);
   }
-  state_->facts.Keep(kVolumes, state_->volumes.Whole());
-  for (auto const& [plane, record] : state_->registry->Planes()) {
-    Fact<std::string> const bytes = writer(record);
-    if (!bytes) return bytes.absence();
-    Fact<Done> const is_written = target.LayDownPlane(plane, *bytes);
-    if (!is_written) return is_written;
-  }
-  state_->registry->AddTo(state_->facts);
-  RecordDictionary document = state_->facts.Document(state_->scsi);
-  document.Add("Files", std::move(files));
-  auto const* known_absent = document.Find("Absent");
-  RecordDictionary absent =
-      known_absent == nullptr ? RecordDictionary() : *known_absent->As<RecordDictionary>();
-  state_->directory.AddTo(document, absent);
-  if (!absent.entries().empty()) document.Add("Absent", std::move(absent));
-  Fact<std::string> const bytes = writer(document);
-  if (!bytes) return bytes.absence();
-  if (bytes->size() > kLargestDocument) {
-    return Absence{Outcome::kMalformed, folder, "too much was asked for one capture", EFBIG};
-  }
-  return target.Finish(*bytes);
+  auto const parts = PartsOfPattern(whole);
+  if (!parts) return {};
+  TakenFiles taken(machine->Files(), state_->items);
+  FindMatches(machine->Files(), *parts, taken);
+  std::ranges::copy(taken.refused(), std::back_inserter(state_->taking.refused));
+  return taken.count();
+}
+
+TakingReport const& Recorder::Taking() const { return state_->taking; }
+
+Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer, Names names) const {
+  return WriteCapture(*state_, folder, writer, names);
 }
 
 }  // namespace machine

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,11 +17,25 @@ struct RecordingLimits {
   // Of the contents of all files together. What does not fit is absent from the capture, "not
   // recorded: larger than ...".
   std::uint64_t content_bytes = std::uint64_t{64} << 20;
+  // Of the content of each file that is taken along.
+  std::uint64_t file_bytes = UINT64_MAX;
   // Of the items looked at. What does not fit is "not recorded", and so is what a folder holds when
   // some of it does not.
   std::uint64_t items = 100'000;
   // Of the registry, all planes together. What is more is absent, with this reason.
   std::uint64_t registry_entries = 250'000, registry_bytes = std::uint64_t{64} << 20;
+};
+
+// Of people and machines, and the numbers of devices. Where they are replaced, files that are no
+// text are left out.
+enum class Names { kKeep, kReplace };
+
+// What came of taking files along.
+struct TakingReport {
+  std::vector<std::string> too_large;
+  std::vector<std::string> not_redacted;
+  std::vector<Absence> refused;      // what could not be read, by `source`
+  std::vector<std::string> changed;  // taken while they were written to
 };
 
 class MACHINE_API Recorder {
@@ -39,6 +54,13 @@ class MACHINE_API Recorder {
   // the system and tells where its users live.
   void RecordEverything();
 
+  // Takes the files along that a pattern finds (file_patterns.h); links stay links, and what is
+  // neither file nor folder is never opened. Answers how many there are. To be called after all
+  // that is asked; contents are copied by `Write`. Nothing when it is no pattern.
+  std::optional<std::size_t> TakeFiles(std::string const& pattern);
+  // Whole after `Write`.
+  TakingReport const& Taking() const;
+
   // The paths of the files whose contents did not fit.
   std::vector<std::string> LeftOut() const;
   // False when more items were looked at than the limit.
@@ -46,7 +68,8 @@ class MACHINE_API Recorder {
 
   // Lays the capture down in a folder that does not exist yet or is empty. `machine.plist` comes
   // last, so that one that was broken off is no capture. To be called once nobody asks any more.
-  Fact<Done> Write(std::string const& folder, RecordWriter writer) const;
+  Fact<Done> Write(std::string const& folder, RecordWriter writer,
+                   Names names = Names::kKeep) const;
 
  private:
   struct State;

@@ -73,12 +73,18 @@ class RecordedItems {
   void KeepContentAbsence(std::string const& place, Fork fork, Absence absence);
   void KeepContentTooLarge(std::string const& place, Fork fork);
   std::uint64_t RoomForContent(std::string const& place, Fork fork) const;
+  // The content is copied when the capture is laid down, unless it was read already.
+  void KeepToTake(std::string const& place);
+  // The resource fork is there as far as the companion is.
+  void KeepForkInCompanion(std::string const& place);
 
   // For writing, once nobody asks any more. Parents come before what is in them.
   std::map<std::string, RecordedItem> const& items() const { return items_; }
   Content ContentOf(std::string const& place, Fork fork) const;
   // Whether there were more than fit.
   bool is_full() const { return is_full_; }
+  RecordingLimits const& limits() const { return limits_; }
+  std::uint64_t room() const { return limits_.content_bytes - content_bytes_; }
 
  private:
   friend class ItemsAsked;
@@ -112,6 +118,7 @@ struct Recording {
   RecordedItems items;
   RecordedDirectory directory;
   std::shared_ptr<RecordedRegistry> const registry;  // with its nodes
+  TakingReport taking;
 };
 
 // The files of a recording machine.
