@@ -11,6 +11,9 @@
 #include <system_error>
 
 #include "frameworks/CoreFoundation/recorded_facts.h"
+#include "host/capture_manifest.h"
+#include "host/capture_report.h"
+#include "host/capture_verification.h"
 #include "host/output.h"
 #include "host/recorded_expressions.h"
 #include "host/time_limit.h"
@@ -80,11 +83,29 @@ ExitStatus Record(CommandLine const& line, machine::Recorder& recorder, Expressi
   LimitedWork work(line, nothing_written);
   bool const is_whole = work.Do([&] {
     recorder.RecordEverything();
-    AskSpecialFolders();
+    AskVocabulary();
   });
   if (is_whole) return ExitStatus::kAnswered;
   work.SayStopped();
   return ExitStatus::kInterrupted;
+}
+
+// The list of digests is not the capture's own: without it the capture is whole all the same.
+std::optional<std::string> WriteAll(CommandLine const& line, machine::Recorder const& recorder) {
+  CaptureRequest const& request = line.capture;
+  machine::Fact<machine::Done> written = machine::Absence{};
+  // What was whole before it could be stopped is a capture all the same.
+  LimitedWork(line, request.folder + ": what is there is no capture").Do([&] {
+    written =
+        recorder.Write(request.folder, &WriteRecordedFacts,
+                       request.is_redacted ? machine::Names::kReplace : machine::Names::kKeep);
+  });
+  if (!written) return machine::CaptureMessage(written.absence());
+  std::optional<std::string> failure;
+  LimitedWork(line, request.folder + ": is a capture without digests").Do([&] {
+    failure = WriteManifest(request.folder);
+  });
+  return failure;
 }
 
 // What cannot be finished is taken away again where the folder is ours. One that was there before
@@ -93,63 +114,57 @@ ExitStatus Write(CommandLine const& line, machine::Recorder const& recorder) {
   std::string const& folder = line.capture.folder;
   // What a machine answers is nobody else's business unless its owner says so.
   bool const is_ours = ::mkdir(folder.c_str(), 0700) == 0;
-  machine::Fact<machine::Done> written = machine::Absence{};
-  // What was whole before it could be stopped is a capture all the same.
-  LimitedWork(line, folder + ": what is there is no capture").Do([&] {
-    written = recorder.Write(folder, &WriteRecordedFacts);
-  });
-  if (written) return ExitStatus::kAnswered;
+  std::optional<std::string> const reason = WriteAll(line, recorder);
+  if (!reason) return ExitStatus::kAnswered;
   std::error_code ignored;
   if (is_ours) fs::remove_all(folder, ignored);
-  std::string const reason = machine::CaptureMessage(written.absence());
-  Complain(is_ours ? reason : reason + "; what is there is no capture");
+  Complain(is_ours ? *reason : *reason + "; what is there is no whole capture");
   return ExitStatus::kNoAnswer;
 }
 
-void Tell(CommandLine const& line, ExpressionCounts const& counts,
-          machine::Recorder const& recorder) {
-  constexpr std::size_t kMostNamed = 10;
-  std::string text = "captured ";
-  AppendShown(text, line.capture.folder);
-  if (line.capture.is_for_expressions) {
-    text += "; expressions: " + std::to_string(counts.evaluated) +
-            ", answered: " + std::to_string(counts.answered);
-  }
-  text += '\n';
-  std::vector<std::string> const left_out = recorder.LeftOut();
-  for (std::size_t i = 0; i < std::min(left_out.size(), kMostNamed); ++i) {
-    text += "left out, over the limit of bytes: ";
-    AppendShown(text, left_out[i]);
-    text += '\n';
-  }
-  if (left_out.size() > kMostNamed) {
-    text += "and " + std::to_string(left_out.size() - kMostNamed) + " more left out\n";
-  }
-  if (!recorder.HasAllItems()) {
-    text += "left out: files and folders beyond the first " +
-            std::to_string(machine::RecordingLimits().items) + '\n';
-  }
-  Output output(STDOUT_FILENO);
-  output.Write(text);
-  output.Flush();
+// A pattern has to say where it begins.
+ExitStatus TakeFiles(CommandLine const& line, machine::Recorder& recorder) {
+  std::string const nothing_written = line.capture.folder + ": no capture was written";
+  LimitedWork work(line, nothing_written);
+  ExitStatus status = ExitStatus::kAnswered;
+  bool const is_whole = work.Do([&] {
+    for (std::string const& pattern : line.capture.patterns) {
+      auto const found = recorder.TakeFiles(pattern);
+      if (found && *found == 0) Complain("--with-files: nothing is " + pattern);
+      if (found) continue;
+      Complain("--with-files: " + pattern + " leads neither from / nor from a home, ~/");
+      status = ExitStatus::kRefused;
+    }
+  });
+  if (!is_whole) work.SayStopped();
+  if (is_whole && status != ExitStatus::kAnswered) Complain(nothing_written);
+  return is_whole ? status : ExitStatus::kInterrupted;
+}
+
+machine::RecordingLimits LimitsOf(CaptureRequest const& request) {
+  machine::RecordingLimits limits;
+  if (request.most_bytes) limits.content_bytes = *request.most_bytes;
+  if (request.most_file_bytes) limits.file_bytes = *request.most_file_bytes;
+  return limits;
 }
 
 }  // namespace
 
 ExitStatus Capture(CommandLine const& line, std::shared_ptr<machine::Machine const> machine) {
+  if (line.capture.is_to_verify) return VerifyCapture(line.capture.folder);
   if (auto const reason = WhyUnfit(line.capture.folder)) {
     Complain(*reason);
     return ExitStatus::kRefused;
   }
-  machine::RecordingLimits limits;
-  if (line.capture.most_bytes) limits.content_bytes = *line.capture.most_bytes;
-  machine::Recorder recorder(std::move(machine), limits);
+  machine::Recorder recorder(std::move(machine), LimitsOf(line.capture));
   machine::SetCurrentMachine(recorder.RecordingMachine());
   ExpressionCounts counts;
   ExitStatus const recorded = Record(line, recorder, counts);
   if (recorded != ExitStatus::kAnswered) return recorded;
+  ExitStatus const taken = TakeFiles(line, recorder);
+  if (taken != ExitStatus::kAnswered) return taken;
   ExitStatus const written = Write(line, recorder);
-  if (written == ExitStatus::kAnswered) Tell(line, counts, recorder);
+  if (written == ExitStatus::kAnswered) TellOfCapture(line.capture, counts, recorder);
   return written;
 }
 

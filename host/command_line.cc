@@ -15,7 +15,8 @@ constexpr char kHelpEnd[] = R"(Commands:
   vocabulary [WORDS]          lists what can be asked: every registration whose name
                               has the words, or all of a type (--type)
   capture FOLDER              writes what the machine answers into a folder, to be asked with
-                              --machine FOLDER; all that is known, or what expressions need (--for)
+                              --machine FOLDER; all that is known, or what expressions need (--for),
+                              and files (--with-files); or looks whether it is unchanged (--verify)
 
 With several --machine, or those of --machines, each is asked; answers are labelled with it.
 
@@ -35,7 +36,9 @@ class HelpFormatter final : public CLI::Formatter {
   std::string make_usage(CLI::App const*, std::string) const override {
     return "Usage: gatotu [OPTIONS] EXPRESSION...\n"
            "       gatotu [OPTIONS] vocabulary [WORDS]\n"
-           "       gatotu [OPTIONS] capture FOLDER [--for EXPRESSION...]\n";
+           "       gatotu [OPTIONS] capture FOLDER [--for EXPRESSION...] [--with-files "
+           "PATTERN...]\n"
+           "       gatotu capture FOLDER --verify\n";
   }
 };
 
@@ -47,7 +50,7 @@ struct Raw {
   std::optional<std::string> jobs;
   std::string format = "text";
   std::string time_limit = "30s";
-  std::string most_bytes;
+  std::string most_bytes, most_file_bytes;
   std::vector<std::string> capture_expressions;
 };
 
@@ -98,9 +101,23 @@ std::vector<OwnOption> DescribeOwnOptions(CLI::App& app, CommandLine& line, Raw&
                       "capture: only what these expressions need; repeatable")
            ->type_name("EXPRESSION"),
        capture},
+      {app.add_option("--with-files", line.capture.patterns,
+                      "capture: take files along, such as '/etc/**/*.conf'; repeatable")
+           ->type_name("PATTERN"),
+       capture},
       {app.add_option("--limit-bytes", raw.most_bytes,
                       "capture: most bytes of files' contents together (64M)")
            ->type_name("SIZE"),
+       capture},
+      {app.add_option("--limit-file-bytes", raw.most_file_bytes,
+                      "capture: most bytes of each file that is taken along")
+           ->type_name("SIZE"),
+       capture},
+      {app.add_flag("--redact", line.capture.is_redacted,
+                    "capture: replace the names of people and machines, and serial numbers"),
+       capture},
+      {app.add_flag("--verify", line.capture.is_to_verify,
+                    "capture: write none, but tell what is not as it was written"),
        capture},
   };
 }
@@ -213,6 +230,14 @@ std::optional<Farewell> TakeMachines(CommandLine& line, Raw const& raw) {
   return RefuseOfSeveral(line);
 }
 
+std::optional<Farewell> TakeSize(std::string const& option, std::string const& text,
+                                 std::optional<std::uint64_t>& size) {
+  if (text.empty()) return std::nullopt;
+  size = ParseByteSize(text);
+  if (!size) return Refuse(option + ": " + text + " is not a size such as 64M");
+  return std::nullopt;
+}
+
 std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
   struct Name {
     std::string_view name;
@@ -233,11 +258,10 @@ std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
   if (!limit) return Refuse("--time-limit: " + raw.time_limit + " is not a duration such as 30s");
   line.ask.time_limit = *limit;
   if (auto refusal = TakeMachines(line, raw)) return refusal;
-  if (raw.most_bytes.empty()) return std::nullopt;
-  auto const size = ParseByteSize(raw.most_bytes);
-  if (!size) return Refuse("--limit-bytes: " + raw.most_bytes + " is not a size such as 64M");
-  line.capture.most_bytes = *size;
-  return std::nullopt;
+  if (auto refusal = TakeSize("--limit-bytes", raw.most_bytes, line.capture.most_bytes)) {
+    return refusal;
+  }
+  return TakeSize("--limit-file-bytes", raw.most_file_bytes, line.capture.most_file_bytes);
 }
 
 // Everything before a "--"; what follows are expressions or words as they stand.
@@ -275,6 +299,11 @@ std::variant<CommandLine, Farewell> ReadCommandLine(int argc, char const* const*
   auto& words = line.command == Command::kVocabulary ? line.vocabulary.words : line.expressions;
   std::move(literal.begin(), literal.end(), std::back_inserter(words));
   line.capture.is_for_expressions = !line.expressions.empty() || !line.file.empty();
+  bool const is_to_write =
+      line.capture.is_for_expressions || line.capture.is_redacted || !line.capture.patterns.empty();
+  if (line.capture.is_to_verify && is_to_write) {
+    return Refuse("--verify: looks at a capture and writes none");
+  }
   return line;
 }
 

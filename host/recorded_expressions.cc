@@ -6,6 +6,7 @@
 
 #include "host/asker.h"
 #include "host/expression_file.h"
+#include "host/vocabulary_questions.h"
 
 namespace gatotu::host {
 namespace {
@@ -59,20 +60,12 @@ ExitStatus EvaluateExpressions(CommandLine const& line, ExpressionCounts& counts
   return Worse(worst, read);
 }
 
-void AskSpecialFolders() {
-  std::vector<std::string> domains, folders;
-  for (VocabularyEntry& entry : Vocabulary()) {
-    if (entry.kind != VocabularyKind::kProperty || !entry.parameter.empty()) continue;
-    if (entry.result == "domain" && entry.object.empty()) domains.push_back(entry.singular);
-    if (entry.result == "folder" && entry.object == "domain") folders.push_back(entry.singular);
-  }
-  for (std::string const& domain : domains) {
-    for (std::string const& folder : folders) {
-      Compilation const compilation = Compile("exists " + folder + " of " + domain);
-      if (compilation.expression == nullptr) continue;
-      Evaluation const asked = Evaluate(*compilation.expression, [](Value const&) { return true; });
-      if (asked.outcome == Outcome::kInterrupted) return;
-    }
+void AskVocabulary() {
+  for (std::string const& question : QuestionsOf(Vocabulary())) {
+    Compilation const compilation = Compile(question);
+    if (compilation.expression == nullptr) continue;
+    Evaluation const asked = Evaluate(*compilation.expression, [](Value const&) { return true; });
+    if (asked.outcome == Outcome::kInterrupted) return;
   }
 }
 

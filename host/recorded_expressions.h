@@ -17,7 +17,7 @@ struct ExpressionCounts {
 // evaluation was stopped, and it was said why.
 ExitStatus EvaluateExpressions(CommandLine const& line, ExpressionCounts& counts);
 
-// Asks for every special folder of every domain, so that a capture knows which there are.
-void AskSpecialFolders();
+// Asks for what can be asked without naming anything, as far as it is not in files.
+void AskVocabulary();
 
 }  // namespace gatotu::host

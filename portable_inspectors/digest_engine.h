@@ -41,7 +41,7 @@ class DigestEngine {
 
 // Of this process; loads the engine when first called. Not for two threads at once, like every
 // inspector.
-DigestEngine& TheDigestEngine();
+GATOTU_API DigestEngine& TheDigestEngine();
 
 // What the engine's library offers, under the name `kDigestEngineEntry`.
 using DigestEngineEntry = DigestEngine* (*)();

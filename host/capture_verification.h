@@ -1,0 +1,14 @@
+// `gatotu capture --verify`: whether a capture still is what was written.
+#pragma once
+
+#include <string>
+
+#include "host/exit_status.h"
+
+namespace gatotu::host {
+
+// Tells what was altered, is missing or was added. "No answer" then, "unusable" without a list of
+// digests.
+ExitStatus VerifyCapture(std::string const& folder);
+
+}  // namespace gatotu::host
