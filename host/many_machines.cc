@@ -21,6 +21,7 @@ ExitStatus Refuse(std::string const& message) {
   return ExitStatus::kRefused;
 }
 
+// Those of the file become those of the line.
 ExitStatus GatherExpressions(CommandLine& line) {
   if (line.file.empty() && !line.expressions.empty()) return ExitStatus::kAnswered;
   if (line.file.empty() && ::isatty(STDIN_FILENO) == 1) {
@@ -37,6 +38,7 @@ ExitStatus GatherExpressions(CommandLine& line) {
     return bytes <= kMostExpressionBytes;
   });
   if (bytes > kMostExpressionBytes) return Refuse(line.file + ": too many expressions to keep");
+  line.file.clear();
   return read;
 }
 
