@@ -4,7 +4,7 @@ _gatotu() {
   local IFS=$'\n'
   case $previous in
     --format) COMPREPLY=($(compgen -W $'text\njson\ncsv\ntsv' -- "$current")) ;;
-    --file | --plug-in) COMPREPLY=($(compgen -f -- "$current")) ;;
+    --file | --machines | --plug-in) COMPREPLY=($(compgen -f -- "$current")) ;;
     --machine) COMPREPLY=($(compgen -W live -- "$current") $(compgen -d -- "$current")) ;;
     --type)
       COMPREPLY=($(compgen -W "$(gatotu vocabulary --format tsv 2>/dev/null |
@@ -13,8 +13,8 @@ _gatotu() {
       ;;
     *)
       case $current in
-        -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--for\n--format\n--help
---limit-bytes\n--machine\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--user\n--version' -- "$current")) ;;
+        -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--for\n--format\n--help\n--jobs
+--limit-bytes\n--machine\n--machines\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--user\n--version' -- "$current")) ;;
         *)
           if [ "$COMP_CWORD" -eq 1 ]; then
             COMPREPLY=($(compgen -W $'capture\nvocabulary' -- "$current"))
