@@ -1,5 +1,6 @@
 #include "inspectors/files/application.h"
 
+#include <chrono>
 #include <optional>
 #include <set>
 #include <string>
@@ -20,12 +21,13 @@ constexpr char kMachineFolder[] = "/Applications";
 
 MacintoshPlatform::FileName const sApplications("Applications", kCFStringEncodingUTF8);
 
-// Nothing where the machine tells no time: what was found is then of use once only.
-std::optional<moment> Now() {
+// Where the machine tells no time, what passes in this process counts.
+moment Now() {
+  using std::chrono::duration_cast, std::chrono::microseconds, std::chrono::steady_clock;
   try {
     return moment_now();
   } catch (NoSuchObject const&) {
-    return std::nullopt;
+    return moment(duration_cast<microseconds>(steady_clock::now().time_since_epoch()).count());
   }
 }
 
@@ -74,17 +76,17 @@ filesystem_object app_iterator::Next(folder const&) {
 
 filesystem_object app_iterator::First() {
   static time_interval const sCacheValidDuration(180'000'000);
-  static std::optional<moment> sLastScan;  // nothing: not yet, or without a clock
+  static std::optional<moment> sLastScan;  // nothing: not yet, on this machine
   static std::uint64_t sLastMachine = 0;
   static std::vector<FileLocation> sCachedAppList;
 
-  std::optional<moment> const now = Now();
+  moment const now = Now();
   if (sLastMachine != machine::CurrentMachineNumber()) {
     sLastMachine = machine::CurrentMachineNumber();
     sLastScan.reset();
     sCachedAppList.clear();
   }
-  if (now && sLastScan && *now - *sLastScan < sCacheValidDuration) {
+  if (sLastScan && now - *sLastScan < sCacheValidDuration) {
     apps_ = sCachedAppList;
   } else {
     sLastScan = now;

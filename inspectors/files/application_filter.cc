@@ -82,6 +82,7 @@ descendant_iterator::DescendAndAddFlags AppFilter(FileItem const& item) {
 std::optional<descendant_iterator::DescendAndAddFlags> AppGlance(
     descendant_iterator::Glimpse const& glimpse) {
   if (glimpse.is_folder) {
+    // A folder itself is no link: of a Finder alias, only files have the flag.
     if (glimpse.name.ends_with(kExtension)) return std::nullopt;
     return descendant_iterator::kDescend;
   }
