@@ -128,8 +128,10 @@ std::string Pseudonyms::StandIn(std::string_view text, Alphabet alphabet) {
 
 void Pseudonyms::Replace(std::string_view text, Alphabet alphabet, char* replaced) {
   std::string const stand_in = StandIn(Lowered(text), alphabet);
+  bool const is_all_big =
+      alphabet == Alphabet::kHexadecimal && text.find_first_of(kBig) != std::string_view::npos;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    bool const is_big = IsIn(kBig, text[i]) && IsIn(kSmall, stand_in[i]);
+    bool const is_big = (is_all_big || IsIn(kBig, text[i])) && IsIn(kSmall, stand_in[i]);
     replaced[i] = is_big ? static_cast<char>(stand_in[i] - 'a' + 'A') : stand_in[i];
   }
 }

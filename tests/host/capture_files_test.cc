@@ -1,0 +1,155 @@
+// Files that a capture takes along.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <atomic>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "tests/host/child_process.h"
+#include "tests/host/temporary_folder.h"
+#include "tests/machine/apple_double_text.h"
+
+namespace gatotu::tests {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAreArray;
+using testing::HasSubstr;
+
+class TakenFiles : public testing::Test {
+ protected:
+  std::string At(std::string const& name) const { return tree_.Path("tree/" + name); }
+  ProcessResult Take(std::vector<std::string> arguments) const {
+    fs::remove_all(tree_.Path("capture"));
+    arguments.insert(arguments.begin(), {"capture", tree_.Path("capture")});
+    return Gatotu(arguments);
+  }
+  std::string Captured(std::string const& expression) const {
+    ProcessResult const run = Gatotu({"--machine", tree_.Path("capture"), expression});
+    return run.output + run.errors;
+  }
+  // Those of which the capture has the content, by the list of digests.
+  std::vector<std::string> Taken() const {
+    std::vector<std::string> taken;
+    for (std::string const& line : Lines(tree_.Read("capture/SHA256SUMS"))) {
+      std::size_t const at = line.find(At(""));
+      if (line.front() != '#' && at != std::string::npos) {
+        taken.push_back(line.substr(at + At("").size()));
+      }
+    }
+    return taken;
+  }
+
+  TemporaryFolder tree_;
+};
+
+TEST_F(TakenFiles, AreThoseThatAPatternFinds) {
+  for (char const* name : {"a.conf", "b.txt", "d/a.conf", "d/e/f/a.conf", ".hidden.conf",
+                           ".git/a.conf", "st*r", "latin\xE4.conf"}) {
+    tree_.Write("tree/" + std::string(name), "content");
+  }
+  tree_.Link("tree/link", "d");
+  tree_.Link("tree/z.conf", "a.conf");
+  tree_.MakeFifo("tree/fifo.conf");
+  struct {
+    char const* pattern;
+    std::vector<std::string> found;
+  } const cases[] = {
+      {"a.conf", {"a.conf"}},
+      {"./d/../a.conf", {"a.conf"}},
+      {"*.conf", {"a.conf", "latin\xE4.conf"}},
+      {".*.conf", {".hidden.conf"}},
+      {"?.[ct]*", {"a.conf", "b.txt"}},
+      {"*/a.conf", {"d/a.conf"}},
+      {"**/a.conf", {"a.conf", "d/a.conf", "d/e/f/a.conf"}},
+      {"**/e/**/*", {"d/e/f/a.conf"}},
+      {"d/**", {"d/a.conf", "d/e/f/a.conf"}},
+      {".git/**", {".git/a.conf"}},
+      {"st\\*r", {"st*r"}},
+      {"link/a.conf", {"d/a.conf"}},
+      {"link", {}},
+      {"d", {}},
+      {"fifo.conf", {}},
+  };
+  for (auto const& row : cases) {
+    ProcessResult const run = Take({"--for", "1", "--with-files", At(row.pattern)});
+    EXPECT_EQ(run.status, 0) << row.pattern;
+    EXPECT_EQ(run.errors, "") << row.pattern;
+    EXPECT_THAT(Taken(), ElementsAreArray(row.found)) << row.pattern;
+  }
+  EXPECT_THAT(Take({"--with-files", At("none*")}).errors, HasSubstr("nothing is"));
+  EXPECT_EQ(Take({"--with-files", "a.conf"}).status, 2);
+  EXPECT_FALSE(fs::exists(tree_.Path("capture")));
+}
+
+TEST_F(TakenFiles, AreAsTheyWere) {
+  tree_.Write("tree/note", "one\ntwo\n");
+  tree_.Write("tree/._note", AppleDoubleText({{9, "TEXTttxt" + std::string(24, '\0')},
+                                              {2, std::string(100'000, 'r')}}));
+  tree_.Link("tree/out", "/etc/passwd");
+  tree_.Link("tree/loop", "loop");
+  ::chmod(At("note").c_str(), 0640);
+  std::vector<std::string> questions;
+  for (char const* what :
+       {"(size of it, modification time of it, symbolic mode of it, owner of it)", "lines",
+        "size of resource fork", "sha256"}) {
+    questions.push_back(what + std::string(" of file \"") + At("note") + "\"");
+  }
+  questions.push_back("(name of it, link target of it | \"\") of items of folder \"" + At("") +
+                      "\"");
+  questions.push_back("exists file \"" + At("loop") + "\"");
+  std::vector<std::string> live;
+  for (std::string const& question : questions) live.push_back(Gatotu({question}).output);
+  EXPECT_THAT(live, testing::Each(testing::Ne("")));
+  EXPECT_EQ(Take({"--with-files", At("**")}).errors, "");
+  fs::remove_all(At(""));
+  for (std::size_t i = 0; i < questions.size(); ++i) {
+    EXPECT_EQ(Captured(questions[i]), live[i]) << questions[i];
+  }
+}
+
+TEST_F(TakenFiles, ThatMayNotBeReadAreTold) {
+  tree_.Write("tree/secret", "secret");
+  tree_.Write("tree/closed/inside", "inside");
+  ::chmod(At("secret").c_str(), 0);
+  ::chmod(At("closed").c_str(), 0);
+  ::chmod(tree_.Path().c_str(), 0777);
+  if (AsNobody({"1"}).status != 0) GTEST_SKIP() << "nobody cannot run the command here";
+  ProcessResult const run = AsNobody({"capture", tree_.Path("capture"), "--with-files", At("**")});
+  EXPECT_EQ(run.status, 0);
+  EXPECT_THAT(run.errors, HasSubstr(At("secret") + ": Permission denied"));
+  EXPECT_THAT(run.errors, HasSubstr(At("closed") + ": Permission denied"));
+  EXPECT_THAT(Captured("content of file \"" + At("secret") + "\""),
+              HasSubstr("permission refused"));
+}
+
+// However it ended, what is there is one state of the file.
+TEST_F(TakenFiles, ThatAreWrittenToAreOfOnePiece) {
+  tree_.Write("tree/log", "line\n");
+  std::atomic<bool> is_done = false;
+  std::thread writer([&] {
+    std::ofstream log(At("log"), std::ios::app);
+    while (!is_done) log << "line" << std::endl;
+  });
+  EXPECT_EQ(Take({"--with-files", At("log")}).status, 0);
+  is_done = true;
+  writer.join();
+  std::string const file = "file \"" + At("log") + "\"";
+  EXPECT_EQ(Captured("size of " + file + " = length of content of " + file), "true\n");
+  EXPECT_EQ(Captured("unique values of lines of " + file).substr(0, 4), "line");
+}
+
+TEST_F(TakenFiles, NeedNoMemoryOfTheirSize) {
+  tree_.Write("tree/small", "small");
+  tree_.Write("tree/large", std::string(60'000'000, 'x'));
+  ProcessResult const small = Take({"--with-files", At("small")});
+  ProcessResult const large = Take({"--with-files", At("large")});
+  EXPECT_THAT(Taken(), testing::ElementsAre("large"));
+  EXPECT_LT(large.most_memory, small.most_memory + 10'000'000);
+}
+
+}  // namespace
+}  // namespace gatotu::tests

@@ -1,0 +1,131 @@
+// Captures without names.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "tests/host/child_process.h"
+#include "tests/host/temporary_folder.h"
+
+namespace gatotu::tests {
+namespace {
+
+constexpr char kDocument[] = R"(<plist version="1.0"><dict>
+  <key>FormatVersion</key><integer>1</integer> <key>Platform</key><string>linux</string>
+  <key>HostName</key><string>Webserver7.corp.example.com</string>
+  <key>ComputerName</key><string>Anneliese's Machine</string>
+  <key>HostIdentifier</key><string>0123456789abcdef0123456789abcdef</string>
+  <key>CurrentUser</key><string>anneliese</string>
+  <key>CurrentHome</key><string>/home/anneliese</string>
+  <key>Environment</key><dict><key>HOME</key><string>/home/anneliese</string>
+    <key>MAIL</key><string>Anneliese@webserver7</string>
+    <key>ANNELIESE_DATA</key><string>/srv</string></dict>
+  <key>EnvironmentNames</key><array><string>HOME</string><string>MAIL</string>
+    <string>ANNELIESE_DATA</string></array>
+  <key>Processes</key><array>
+    <dict><key>pid</key><integer>5</integer><key>name</key><string>agent-anneliese</string></dict>
+    <dict><key>pid</key><integer>7</integer><key>name</key><string>nginx</string></dict></array>
+  <key>SystemVersion</key><dict><key>ProductName</key><string>Debian</string></dict>
+</dict></plist>)";
+
+constexpr char kDevices[] = R"(<plist version="1.0"><dict>
+  <key>IORegistryEntryName</key><string>Root</string>
+  <key>IORegistryEntryChildren</key><array><dict>
+    <key>IORegistryEntryName</key><string>board</string>
+    <key>IOPlatformSerialNumber</key><string>C02XG0FDJG5H</string>
+    <key>IOPlatformUUID</key><string>564D3A0F-1B2C-3D4E-5F60-718293A4B5C6</string>
+    <key>address</key><string>00:14:c2:41:ff:00</string>
+    <key>note</key><string>C02XG0FDJG5H of anneliese</string>
+    <key>model</key><string>MacPro5,1</string>
+  </dict></array></dict></plist>)";
+
+constexpr char kNames[] =
+    "anneliese|webserver7|musterfrau|C02XG0FDJG5H|564D3A0F|c2:41:ff|0123456789abcdef|corp.example";
+
+class RedactedCapture : public testing::Test {
+ protected:
+  RedactedCapture() {
+    folder_.Write("m/machine.plist", kDocument);
+    folder_.Write("m/registry/IODeviceTree.plist", kDevices);
+    folder_.Write("m/root/etc/passwd",
+                  "root:x:0:0:root:/root:/bin/sh\nwww-data:x:33:33::/var/www:\n"
+                  "anneliese:x:1000:1000:Lise Musterfrau,,:/home/anneliese:/bin/sh\n");
+    folder_.Write("m/root/home/anneliese/anneliese.txt",
+                  "Lise Musterfrau, anneliese@webserver7.corp.example.com\n");
+    folder_.Write("m/root/home/anneliese/binary", std::string("anneliese\0", 10));
+    folder_.Link("m/root/home/anneliese/link", "/home/anneliese/anneliese.txt");
+    run_ = Capture("redacted");
+  }
+
+  ProcessResult Capture(std::string const& name) const {
+    return Gatotu({"--machine", folder_.Path("m"), "capture", folder_.Path(name), "--redact",
+                   "--with-files", "/home/**", "/etc/*"});
+  }
+  std::string Ask(std::string const& machine, std::string const& expression) const {
+    return Gatotu({"--machine", folder_.Path(machine), expression}).output;
+  }
+  std::string Redacted(std::string const& expression) const { return Ask("redacted", expression); }
+
+  TemporaryFolder folder_;
+  ProcessResult run_;
+};
+
+TEST_F(RedactedCapture, HasNoNameAnywhere) {
+  EXPECT_EQ(run_.status, 0) << run_.errors;
+  std::string const capture = folder_.Path("redacted");
+  // The names are in what it was made of, or this would find nothing in anything.
+  EXPECT_EQ(RunShell("grep -rqiE '" + std::string(kNames) + "' " + folder_.Path("m")).status, 0);
+  EXPECT_EQ(RunShell("grep -raiE '" + std::string(kNames) + "' " + capture).output, "");
+  EXPECT_EQ(RunShell("find " + capture + " -iname '*anneliese*' -o -ilname '*anneliese*'").output,
+            "");
+  EXPECT_EQ(Gatotu({"capture", capture, "--verify"}).status, 0);
+}
+
+TEST_F(RedactedCapture, AnswersAsBeforeButForNames) {
+  for (char const* expression :
+       {"pids of processes", "name of process 7", "name of operating system", "length of hostname",
+        "number of variables of environment", "size of file \"/etc/passwd\"",
+        "line 1 of file \"/etc/passwd\"", "number of descendants of folder \"/home\"",
+        "exists current user folder",
+        "string \"model\" of dictionary of node \"IODeviceTree:/\" of iokit registry",
+        "sizes of files of folders of folder \"/home\""}) {
+    EXPECT_EQ(Redacted(expression), Ask("m", expression)) << expression;
+    EXPECT_NE(Redacted(expression), "") << expression;
+  }
+}
+
+TEST_F(RedactedCapture, HasOneStandInForOneName) {
+  std::string const home = Redacted("value of variable \"HOME\" of environment");
+  std::string const name = home.substr(6, home.size() - 7);
+  EXPECT_EQ(name.size(), std::string("anneliese").size());
+  EXPECT_NE(Ask("redacted", "name of process 5").find("agent-" + name), std::string::npos);
+  EXPECT_EQ(Redacted("names of folders of folder \"/home\""), name + "\n");
+  EXPECT_EQ(Redacted("owner of file \"/home/" + name + "/link\""),
+            Redacted("owner of file \"/home/" + name + "/" + name + ".txt\""));
+  std::string const letter = Redacted("content of file \"/home/" + name + "/link\"");
+  EXPECT_THAT(letter, testing::HasSubstr(name + "@"));
+  EXPECT_THAT(letter, testing::HasSubstr(Redacted("hostname").substr(1, 8)));
+  std::string const board = "dictionary of node \"IODeviceTree:/\" of iokit registry";
+  std::string const serial = Redacted("string \"IOPlatformSerialNumber\" of " + board);
+  EXPECT_EQ(Redacted("string \"note\" of " + board),
+            serial.substr(0, serial.size() - 1) + " of " + name + "\n");
+}
+
+// Else whoever knows a name could look for its stand-in.
+TEST_F(RedactedCapture, HasOtherStandInsEachTime) {
+  Capture("again");
+  EXPECT_NE(Redacted("hostname"), Ask("again", "hostname"));
+}
+
+TEST_F(RedactedCapture, LeavesOutWhatIsNoText) {
+  EXPECT_THAT(run_.output, testing::HasSubstr("no text whose names could be replaced: "
+                                              "/home/anneliese/binary"));
+  std::string const home = Redacted("pathname of current user folder");
+  EXPECT_THAT(Gatotu({"--machine", folder_.Path("redacted"),
+                      "content of file \"" + home.substr(0, home.size() - 1) + "/binary\""})
+                  .errors,
+              testing::HasSubstr("not recorded: no text"));
+}
+
+}  // namespace
+}  // namespace gatotu::tests
