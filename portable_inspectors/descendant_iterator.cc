@@ -142,6 +142,7 @@ bool descendant_iterator::EnterNextStart() {
     path_ = starts_[next_start_++];
     if (path_.empty()) continue;
     auto found = MachineFiles().OpenFolder(path_);
+    if (!found) ThrowIfNotRecorded(path_, found.absence());
     if (!found) continue;
     Enter(std::move(found).value());
     return true;

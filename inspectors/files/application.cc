@@ -65,8 +65,9 @@ void AddFoldersOfUsers(descendant_iterator& walk) {
 }  // namespace
 
 filesystem_object app_iterator::First(folder const& start) {
+  if (start.Path().empty()) throw NoSuchObject();
   walk_.Init();
-  walk_.AddLocation(start.Location());
+  walk_.AddLocation(MakeFileLocation(ConstData(start.Path())));
   return Next(start);
 }
 
@@ -90,7 +91,12 @@ filesystem_object app_iterator::First() {
     apps_ = sCachedAppList;
   } else {
     sLastScan = now;
-    ScanForApps();
+    try {
+      ScanForApps();
+    } catch (FileIOError const&) {
+      sLastScan.reset();
+      throw;
+    }
     sCachedAppList = apps_;
     sLastScan = Now();
   }

@@ -9,7 +9,8 @@
 #include "portable_inspectors/descendant_iterator.h"
 #include "portable_inspectors/filesystem_object.h"
 
-// Every sequence ends with `NoSuchObject`. What may not be read is passed over.
+// Every sequence ends with `NoSuchObject`. What may not be read is passed over; a folder of a
+// recorded machine that nobody listed at the time throws `MacintoshPlatform::FileLoopFailed`.
 class app_iterator {
  public:
   // Below a folder, found as they are wanted.
