@@ -29,6 +29,7 @@ Pseudonyms NamesIn(RecordDictionary const& document, Planes const& planes,
   }
   Pseudonyms names;
   identities.AddTo(names);
+  for (auto const& [path, item] : items.items()) names.Avoid(path);
   return names;
 }
 

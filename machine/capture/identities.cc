@@ -83,6 +83,7 @@ Identities::Identities(RecordDictionary const& document) {
 void Identities::LearnUsers(RecordDictionary const& document) {
   users_.emplace(BytesIn(document.Find("CurrentUser")));
   users_.emplace(BytesIn(Member(document.Find("ConsoleUser"), "Name")));
+  LearnSessions(Member(document.Find("ConsoleUser"), "SessionInfo"));
   for (char const* variable : kUserVariables) {
     users_.emplace(BytesIn(Member(document.Find("Environment"), variable)));
   }
@@ -97,6 +98,15 @@ void Identities::LearnUsers(RecordDictionary const& document) {
   if (names == nullptr || names->As<RecordDictionary>() == nullptr) return;
   for (auto const& [number, name] : names->As<RecordDictionary>()->entries()) {
     LearnAccount(BytesIn(&name), number, {});
+  }
+}
+
+void Identities::LearnSessions(Record const* sessions) {
+  auto const* each = sessions == nullptr ? nullptr : sessions->As<RecordArray>();
+  if (each == nullptr) return;
+  for (Record const& session : *each) {
+    users_.emplace(BytesIn(Member(&session, "kCGSSessionUserNameKey")));
+    users_.emplace(BytesIn(Member(&session, "kCGSessionLongUserNameKey")));
   }
 }
 

@@ -32,6 +32,7 @@ class Identities {
 
  private:
   void LearnUsers(RecordDictionary const& document);
+  void LearnSessions(Record const* sessions);
   void LearnMachine(RecordDictionary const& document);
   void LearnDirectory(RecordDictionary const& document);
   void LearnInquiries(Record const& buses);

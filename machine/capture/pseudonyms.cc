@@ -84,6 +84,14 @@ void Pseudonyms::AddName(std::string_view name) {
   std::ranges::sort(names, [](auto& one, auto& other) { return one.size() > other.size(); });
 }
 
+void Pseudonyms::Avoid(std::string_view text) {
+  while (!text.empty()) {
+    std::size_t const size = WordSize(text);
+    if (size != 0) used_.insert(Lowered(text.substr(0, size)));
+    text.remove_prefix(std::max<std::size_t>(size, 1));
+  }
+}
+
 std::size_t Pseudonyms::NameAt(std::string_view text, std::size_t at, std::size_t word_size) const {
   auto const found = names_by_word_.find(Lowered(text.substr(at, word_size)));
   if (found == names_by_word_.end()) return 0;

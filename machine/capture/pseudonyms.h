@@ -20,6 +20,8 @@ class Pseudonyms {
   // To be replaced where it stands as a word or as words; letter case does not count. What has no
   // letter is no name.
   void AddName(std::string_view name);
+  // None of the words becomes a stand-in, so that two files never get one name.
+  void Avoid(std::string_view text);
   // To be replaced where it is the whole of a value, whatever bytes it has.
   void AddBytes(std::string_view bytes) { bytes_.emplace(bytes); }
 
