@@ -52,6 +52,8 @@ std::unique_ptr<MachineWorker> MachineWorker::Start(FunctionRef<ExitStatus()> as
   if (!nothing.is_open() || !MakePipe(answers, answers_end) || !MakePipe(messages, messages_end)) {
     return nullptr;
   }
+  // Whoever started us may have had it ignored, and then nobody is told how a process ended.
+  ::signal(SIGCHLD, SIG_DFL);
   pid_t const command = ::getpid();
   pid_t const process = ::fork();
   if (process < 0) return nullptr;

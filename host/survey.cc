@@ -55,10 +55,11 @@ Survey::Survey(CommandLine const& line, bool names_expression, MachineList machi
 
 ExitStatus Survey::Hold() {
   for (;;) {
-    StartWorkers();
     PassOn();
+    StartWorkers();
     if (turns_.empty() && !has_more_) break;
-    Wait();
+    // Where no worker could be started there is something to say at once.
+    if (turns_.empty() || turns_.front()->IsRunning()) Wait();
     if (answers_.IsBroken() || interruption_.IsOver()) break;
     if (interruption_.HasCome()) Interrupt();
     Collect();
