@@ -92,6 +92,10 @@ void MachineTurn::Interrupt() {
   if (worker_ != nullptr) worker_->Signal(SIGINT);
 }
 
+void MachineTurn::Disown() {
+  if (worker_ != nullptr) worker_->Disown();
+}
+
 void MachineTurn::PassOn(PassedOutput& answers, PassedOutput& messages) {
   PassOn(answers_, answers);
   PassOn(messages_, messages);

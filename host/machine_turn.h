@@ -36,6 +36,9 @@ class MachineTurn {
   void EndIfSilent(MachineWorker::Clock::duration most);
   void Interrupt();
 
+  // See `MachineWorker`.
+  void Disown();
+
   // When it is this one's turn. Answers appear before what is said about them.
   void PassOn(PassedOutput& answers, PassedOutput& messages);
   ExitStatus Status() const { return status_; }

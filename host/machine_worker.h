@@ -43,6 +43,9 @@ class MachineWorker {
 
   void Signal(int signal) const { ::kill(process_, signal); }
 
+  // In a copy of the command, whose worker this is not: its end is nothing to that one.
+  void Disown() { process_ = 0; }
+
   bool HasEnded() const { return !answers_.is_open() && !messages_.is_open(); }
   // As `waitpid` tells, once it has ended.
   int WaitStatus();
@@ -53,7 +56,7 @@ class MachineWorker {
 
   std::string Read(machine::FileDescriptor& from);
 
-  pid_t process_;  // 0: has been waited for
+  pid_t process_;  // 0: has been waited for, or is not ours
   machine::FileDescriptor answers_;
   machine::FileDescriptor messages_;
   Clock::time_point last_heard_ = Clock::now();

@@ -101,8 +101,10 @@ std::size_t Survey::Running() const {
       turns_.begin(), turns_.end(), [](auto const& turn) { return turn->IsRunning(); }));
 }
 
-// In the worker.
-ExitStatus Survey::Ask(std::string const& machine) const {
+// In the worker. What the inspectors open is not to lack the files that others are read from.
+ExitStatus Survey::Ask(std::string const& machine) {
+  for (auto const& turn : turns_) turn->Disown();
+  turns_.clear();
   if (machine.find('\0') != std::string::npos) {
     return SayUnusable(line_.format, machine, machine + ": no name has a zero byte");
   }

@@ -27,7 +27,7 @@ class Survey {
   void StartWorkers();
   bool StartNext();
   std::size_t Running() const;
-  ExitStatus Ask(std::string const& machine) const;
+  ExitStatus Ask(std::string const& machine);
 
   void Wait();
   int WaitMilliseconds() const;
