@@ -43,7 +43,8 @@ class GATOTU_API descendant_iterator {
   // Forgets the walk and its start locations.
   void Init();
   // The start locations are walked in the order they were added, each without itself. One that is
-  // no folder, does not exist or may not be read has nothing below it.
+  // no folder, does not exist or may not be read has nothing below it; only what is not recorded of
+  // a recorded machine, here and below, throws `MacintoshPlatform::FileLoopFailed`.
   void AddLocation(FileLocation const& location);
   // The next item that the filter adds; `NoSuchObject` at the end. A file error in the filter skips
   // the item that it was asked about. A glance spares the filter most items, where it knows what

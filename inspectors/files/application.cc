@@ -54,8 +54,8 @@ void AddFoldersOfUsers(descendant_iterator& walk) {
     user_iterator users;
     for (user each = users.First();; each = users.Next()) {
       std::string const path = FolderOf(each);
-      if (!path.empty() && known.insert(path).second)
-        walk.AddLocation(MakeFileLocation(ConstData(path)));
+      bool const is_new = !path.empty() && known.insert(path).second;
+      if (is_new) walk.AddLocation(MakeFileLocation(ConstData(path)));
       Check_For_Inspector_Interruption();
     }
   } catch (NoSuchObject const&) {

@@ -135,8 +135,7 @@ TEST_F(Applications, AreThosePackagesThatTheFileProgramCallsExecutable) {
       " && timeout 60 npm pack --ignore-scripts --fetch-retries=0 @esbuild/darwin-x64@0.21.5 "
       "@esbuild/darwin-arm64@0.21.5 fsevents@2.3.3 >fetch.log 2>&1 && for package in *.tgz; do "
       "mkdir in-$package && tar xzf $package -C in-$package || exit 1; done";
-  if (std::system(fetch.c_str()) != 0)
-    GTEST_SKIP() << "no packages by npm, or no program to judge them";
+  if (std::system(fetch.c_str()) != 0) GTEST_SKIP() << "no packages by npm, or no `file` program";
   std::string const judge = "cd " + tree_.Path() +
                             " && find . -type f -exec sh -c 'file -b \"$1\" | "
                             "grep -q \"Mach-O.* executable\" && basename \"$1\"' - {} \\; >judged";
