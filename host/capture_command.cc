@@ -96,9 +96,9 @@ std::optional<std::string> WriteAll(CommandLine const& line, machine::Recorder c
   machine::Fact<machine::Done> written = machine::Absence{};
   // What was whole before it could be stopped is a capture all the same.
   LimitedWork(line, request.folder + ": what is there is no capture").Do([&] {
-    written =
-        recorder.Write(request.folder, &WriteRecordedFacts,
-                       request.is_redacted ? machine::Names::kReplace : machine::Names::kKeep);
+    written = recorder.Write(
+        request.folder, &WriteRecordedFacts,
+        request.is_redacted ? machine::Redacting::kNames : machine::Redacting::kNothing);
   });
   if (!written) return machine::CaptureMessage(written.absence());
   std::optional<std::string> failure;

@@ -42,11 +42,11 @@ class CaptureWriting {
         writer_(writer),
         taker_(recording.asked->Files(), items_.limits().file_bytes, items_.room()) {}
 
-  Fact<Done> Write(std::string const& folder, Names names) {
+  Fact<Done> Write(std::string const& folder, Redacting redacting) {
     recording_.facts.Keep(kVolumes, recording_.volumes.Whole());
     Planes const planes = recording_.registry->Planes();
     RecordDictionary document = Document();
-    if (names == Names::kReplace) redaction_.emplace(NamesIn(document, planes, items_));
+    if (redacting == Redacting::kNames) redaction_.emplace(NamesIn(document, planes, items_));
     RecordDictionary files = LayDownItems();
     Fact<Done> const is_written = LayDownPlanes(planes);
     if (!is_written) return is_written;
@@ -173,10 +173,10 @@ void CaptureWriting::Report(std::string const& path, RecordedItem const& item) {
 }  // namespace
 
 Fact<Done> WriteCapture(Recording& recording, std::string const& folder, RecordWriter writer,
-                        Names names) {
+                        Redacting redacting) {
   Fact<CaptureFolder> const made = CaptureFolder::Make(folder);
   if (!made) return made.absence();
-  return CaptureWriting(recording, *made, writer).Write(folder, names);
+  return CaptureWriting(recording, *made, writer).Write(folder, redacting);
 }
 
 }  // namespace machine::capture

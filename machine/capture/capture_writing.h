@@ -10,6 +10,6 @@ namespace machine::capture {
 
 // What came of the files that are taken along is added to the recording's report.
 Fact<Done> WriteCapture(Recording& recording, std::string const& folder, RecordWriter writer,
-                        Names names);
+                        Redacting redacting);
 
 }  // namespace machine::capture

@@ -177,7 +177,7 @@ void Identities::LearnPath(std::string_view path) {
   }
 }
 
-// What has no digit is said where there is no number: "Not Specified". Addresses of slots, which
+// What has no digit is said where there is no number: "None". Addresses of slots, which
 // some drivers give for a number, are the same on many machines.
 void Identities::LearnSerials(std::string_view text) {
   constexpr std::size_t kLeast = 4;

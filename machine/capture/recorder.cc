@@ -158,8 +158,9 @@ std::optional<std::size_t> Recorder::TakeFiles(std::string const& pattern) {
 
 TakingReport const& Recorder::Taking() const { return state_->taking; }
 
-Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer, Names names) const {
-  return WriteCapture(*state_, folder, writer, names);
+Fact<Done> Recorder::Write(std::string const& folder, RecordWriter writer,
+                           Redacting redacting) const {
+  return WriteCapture(*state_, folder, writer, redacting);
 }
 
 }  // namespace machine

@@ -26,9 +26,9 @@ struct RecordingLimits {
   std::uint64_t registry_entries = 250'000, registry_bytes = std::uint64_t{64} << 20;
 };
 
-// Of people and machines, and the numbers of devices. Where they are replaced, files that are no
-// text are left out.
-enum class Names { kKeep, kReplace };
+// The names of people and machines and the numbers of devices may be replaced. Files that are no
+// text are left out then.
+enum class Redacting { kNothing, kNames };
 
 // What came of taking files along.
 struct TakingReport {
@@ -69,7 +69,7 @@ class MACHINE_API Recorder {
   // Lays the capture down in a folder that does not exist yet or is empty. `machine.plist` comes
   // last, so that one that was broken off is no capture. To be called once nobody asks any more.
   Fact<Done> Write(std::string const& folder, RecordWriter writer,
-                   Names names = Names::kKeep) const;
+                   Redacting redacting = Redacting::kNothing) const;
 
  private:
   struct State;

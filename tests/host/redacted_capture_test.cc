@@ -25,6 +25,11 @@ constexpr char kDocument[] = R"(<plist version="1.0"><dict>
   <key>Processes</key><array>
     <dict><key>pid</key><integer>5</integer><key>name</key><string>agent-anneliese</string></dict>
     <dict><key>pid</key><integer>7</integer><key>name</key><string>nginx</string></dict></array>
+  <key>SCSIBuses</key><array><dict><key>Version</key><integer>2</integer>
+    <key>FeatureFlags</key><integer>0</integer><key>HBAInquiry</key><integer>0</integer>
+    <key>Targets</key><array><dict><key>Target</key><integer>0</integer><key>Inquiry</key>
+    <data>AAACAiAAAABTRUFHQVRFIFNUMzI0MDA0OVMgICAgICAwMDAzWkQ3UTM0OTkgICAgICAgICAgICA=</data>
+    </dict></array></dict></array>
   <key>SystemVersion</key><dict><key>ProductName</key><string>Debian</string></dict>
 </dict></plist>)";
 
@@ -34,13 +39,15 @@ constexpr char kDevices[] = R"(<plist version="1.0"><dict>
     <key>IORegistryEntryName</key><string>board</string>
     <key>IOPlatformSerialNumber</key><string>C02XG0FDJG5H</string>
     <key>IOPlatformUUID</key><string>564D3A0F-1B2C-3D4E-5F60-718293A4B5C6</string>
+    <key>serial-number</key><data>QzAyWEcwRkRKRzVIAAA=</data>
     <key>address</key><string>00:14:c2:41:ff:00</string>
     <key>note</key><string>C02XG0FDJG5H of anneliese</string>
     <key>model</key><string>MacPro5,1</string>
   </dict></array></dict></plist>)";
 
 constexpr char kNames[] =
-    "anneliese|webserver7|musterfrau|C02XG0FDJG5H|564D3A0F|c2:41:ff|0123456789abcdef|corp.example";
+    "ZD7Q3499|anneliese|webserver7|musterfrau|C02XG0FDJG5H|564D3A0F|c2:41:ff|0123456789abcdef|corp."
+    "example";
 
 class RedactedCapture : public testing::Test {
  protected:
@@ -79,6 +86,19 @@ TEST_F(RedactedCapture, HasNoNameAnywhere) {
   EXPECT_EQ(RunShell("find " + capture + " -iname '*anneliese*' -o -ilname '*anneliese*'").output,
             "");
   EXPECT_EQ(Gatotu({"capture", capture, "--verify"}).status, 0);
+}
+
+// In XML data are not to be read as they stand.
+TEST_F(RedactedCapture, HasNoNameInData) {
+  std::string const show =
+      "python3 -c 'import plistlib, sys; [print(plistlib.load(open(file, \"rb\"))) for file in "
+      "sys.argv[1:]]' ";
+  for (char const* plist : {"/machine.plist", "/registry/IODeviceTree.plist"}) {
+    std::string const names = " | grep -ciE '" + std::string(kNames) + "'";
+    EXPECT_EQ(RunShell(show + folder_.Path("m") + plist + names).output, "1\n");
+    EXPECT_EQ(RunShell(show + folder_.Path("redacted") + plist + names).output, "0\n");
+  }
+  EXPECT_EQ(Redacted("products of scsidevices"), Ask("m", "products of scsidevices"));
 }
 
 TEST_F(RedactedCapture, AnswersAsBeforeButForNames) {
