@@ -86,7 +86,7 @@ void SetTimes(int folder, char const* name, ItemStatus const& status) {
 }
 
 // Extended attributes where the disk has them and they fit, else a companion. One that was recorded
-// as a file of its own stays.
+// as a file of its own stays, and has the same.
 bool LayDownFinderDetails(int folder, std::string const& name, Item const& item,
                           Content const& resource_fork, bool has_own_companion) {
   bool const has_fork = resource_fork != nullptr && !resource_fork->empty();
@@ -95,7 +95,7 @@ bool LayDownFinderDetails(int folder, std::string const& name, Item const& item,
   bool const is_kept =
       (!item.has_finder_info || live::WriteFinderInfo(path.c_str(), item.finder_info) == 0) &&
       (!has_fork || live::WriteResourceFork(path.c_str(), *resource_fork) == 0);
-  if (is_kept || has_own_companion) return is_kept;
+  if (is_kept || has_own_companion) return true;
   FileDescriptor const file = CreateFile(folder, live::CompanionPath(name).c_str(), O_TRUNC);
   return file.is_open() &&
          WriteAll(file.number(),
