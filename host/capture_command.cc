@@ -90,7 +90,7 @@ ExitStatus Record(CommandLine const& line, machine::Recorder& recorder, Expressi
   return ExitStatus::kInterrupted;
 }
 
-// The list of digests is not the capture's own: without it the capture is whole all the same.
+// Without the list of digests a capture can be asked all the same, but it is not what was wanted.
 std::optional<std::string> WriteAll(CommandLine const& line, machine::Recorder const& recorder) {
   CaptureRequest const& request = line.capture;
   machine::Fact<machine::Done> written = machine::Absence{};
