@@ -168,7 +168,7 @@ std::optional<Farewell> RefuseForeign(std::vector<OwnOption> const& options, Com
 
 std::optional<Farewell> TakeFolder(CommandLine& line, std::vector<std::string> const& words) {
   if (words.empty() || words.front().empty())
-    return Refuse("capture: name the folder to write, before --for");
+    return Refuse("capture: name the folder to write, before --for and --with-files");
   if (words.size() > 1) return Refuse("capture: one folder; expressions stand behind --for");
   line.capture.folder = words.front();
   return std::nullopt;
