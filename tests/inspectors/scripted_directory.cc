@@ -39,12 +39,3 @@ bool GetODRecordSingleValue(ODRecord const& record, std::string const& attribute
   value = found->second.front();
   return true;
 }
-
-bool GetActiveDirectoryUser(ActiveDirectoryInspectorContext const* context, std::string const& name,
-                            ActiveDirectoryLocalUser& found) {
-  current->asked_with = context;
-  auto const user = current->active_directory_users.find(name);
-  if (user == current->active_directory_users.end()) return false;
-  found = user->second;
-  return true;
-}

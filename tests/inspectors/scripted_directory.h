@@ -5,8 +5,7 @@
 #include <string>
 
 #include "evaluator/plugin/exceptions.h"
-#include "inspectors/activedirectory/directory/active_directory_local_user.h"
-#include "inspectors/users/directory_lookup.h"
+#include "inspectors/users/user.h"
 
 class DirectoryFailed : public DebuggableException {};
 
@@ -22,7 +21,5 @@ class ScriptedDirectory {
   void AddUser(std::string const& name, std::string const& id);
 
   std::map<std::string, ODRecord> users;
-  std::map<std::string, ActiveDirectoryLocalUser> active_directory_users;
-  ActiveDirectoryInspectorContext const* asked_with = nullptr;
   bool fails = false;
 };

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "inspectors/activedirectory/directory/active_directory_inspector_context.h"
 #include "inspectors/users/user.h"
 #include "tests/inspectors/scripted_directory.h"
 #include "tests/support/recording_evaluator.h"
@@ -87,18 +86,6 @@ TEST_F(Users, LiveInTheirFolder) {
   EXPECT_EQ(user_home_dir(Named("a")).Item().Location().POSIXPath(), "/usr");
   home = {"/no/such/folder"};
   EXPECT_THROW(user_home_dir(Named("a")), NoSuchObject);
-}
-
-TEST_F(Users, HaveAnActiveDirectoryAccountOnceItWasRead) {
-  directory_.AddUser("a", "501");
-  user const found = Named("a");
-  EXPECT_THROW(named_ad_user(found), NoSuchObject);
-  ActiveDirectoryLocalUser& account = directory_.active_directory_users["a"];
-  account.SetName("a");
-  EXPECT_THROW(named_ad_user(found), NoSuchObject);
-  account.SetDistinguishedName("CN=a");
-  EXPECT_EQ(named_ad_user(found).GetDistinguishedName(), "CN=a");
-  EXPECT_EQ(directory_.asked_with, nullptr);
 }
 
 }  // namespace
