@@ -104,7 +104,7 @@ Type<user, kNoFingerprinting> user_type;
 Type<user_attribute, kNoFingerprinting> user_attribute_type;
 IteratedGlobalProperty<user_iterator, user> users("user", "users", nullptr);
 IteratedGlobalProperty<user_iterator, user> local_users("local user", "local users", nullptr);
-NamedGlobalProperty<user> user_by_name("user", "", named_user, nullptr);
+NamedGlobalProperty<user> user_by_name("user", nullptr, named_user, nullptr);
 Property<user, inspector_string> name("name", "names", user_name, nullptr);
 Property<user, inspector_string> id("id", "ids", user_id, nullptr);
 Property<user, inspector_string> primary_group_id("primary group id", "primary group ids",
