@@ -1,13 +1,12 @@
 #include "machine/live/patience.h"
 
-#include <pthread.h>
-
 #include <condition_variable>
-#include <csignal>
 #include <memory>
 #include <mutex>
 #include <system_error>
 #include <thread>
+
+#include "machine/live/signals_blocked.h"
 
 namespace machine::live {
 namespace {
@@ -50,22 +49,6 @@ struct Work {
   std::mutex guard;
   std::condition_variable done;
   bool is_done = false, is_abandoned = false;
-};
-
-// Signals are for the threads that expect them.
-class SignalsBlocked {
- public:
-  SignalsBlocked() {
-    sigset_t all;
-    ::sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-  }
-  ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-  SignalsBlocked(SignalsBlocked const&) = delete;
-  SignalsBlocked& operator=(SignalsBlocked const&) = delete;
-
- private:
-  sigset_t before_;
 };
 
 }  // namespace
