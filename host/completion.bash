@@ -14,7 +14,8 @@ _gatotu() {
     *)
       case $current in
         -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--for\n--format\n--help
---limit-bytes\n--machine\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--user\n--version' -- "$current")) ;;
+--limit-bytes\n--machine\n--plug-in\n--setting\n--time-limit\n--timing\n--type\n--user\n--version
+--wait-for-directory' -- "$current")) ;;
         *)
           if [ "$COMP_CWORD" -eq 1 ]; then
             COMPREPLY=($(compgen -W $'capture\nvocabulary' -- "$current"))

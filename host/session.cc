@@ -74,9 +74,16 @@ class Conversation {
     return status != ExitStatus::kInterrupted && !answers_.IsBroken();
   }
 
+  // Before waiting for the next expression.
+  bool AskAndRest(std::string_view expression) {
+    bool const goes_on = Ask(expression);
+    if (goes_on) asker_.Rest();
+    return goes_on;
+  }
+
   void AskAllOf(std::string const& file) {
     ExitStatus const read =
-        AskFile(file, [this](std::string_view expression) { return Ask(expression); });
+        AskFile(file, [this](std::string_view expression) { return AskAndRest(expression); });
     status_ = Worse(status_, read);
   }
 
@@ -88,7 +95,7 @@ class Conversation {
       Show(kPrompt);
       switch (lines.Next(line)) {
         case ExpressionLines::Result::kLine:
-          if (!IsIdleLine(line)) Ask(line);
+          if (!IsIdleLine(line)) AskAndRest(line);
           if (answers_.IsBroken()) return;
           break;
         case ExpressionLines::Result::kInterrupted:
@@ -127,6 +134,8 @@ class Conversation {
 ExitStatus Run(CommandLine const& line) {
   Settings settings;
   if (auto const failure = ReadSettings(line, settings)) return Refuse(*failure);
+  auto const directory = ReadDirectoryOptions(settings);
+  if (auto const* failure = std::get_if<std::string>(&directory)) return Refuse(*failure);
   auto opened = OpenMachine(line.machine, line.user);
   if (!opened) {
     Complain(machine::CaptureMessage(opened.absence()));
@@ -135,8 +144,10 @@ ExitStatus Run(CommandLine const& line) {
   std::shared_ptr<machine::Machine const> machine = std::move(opened).value();
   machine::SetCurrentMachine(machine);
 
-  HostContext context(settings);
+  // The context ends first, and with it the thread that reads directory records.
   PlugIns plug_ins;
+  HostContext context(settings, std::get<DirectoryOptions>(directory),
+                      line.machine == "live" ? machine.get() : nullptr);
   if (ExitStatus const status = LoadVocabularies(line, plug_ins); status != ExitStatus::kAnswered) {
     return status;
   }
