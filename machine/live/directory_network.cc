@@ -69,12 +69,13 @@ class Question {
   Fact<std::string> Base(Patience const& patience) {
     if (!settings_->base.empty()) return settings_->base;
     if (!connection_->configured_base().empty()) return connection_->configured_base();
+    if (!connection_->default_base.empty()) return connection_->default_base;
     constexpr char kBase[] = "defaultNamingContext";
     Entries const root = connection_->Search(SearchOfEntry({}, {kBase}), patience);
     if (!root) return root.absence();
     for (LdapEntry const& entry : *root) {
       for (auto const& [name, values] : entry.attributes) {
-        if (EqualIgnoringCase(name, kBase)) return values.front();
+        if (EqualIgnoringCase(name, kBase)) return connection_->default_base = values.front();
       }
     }
     return Absence{Outcome::kAbsent, server, "no base is configured and the server tells none"};
