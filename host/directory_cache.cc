@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <exception>
@@ -55,10 +56,22 @@ bool MakeFolder(std::string const& path) {
   return MakeFolder(path.substr(0, end)) && (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST);
 }
 
-bool IsOrdinaryFile(std::string const& path) {
+// Reading XML goes on to wherever the text ends, so that a part of a record looks like one.
+bool IsWhole(std::string const& path, std::string_view end) {
+  machine::FileDescriptor const file(
+      ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
   struct stat status;
-  return ::lstat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && status.st_size > 0;
+  if (!file.is_open() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
+    return false;
+  }
+  std::array<char, 16> last;
+  auto const size = static_cast<ssize_t>(end.size());
+  return ::pread(file.number(), last.data(), end.size(), status.st_size - size) == size &&
+         std::string_view(last.data(), end.size()) == end;
 }
+
+std::string_view EndOf(ActiveDirectoryLocalComputer const&) { return "</Computer>"; }
+std::string_view EndOf(ActiveDirectoryLocalUser const&) { return "</User>"; }
 
 // What a run has kept: anything else was not written by one. One from the future would never be
 // refreshed, after the clock was set back.
@@ -71,7 +84,7 @@ bool IsBelievable(ActiveDirectoryBase const& record) {
 // A damaged file is as good as none.
 template <class Account>
 bool LoadFile(std::string const& path, Account& account) {
-  if (path.empty() || !IsOrdinaryFile(path)) return false;
+  if (path.empty() || !IsWhole(path, EndOf(account))) return false;
   try {
     account.LoadFromCache(MakeFileLocation(path.c_str()));
     return IsBelievable(account);
