@@ -1,0 +1,76 @@
+// The command waits for directory records only as long as it is told to.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/host/child_process.h"
+#include "tests/host/temporary_folder.h"
+#include "tests/support/directory_server.h"
+
+namespace gatotu::tests {
+namespace {
+
+using std::chrono::milliseconds;
+
+constexpr char kAnn[] = R"(dn: cn=ann,dc=test
+objectClass: user
+cn: ann
+sAMAccountName: ann
+objectCategory: person
+distinguishedName: cn=ann,dc=test
+tokenGroups:: AQEAAAAAAAUHAAAA
+
+dn: cn=staff,dc=test
+objectClass: group
+cn: staff
+sAMAccountName: staff
+objectSid:: AQEAAAAAAAUHAAAA
+distinguishedName: cn=staff,dc=test
+
+)";
+
+TEST(DirectoryCommand, WaitsAsLongAsItIsTold) {
+  if (!DirectoryServer::IsInstalled()) GTEST_SKIP() << "slapd is missing";
+  DirectoryServer const server(kAnn);
+  ASSERT_TRUE(server.is_running());
+  FaultyServer const silent(0, FaultyServer::Fault::kSilence, 0);
+  TemporaryFolder const folder;
+  folder.Write("password", std::string(DirectoryServer::kPassword) + "\n");
+  constexpr char kMessage[] = "distinguished name error message", kGroups[] = "names of groups";
+  constexpr char kPending[] = "Data pending request from server\n";
+  struct {
+    char const* name;
+    std::string uri;
+    char const* wait;
+    char const* what;
+    milliseconds interrupt_after;
+    int status;
+    char const* output;
+  } const rows[] = {
+      {"does not wait", server.uri(), "0", kMessage, milliseconds(0), 0, kPending},
+      {"not long enough", silent.uri(), "300ms", kMessage, milliseconds(0), 0, kPending},
+      {"interrupted", silent.uri(), "1h", kMessage, milliseconds(500), 3, ""},
+      {"waits", server.uri(), "1m", kGroups, milliseconds(0), 0, "staff\n"},
+      {"was kept", silent.uri(), "0", kGroups, milliseconds(0), 0, "staff\n"},
+  };
+  for (auto const& row : rows) {
+    Launch launch;
+    for (std::string const& setting :
+         {"URI=" + row.uri, std::string("Base=dc=test"),
+          std::string("BindName=") + DirectoryServer::kBindName,
+          "BindPasswordFile=" + folder.Path("password"), "CacheFolder=" + folder.Path("cache"),
+          std::string("AllowClearLoopback=yes"), std::string("Users=ann")}) {
+      launch.arguments.insert(launch.arguments.end(), {"--setting", "Directory:" + setting});
+    }
+    launch.arguments.insert(launch.arguments.end(),
+                            {"--wait-for-directory", row.wait,
+                             std::string(row.what) + " of local user \"ann\" of active directory"});
+    launch.interrupt_after = row.interrupt_after;
+    ProcessResult const run = RunCommand(launch);
+    EXPECT_EQ(run.status, row.status) << row.name << run.errors;
+    EXPECT_EQ(run.output, row.output) << row.name << run.errors;
+    EXPECT_LT(run.took, milliseconds(5000)) << row.name;
+  }
+}
+
+}  // namespace
+}  // namespace gatotu::tests
