@@ -30,7 +30,7 @@ class ActiveDirectoryServer {
   bool GetLocalUser(ActiveDirectoryInspectorContext const* context, std::string const& name,
                     ActiveDirectoryLocalUser& out) const;
 
-  // All that the host has, read or not; none is asked for.
+  // All that the host has, read or not, and none is asked for; empty where there is no answer.
   bool GetLocalUsers(ActiveDirectoryInspectorContext const* context,
                      std::vector<ActiveDirectoryLocalUser>& list) const;
 
