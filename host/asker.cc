@@ -84,14 +84,14 @@ void Asker::Compile(Report& report, Compilation& compilation) {
   report.diagnostics = std::move(compilation.diagnostics);
 }
 
-void Asker::Rest() {
+void Asker::TendDirectory() {
   if (HostContext const* const context = CurrentHostContext()) context->Directory().Tend();
 }
 
 // What an expression asks of the directory is known when it was evaluated, so that comes first, and
 // tells nothing; what comes of it may have it ask for more.
 bool Asker::LetDirectoryAnswer(Report& report, Expression const& expression) {
-  Rest();
+  TendDirectory();
   HostContext const* const context = CurrentHostContext();
   bool const waits = options_.directory_wait.count() > 0 && context != nullptr &&
                      context->Directory().Cache() != nullptr;
@@ -110,6 +110,7 @@ bool Asker::LetDirectoryAnswer(Report& report, Expression const& expression) {
 Evaluation Asker::Rehearse(Report& report, Expression const& expression) {
   EvaluateOptions options;
   options.time_limit = options_.time_limit;
+  options.evidence = &log_;  // which belongs to what the evaluator keeps
   {
     std::lock_guard lock(writing_);
     current_ = &report;

@@ -29,8 +29,9 @@ class Asker {
   Asker(AskOptions const& options, AnswerWriter& writer, Output const& answers);
 
   ExitStatus Ask(std::string_view text);
-  // When the next expression may be long in coming.
-  void Rest();
+  // Hands out what was asked of the directory; each `Ask` begins with it. For when the next one may
+  // be long in coming.
+  void TendDirectory();
 
  private:
   using Clock = std::chrono::steady_clock;

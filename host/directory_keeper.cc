@@ -166,7 +166,7 @@ std::optional<std::size_t> DirectoryKeeper::FindOrAdd(AccountName const& user) {
   bool const is_found = found != numbers_.end() && found->first.name == user.name &&
                         (key.domain.empty() || found->first == key);
   if (is_found) return found->second;
-  if (users_.size() >= kMostRecords) return std::nullopt;
+  if (user.name.empty() || users_.size() >= kMostRecords) return std::nullopt;
   ActiveDirectoryLocalUser record(user.name, user.domain);
   if (IsAtHand()) cache_.Load(record);
   return Add(std::move(record));

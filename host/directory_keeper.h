@@ -47,7 +47,7 @@ class DirectoryKeeper {
 
   // The records stay where they are until the machine in use changes.
   ActiveDirectoryLocalComputer* Computer();
-  // An empty domain is any. Null when there are too many.
+  // An empty domain is any. Null without a name, and when there are too many.
   ActiveDirectoryLocalUser* User(AccountName const& user);
   // Those that were kept, those of sessions, the local ones, those of the settings. To go beyond
   // the last is to ask for all of them.
@@ -73,7 +73,7 @@ class DirectoryKeeper {
   // How many of them had been missing.
   std::size_t TakeOver();
 
-  // The user's number; nothing where there are too many.
+  // The user's number; nothing without a name, and where there are too many.
   std::optional<std::size_t> FindOrAdd(AccountName const& user);
   std::size_t Add(ActiveDirectoryLocalUser user);
   void ListUsers();

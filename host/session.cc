@@ -75,15 +75,15 @@ class Conversation {
   }
 
   // Before waiting for the next expression.
-  bool AskAndRest(std::string_view expression) {
+  bool AskAndTend(std::string_view expression) {
     bool const goes_on = Ask(expression);
-    if (goes_on) asker_.Rest();
+    if (goes_on) asker_.TendDirectory();
     return goes_on;
   }
 
   void AskAllOf(std::string const& file) {
     ExitStatus const read =
-        AskFile(file, [this](std::string_view expression) { return AskAndRest(expression); });
+        AskFile(file, [this](std::string_view expression) { return AskAndTend(expression); });
     status_ = Worse(status_, read);
   }
 
@@ -95,7 +95,7 @@ class Conversation {
       Show(kPrompt);
       switch (lines.Next(line)) {
         case ExpressionLines::Result::kLine:
-          if (!IsIdleLine(line)) AskAndRest(line);
+          if (!IsIdleLine(line)) AskAndTend(line);
           if (answers_.IsBroken()) return;
           break;
         case ExpressionLines::Result::kInterrupted:
