@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "evaluator/plugin/entry_points.h"
-#include "portable/ascii.h"
+#include "evaluator/plugin/exceptions.h"
 
 namespace gatotu::host {
 namespace {
@@ -26,6 +26,14 @@ DirectoryOptions WithoutCache(DirectoryOptions options) {
 
 bool IsAskedFor(ActiveDirectoryBase const& record) {
   return record.GetCacheState() != kNeverFilled;
+}
+
+std::string SourceName(ActiveDirectoryLocalComputer const&) {
+  return "directory record of the computer";
+}
+
+std::string SourceName(ActiveDirectoryLocalUser const& user) {
+  return "directory record of user " + user.GetName();
 }
 
 // One that is still not filled stays asked for. True when it was missing before.
@@ -121,10 +129,16 @@ bool DirectoryKeeper::Await(Clock::time_point end, std::function<bool()> const& 
   return has_come && Clock::now() < end && !should_stop();
 }
 
-// What cannot be read at once stays as one that was asked for.
+// What cannot be read at once stays as one that was asked for. What the thread has read, it has
+// read for nobody, so that the record itself is the source.
 template <class Account>
 Account* DirectoryKeeper::Handed(Account& record) const {
-  if (IsAtHand()) return &record;
+  if (IsAtHand()) {
+    bool const is_read = record.GetCacheState() == kFilledFromDirectory;
+    machine::Announce(SourceName(record),
+                      is_read ? machine::Outcome::kAnswered : machine::Outcome::kAbsent);
+    return &record;
+  }
   if (!IsAskedFor(record)) record.SetCacheState(kRequestPending);
   try {
     record.Refresh(&at_once_);
