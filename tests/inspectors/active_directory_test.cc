@@ -9,9 +9,9 @@
 #include "inspectors/activedirectory/account_properties.h"
 #include "inspectors/activedirectory/active_directory_server.h"
 #include "inspectors/users/session_info.h"
-#include "tests/inspectors/scripted_directory.h"
 #include "tests/portable_inspectors/answers.h"
 #include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_records.h"
 
 namespace {
 
@@ -99,7 +99,6 @@ class ActiveDirectory : public testing::Test {
 
   std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
   MachineInUse use_{machine_};
-  ScriptedDirectory directory_;
   ScriptedHost host_;
 };
 
@@ -212,10 +211,12 @@ TEST_F(ActiveDirectory, LooksForLoggedOnUsersByNameAndDomain) {
 }
 
 TEST_F(ActiveDirectory, LeadsOnFromTheUsersOfTheMachine) {
-  for (std::string const name : {"ann", "ben", "cid"}) directory_.AddUser(name, "501");
-  for (std::string const name : {"ann", "cid"}) {
-    directory_.users[name]["dsAttrTypeStandard:NFSHomeDirectory"] = {"/"};
+  auto const directory = std::make_shared<ScriptedRecords>();
+  for (std::string const name : {"ann", "ben", "cid"}) directory->Add(name, {});
+  for (int const user : {0, 2}) {
+    directory->records[user].attributes.push_back({"dsAttrTypeStandard:NFSHomeDirectory", {"/"}});
   }
+  machine_->directory = directory;
   auto const live = machine::MakeLiveMachine();
   machine_->files = {live, &live->Files()};
   ExpectAnswers(
