@@ -93,7 +93,7 @@ void DirectoryKeeper::HandOver() {
     computer_->is_adopted = true;
   }
   for (std::size_t number = 0; number < users_.size(); ++number) {
-    KeptUser& user = users_[number];
+    auto& user = users_[number];
     if (user.is_adopted || !IsAskedFor(user.record)) continue;
     refresher_.Adopt(number, user.record);
     user.is_adopted = true;

@@ -21,6 +21,13 @@
 
 namespace gatotu::host {
 
+template <class Account>
+struct KeptDirectoryRecord {
+  Account record;
+  bool is_adopted = false;  // by the thread
+  bool is_listed = false;
+};
+
 // For the evaluating thread. Starts no thread before a record was asked for. Ends before the
 // machine in use is replaced by another.
 class DirectoryKeeper {
@@ -54,14 +61,8 @@ class DirectoryKeeper {
   ActiveDirectoryLocalUser* UserAt(std::size_t index);
 
  private:
-  struct KeptComputer {
-    ActiveDirectoryLocalComputer record;
-    bool is_adopted = false;
-  };
-  struct KeptUser {
-    ActiveDirectoryLocalUser record;
-    bool is_adopted = false, is_listed = false;
-  };
+  template <class Account>
+  using Kept = KeptDirectoryRecord<Account>;
 
   bool IsAtHand() const { return &machine::CurrentMachine() == at_hand_; }
   // Reads it first where the machine is not the one at hand.
@@ -87,9 +88,9 @@ class DirectoryKeeper {
   DirectoryRefresher refresher_;
   std::uint64_t machine_number_;
 
-  std::optional<KeptComputer> computer_;
-  std::deque<KeptUser> users_;                  // numbered for the refresher by their places
-  std::map<AccountName, std::size_t> numbers_;  // by name and domain in lower case
+  std::optional<Kept<ActiveDirectoryLocalComputer>> computer_;
+  std::deque<Kept<ActiveDirectoryLocalUser>> users_;  // numbered for the refresher by their places
+  std::map<AccountName, std::size_t> numbers_;        // by name and domain in lower case
   std::vector<std::size_t> listed_;
   bool has_listed_ = false;
 };
