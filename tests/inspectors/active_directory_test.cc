@@ -43,17 +43,16 @@ class ScriptedHost final : public ActiveDirectoryInspectorContext {
   bool ShouldStop() const override { return false; }
 };
 
-ActiveDirectoryGroup Group(std::string const& name, std::string dn, std::string sid) {
-  ActiveDirectoryGroup group(name);
-  group.SetDistinguishedName(std::move(dn));
-  group.SetSid(std::move(sid));
-  return group;
-}
-
 std::vector<ActiveDirectoryGroup> Groups() {
-  std::vector<ActiveDirectoryGroup> groups = {
-      Group("Staff", "CN=Staff", "S-1-5-21-7-512"), Group("NoSid", "CN=NoSid", ""),
-      Group("NoDn", "", "S-1-5-32-544"), Group("Odd", "CN=Odd", "S-1-5")};
+  std::vector<ActiveDirectoryGroup> groups;
+  char const* const rows[][3] = {{"Staff", "CN=Staff", "S-1-5-21-7-512"},
+                                 {"NoSid", "CN=NoSid", ""},
+                                 {"NoDn", "", "S-1-5-32-544"},
+                                 {"Odd", "CN=Odd", "S-1-5"}};
+  for (auto const& [name, distinguished_name, sid] : rows) {
+    groups.emplace_back(name).SetDistinguishedName(distinguished_name);
+    groups.back().SetSid(sid);
+  }
   groups[2].SetErrorMessage("No distinguishedName Found");
   groups[2].SetLastSampleTime({3});
   return groups;
@@ -89,7 +88,8 @@ class ActiveDirectory : public testing::Test {
       sessions.emplace_back(
           machine::RecordDictionary({{"kCGSSessionIDKey", id}, {"kCGSSessionUserNameKey", name}}));
     }
-    machine_->console_user = machine::RecordDictionary({{"SessionInfo", std::move(sessions)}});
+    machine_->console_user = machine::RecordDictionary(
+        {{"Name", std::string("cid")}, {"SessionInfo", std::move(sessions)}});
     gatotu::SetInspectorContext(&host_);
   }
   ~ActiveDirectory() override {
@@ -224,6 +224,7 @@ TEST_F(ActiveDirectory, LeadsOnFromTheUsersOfTheMachine) {
           {"distinguished names of active directory users of users", "CN=ann"},
           {"exists active directory user of user \"ben\"", "false"},
           {"number of home directories of users", "2"},
+          {"(name of it, active of it) of current user", "cid, true"},
           {"names of local users whose (exists home directory of it)", "ann\ncid"},
       },
       "");

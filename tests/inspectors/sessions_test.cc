@@ -10,7 +10,7 @@
 #include "evaluator/plugin/exceptions.h"
 #include "inspectors/activedirectory/directory/directory_errors.h"
 #include "inspectors/users/logged_on_user.h"
-#include "tests/support/recording_evaluator.h"
+#include "tests/inspectors/asking.h"
 #include "tests/support/scripted_machine.h"
 #include "tests/support/scripted_records.h"
 
@@ -237,8 +237,7 @@ TEST_F(Sessions, TheirTextIsOneByteOfTheirNumber) {
   for (auto const& [id, expected] : cases) {
     Publish({Session(id, 501, "ann")});
     logged_on_user const ann = LoggedOnUsers().First();
-    inspector_string const text = LoggedOnUserSessionID(ann);
-    EXPECT_EQ(std::string(reinterpret_cast<char const*>(text.start), text.length), expected) << id;
+    EXPECT_EQ(Shown(LoggedOnUserSessionID(ann)), expected) << id;
   }
 }
 
@@ -261,16 +260,6 @@ TEST_F(Sessions, NamesOfLoggedInUsersAreTakenApart) {
         << name;
     SessionInfo::Shutdown();
   }
-}
-
-// Every property of a user is asked through the address of the whole.
-TEST_F(Sessions, OfUsersHaveTheirProperties) {
-  PublishTwoUsers();
-  logged_on_user const ann = LoggedOnUsers().First();
-  auto const& evaluator = RecordingEvaluator::Instance();
-  EXPECT_NE(evaluator.Find("Type", "logged on user", "user"), nullptr);
-  auto const id = evaluator.Find("Property", "id", "user")->Get<inspector_string>(nullptr, &ann);
-  EXPECT_EQ(std::string(reinterpret_cast<char const*>(id.start), id.length), "501");
 }
 
 }  // namespace

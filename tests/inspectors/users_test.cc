@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "inspectors/users/user.h"
+#include "tests/inspectors/asking.h"
 #include "tests/support/recording_evaluator.h"
 #include "tests/support/scripted_machine.h"
 #include "tests/support/scripted_records.h"
@@ -14,16 +15,10 @@ namespace {
 
 using testing::ElementsAre;
 
-std::string Text(inspector_string const& string) {
-  return {reinterpret_cast<char const*>(string.start), string.length};
-}
-
-user Named(std::string const& name) {
-  return named_user(reinterpret_cast<unsigned char const*>(name.data()), name.size());
-}
+user Named(std::string const& name) { return named_user(Bytes(name), name.size()); }
 
 user_attribute AttributeOf(user const& user, std::string const& name) {
-  return named_attribute(reinterpret_cast<unsigned char const*>(name.data()), name.size(), user);
+  return named_attribute(Bytes(name), name.size(), user);
 }
 
 constexpr char kID[] = "dsAttrTypeStandard:UniqueID";
@@ -42,10 +37,10 @@ TEST_F(Users, AreThoseOfWhenTheIterationWasMade) {
   directory_->Add("a", {});
   user_iterator users;
   directory_->Add("new", {});
-  EXPECT_EQ(Text(user_name(users.First())), "b");
-  EXPECT_EQ(Text(user_name(users.Next())), "a");
+  EXPECT_EQ(Shown(user_name(users.First())), "b");
+  EXPECT_EQ(Shown(user_name(users.Next())), "a");
   EXPECT_THROW(users.Next(), NoSuchObject);
-  EXPECT_EQ(Text(user_name(users.First())), "b");
+  EXPECT_EQ(Shown(user_name(users.First())), "b");
   auto const* local = RecordingEvaluator::Instance().Find("Iterated_Property", "local user");
   auto const* all = RecordingEvaluator::Instance().Find("Iterated_Property", "user");
   EXPECT_EQ(local->construct, all->construct);
@@ -65,19 +60,19 @@ TEST_F(Users, EveryFailureOfTheDirectoryIsNoSuchObject) {
 TEST_F(Users, HaveTheAttributesOfTheirRecord) {
   directory_->Add(kUsersRecordType, "a", {{kID, {"0501", "502"}}, {"dsAttrTypeNative:none", {}}});
   user const found = Named("a");
-  EXPECT_EQ(Text(user_name(found)), "a");
-  EXPECT_EQ(Text(user_id(found)), "0501");
+  EXPECT_EQ(Shown(user_name(found)), "a");
+  EXPECT_EQ(Shown(user_id(found)), "0501");
   EXPECT_THROW(user_primary_group_id(found), NoSuchObject);
   EXPECT_THROW(user_home_dir(found), NoSuchObject);
-  EXPECT_EQ(Text(asString(AttributeOf(found, kID))), "dsAttrTypeStandard:UniqueID: 0501");
+  EXPECT_EQ(Shown(asString(AttributeOf(found, kID))), "dsAttrTypeStandard:UniqueID: 0501");
   for (std::string const& name : {std::string("UniqueID"), std::string("dsAttrTypeNative:none"),
                                   std::string("dsAttrTypeStandard:UniqueID\0", 28)}) {
     EXPECT_THROW(AttributeOf(found, name), NoSuchObject) << name;
   }
 
   user_attr_iterator attributes;
-  std::vector<std::string> texts{Text(asString(attributes.First(found)))};
-  EXPECT_THROW(for (;;) texts.push_back(Text(asString(attributes.Next(found)))), NoSuchObject);
+  std::vector<std::string> texts{Shown(asString(attributes.First(found)))};
+  EXPECT_THROW(for (;;) texts.push_back(Shown(asString(attributes.Next(found)))), NoSuchObject);
   EXPECT_THAT(texts, ElementsAre("dsAttrTypeNative:none: ", "dsAttrTypeStandard:RecordName: a",
                                  "dsAttrTypeStandard:UniqueID: 0501"));
 }
