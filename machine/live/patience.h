@@ -13,9 +13,9 @@ class Patience {
 
   explicit Patience(Time limit) : end_(std::chrono::steady_clock::now() + limit) {}
 
-  // Never negative.
+  // Never negative. Rounded up, so that who waits for so long does not come back before the end.
   Time Left() const {
-    auto const left = std::chrono::duration_cast<Time>(end_ - std::chrono::steady_clock::now());
+    auto const left = std::chrono::ceil<Time>(end_ - std::chrono::steady_clock::now());
     return is_given_up_ || left < Time::zero() ? Time::zero() : left;
   }
   bool is_over() const { return Left() == Time::zero(); }
