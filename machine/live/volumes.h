@@ -5,6 +5,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "machine/live/root.h"
@@ -44,6 +45,17 @@ class MountedVolumes final : public VolumeSource {
 // The volumes among mounts: of each file system the first mount of all of it that can be reached
 // and that this process may look into.
 std::vector<Volume> SelectVolumes(std::vector<Mount> const& mounts, Root const& root);
+
+inline constexpr char kMountTable[] = "/proc/self/mountinfo";
+
+// Of the table's text, as the kernel writes it.
+Fact<std::vector<Mount>> ParseMounts(std::string const& table);
+
+// Whether file systems of a type have a server, on a network or in a process.
+bool IsServedByOthers(std::string_view type);
+
+// Where such mounts can be reached. The root is left out: nothing runs without it.
+std::vector<std::string> FindMountPointsOfOthers(std::vector<Mount> const& mounts);
 
 // The mounts that answer from memory, and everything that lies on the way to them.
 std::set<std::uint64_t> FindMountsInMemory(std::vector<Mount> const& mounts);
