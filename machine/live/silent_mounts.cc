@@ -41,6 +41,11 @@ bool LiesIn(std::string_view path, std::string_view point) {
   return path.starts_with(point) && (path.size() == point.size() || path[point.size()] == '/');
 }
 
+// A path without ".." and the like needs no other spelling, and that costs more than all the rest.
+bool IsPlain(std::string_view path) {
+  return path.find("/.") == std::string_view::npos && path.find("//") == std::string_view::npos;
+}
+
 // Of the file system itself, since a folder may be told from memory.
 void LookAt(std::string const& point) {
   FileDescriptor const folder(::open(point.c_str(), O_PATH | O_CLOEXEC));
@@ -98,8 +103,10 @@ bool SilentMounts::Answers(std::string const& point) {
 bool SilentMounts::AreOnTheWayTo(std::string_view path, Root const& root) {
   std::int64_t const now = Now();
   if (!HasAny(root, now)) return false;
-  std::string const tidy = std::filesystem::path(path).lexically_normal().native();
-  auto const points = DoubtfulOnTheWayTo(tidy, now);
+  auto const points =
+      IsPlain(path)
+          ? DoubtfulOnTheWayTo(path, now)
+          : DoubtfulOnTheWayTo(std::filesystem::path(path).lexically_normal().native(), now);
   return !std::all_of(points.begin(), points.end(),
                       [this](std::string const& point) { return Answers(point); });
 }
