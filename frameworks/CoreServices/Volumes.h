@@ -53,8 +53,9 @@ struct FSVolumeInfo {
 };
 
 // A volume by its place in the list, 1 for the first, or with `volumeIndex` 0 by its reference
-// number, which is also that of the items on it. `nsvErr` for none such; `ioErr` for one that does
-// not answer in time. The root folder is all zeros where it is not to be reached.
+// number, which is also that of the items on it. `nsvErr` for none such. Of one that does not
+// answer, or not this user, there is a name and a number, and all else is zeros. The root folder is
+// all zeros where it is not to be reached.
 CF_EXPORT OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex,
                                 FSVolumeRefNum* actualVolume, FSVolumeInfoBitmap whichInfo,
                                 FSVolumeInfo* info, HFSUniStr255* volumeName, FSRef* rootDirectory);

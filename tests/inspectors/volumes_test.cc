@@ -129,9 +129,6 @@ TEST_F(Volumes, ThatDoNotAnswerHaveANameAndLetOthersAnswer) {
   Add("B");
   EXPECT_EQ(All(), "A-100 dead-101 B-102 ");
   EXPECT_THROW(free_space_of(volume_of_index(2)), NoSuchObject);
-  volumes_->Add({"shut", "/shut", 6, 6, {}},
-                Absence{Outcome::kPermissionRefused, "/shut", {}, EACCES});
-  EXPECT_EQ(Told([&] { return volume_of_index(4).Info().VolumeRefNum(); }), "status -5000");
 }
 
 TEST_F(Volumes, AreNumberedFromOne) {
