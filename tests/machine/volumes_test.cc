@@ -365,6 +365,9 @@ TEST(CapturedVolumes, MayBeWrittenByHand) {
   } const rows[] = {
       {"root last", "<dict>" + name + point + "</dict>" + root, {"R /", "A /Volumes/A"}},
       {"twice", root + root, {"R /"}},
+      {"slash at the end",
+       "<dict>" + name + "<key>MountPoint</key><string>/A//</string></dict>",
+       {"A /A"}},
       {"none", "", {}},
       {"no name", "<dict>" + point + "</dict>", {"malformed"}},
       {"no place", "<dict>" + name + "</dict>", {"malformed"}},
