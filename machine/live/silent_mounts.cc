@@ -66,8 +66,8 @@ void SilentMounts::ReadTable(Root const& root) {
   if (!table || !NamesForeignType(*table)) return;
   Fact<std::vector<Mount>> const mounts = ParseMounts(*table);
   if (!mounts) return;
-  for (std::string& point : FindMountPointsOfOthers(*mounts)) {
-    watched_.push_back({std::move(point)});
+  for (Mount& mount : FindMountsOfOthers(*mounts)) {
+    watched_.push_back({std::move(mount.point), mount.number});
   }
 }
 
@@ -81,21 +81,23 @@ bool SilentMounts::HasAny(Root const& root, std::int64_t now) {
   return has_any_.load(std::memory_order_relaxed);
 }
 
-std::vector<std::string> SilentMounts::DoubtfulOnTheWayTo(std::string_view path, std::int64_t now) {
-  std::vector<std::string> points;
+std::vector<SilentMounts::Watched> SilentMounts::DoubtfulOnTheWayTo(std::string_view path,
+                                                                    std::int64_t now) {
+  std::vector<Watched> mounts;
   std::lock_guard lock(guard_);
   for (Watched const& mount : watched_) {
-    if (now >= mount.good_until && LiesIn(path, mount.point)) points.push_back(mount.point);
+    if (now >= mount.good_until && LiesIn(path, mount.point)) mounts.push_back(mount);
   }
-  return points;
+  return mounts;
 }
 
 // The subject is that of whoever else asks the mount, so that a silent one is waited for once.
-bool SilentMounts::Answers(std::string const& point) {
-  if (!RunWithin(kMountPatience, point, [point] { LookAt(point); })) return false;
+bool SilentMounts::Answers(Watched const& mount) {
+  auto const look = [point = mount.point] { LookAt(point); };
+  if (!RunWithin(kMountPatience, SubjectOf(mount.point, mount.number), look)) return false;
   std::lock_guard lock(guard_);
-  for (Watched& mount : watched_) {
-    if (mount.point == point) mount.good_until = Now() + kSecond;
+  for (Watched& watched : watched_) {
+    if (watched.number == mount.number) watched.good_until = Now() + kSecond;
   }
   return true;
 }
@@ -103,12 +105,12 @@ bool SilentMounts::Answers(std::string const& point) {
 bool SilentMounts::AreOnTheWayTo(std::string_view path, Root const& root) {
   std::int64_t const now = Now();
   if (!HasAny(root, now)) return false;
-  auto const points =
+  auto const mounts =
       IsPlain(path)
           ? DoubtfulOnTheWayTo(path, now)
           : DoubtfulOnTheWayTo(std::filesystem::path(path).lexically_normal().native(), now);
-  return !std::all_of(points.begin(), points.end(),
-                      [this](std::string const& point) { return Answers(point); });
+  return !std::all_of(mounts.begin(), mounts.end(),
+                      [this](Watched const& mount) { return Answers(mount); });
 }
 
 bool SilentMounts::MayLieIn(FolderPath const& folder, Root const& root) {

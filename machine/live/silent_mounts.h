@@ -36,13 +36,14 @@ class SilentMounts {
  private:
   struct Watched {
     std::string point;
+    std::uint64_t number = 0;
     std::int64_t good_until = 0;
   };
 
   bool HasAny(Root const& root, std::int64_t now);
   void ReadTable(Root const& root);
-  std::vector<std::string> DoubtfulOnTheWayTo(std::string_view path, std::int64_t now);
-  bool Answers(std::string const& point);
+  std::vector<Watched> DoubtfulOnTheWayTo(std::string_view path, std::int64_t now);
+  bool Answers(Watched const& mount);
 
   std::atomic<std::int64_t> good_until_ = 0;  // what was read of the table; in nanoseconds
   std::atomic<bool> has_any_ = false;

@@ -155,7 +155,8 @@ Fact<VolumeFacts> MountedVolumes::FactsOf(Volume const& volume) const {
     return LookAt(FileDescriptor(::open(path.c_str(), O_PATH | O_CLOEXEC)));
   };
   std::optional<Look> const look =
-      AnswersFromMemory(volume) ? std::optional(ask()) : AskWithin(kMountPatience, path, ask);
+      AnswersFromMemory(volume) ? std::optional(ask())
+                                : AskWithin(kMountPatience, SubjectOf(path, volume.mount), ask);
   if (!look) return AnnounceAbsence(Outcome::kTimedOut, path);
   if (look->error != 0) return AnnounceError(look->error, path, "volume");
   if (!IsOf(volume, look->root)) return AnnounceAbsence(Outcome::kAbsent, path, "not mounted");

@@ -54,8 +54,12 @@ Fact<std::vector<Mount>> ParseMounts(std::string const& table);
 // Whether file systems of a type have a server, on a network or in a process.
 bool IsServedByOthers(std::string_view type);
 
-// Where such mounts can be reached. The root is left out: nothing runs without it.
-std::vector<std::string> FindMountPointsOfOthers(std::vector<Mount> const& mounts);
+// Such mounts that can be reached. The root is left out: nothing runs without it.
+std::vector<Mount> FindMountsOfOthers(std::vector<Mount> const& mounts);
+
+// What calls on a mount go by at the worker: one that hangs is no reason to mistrust another mount
+// in the same place.
+std::string SubjectOf(std::string const& point, std::uint64_t number);
 
 // The mounts that answer from memory, and everything that lies on the way to them.
 std::set<std::uint64_t> FindMountsInMemory(std::vector<Mount> const& mounts);

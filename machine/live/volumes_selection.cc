@@ -126,14 +126,18 @@ bool IsServedByOthers(std::string_view type) {
   return std::binary_search(kServedByOthers.begin(), kServedByOthers.end(), type);
 }
 
-std::vector<std::string> FindMountPointsOfOthers(std::vector<Mount> const& mounts) {
+std::vector<Mount> FindMountsOfOthers(std::vector<Mount> const& mounts) {
   MountTree const tree(mounts);
-  std::vector<std::string> points;
+  std::vector<Mount> found;
   for (Mount const& mount : mounts) {
     if (mount.point == "/" || !IsServedByOthers(mount.type) || tree.IsHidden(mount)) continue;
-    points.push_back(mount.point);
+    found.push_back(mount);
   }
-  return points;
+  return found;
+}
+
+std::string SubjectOf(std::string const& point, std::uint64_t number) {
+  return point + " " + std::to_string(number);
 }
 
 std::set<std::uint64_t> FindMountsInMemory(std::vector<Mount> const& mounts) {
