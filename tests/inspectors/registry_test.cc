@@ -222,6 +222,7 @@ TEST(Bios, VersionIsWhereNewOrOldMachinesHaveIt) {
 TEST(Bios, VersionComesOfTheFirmwaresTablesToo) {
   RecordedTree tree;
   MachineInUse const use(tree.Machine());
+  EverythingIsGivenBack const check;
   EXPECT_THROW(Version_of(Bios_of_world()), NoSuchObject);
   WriteFirmware(tree);
   EXPECT_EQ(Text(Version_of(Bios_of_world())), "N1MET68W (1.53 )");
