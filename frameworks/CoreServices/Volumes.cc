@@ -26,7 +26,8 @@ UInt32 Fitting(std::uint64_t number) {
 }
 
 UTCDateTime DateOf(std::optional<machine::FileTime> const& time) {
-  return time ? MakeDateTime(*time) : UTCDateTime{};
+  constexpr UTCDateTime kUnknown = {0xFFFF, 0xFFFFFFFF, 0xFFFF};
+  return time ? MakeDateTime(*time) : kUnknown;
 }
 
 void FillBlocks(VolumeFacts const& facts, FSVolumeInfo& info) {
@@ -45,8 +46,8 @@ FSVolumeInfo MakeVolumeInfo(FSVolumeInfoBitmap fields, VolumeFacts const& facts)
   if (is_wanted(kFSVolInfoFileCount)) info.fileCount = Fitting(facts.files.value_or(0));
   if (is_wanted(kFSVolInfoDirCount)) info.folderCount = Fitting(facts.folders.value_or(0));
   if (is_wanted(kFSVolInfoSizes)) {
-    info.totalBytes = facts.total_bytes.value_or(0);
-    info.freeBytes = facts.free_bytes.value_or(0);
+    info.totalBytes = facts.total_bytes.value_or(kFSVolumeUnknownBytes);
+    info.freeBytes = facts.free_bytes.value_or(kFSVolumeUnknownBytes);
   }
   if (is_wanted(kFSVolInfoBlocks)) FillBlocks(facts, info);
   if (is_wanted(kFSVolInfoFlags)) info.flags = facts.flags;

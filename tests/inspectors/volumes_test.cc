@@ -151,7 +151,7 @@ TEST_F(Volumes, RoundPercentagesDown) {
       {1000, 0, "0", "100", "1000", "1000"},
       {3, 3, "100", "0", "3", "0"},
       {3, 1, "33", "66", "3", "2"},
-      {0, 0, "none", "none", "none", "none"},
+      {0, 0, "none", "none", "0", "0"},
       {{}, {}, "none", "none", "none", "none"},
   };
   for (auto const& row : rows) {
