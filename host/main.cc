@@ -7,7 +7,6 @@
 #include "host/directory_refresher.h"
 #include "host/output.h"
 #include "host/session.h"
-#include "machine/directory.h"
 #include "machine/live/worker.h"
 
 namespace {
@@ -34,9 +33,8 @@ ExitStatus Main(int argc, char** argv) {
 // All is written by now. A call that hangs is not waited for, and no destructor runs beside it.
 int End(ExitStatus status) {
   int const code = static_cast<int>(status);
-  bool const is_any_abandoned = machine::live::IsAnyCallAbandoned() ||
-                                machine::HasAbandonedDirectoryQuestions() ||
-                                DirectoryRefresher::IsAnyAbandoned();
+  bool const is_any_abandoned =
+      machine::live::IsAnyCallAbandoned() || DirectoryRefresher::IsAnyAbandoned();
   if (is_any_abandoned) ::_exit(code);
   return code;
 }

@@ -96,8 +96,4 @@ struct DirectorySettings {
 // For all live machines of the process, to be set between evaluations.
 MACHINE_API void SetDirectorySettings(DirectorySettings settings);
 
-// Whether some question was given up whose thread has not ended yet. Who ends the process then uses
-// `_exit`, so that nothing is torn down below that thread.
-MACHINE_API bool HasAbandonedDirectoryQuestions();
-
 }  // namespace machine

@@ -4,6 +4,7 @@
 
 #include "machine/live/directory_entry.h"
 #include "machine/live/directory_filter.h"
+#include "machine/live/worker.h"
 
 namespace machine::live {
 namespace {
@@ -135,9 +136,11 @@ NetworkDirectory::Records NetworkDirectory::Ask(DirectoryQuery const& query,
   auto const question = std::make_shared<Question>(*engine, query, search, settings.settings,
                                                    TakeConnection(settings));
   Clock::time_point const start = Clock::now();
-  bool const is_done =
-      FinishInTime(limit, settings.settings->should_stop,
-                   [question](Patience const& patience) { question->Answer(patience); });
+  auto const patience = std::make_shared<Patience>(limit);
+  bool const is_done = RunWithin(
+      limit, {}, [question, patience] { question->Answer(*patience); },
+      settings.settings->should_stop);
+  if (!is_done) patience->GiveUp();
   Clock::time_point const end = Clock::now();
   bool const has_answer = is_done && question->records;
   if (has_answer) SetSilentUntil({}, settings);

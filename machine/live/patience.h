@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 
 namespace machine::live {
 
@@ -25,13 +24,5 @@ class Patience {
   std::chrono::steady_clock::time_point const end_;
   std::atomic<bool> is_given_up_ = false;
 };
-
-// Does the work on a thread of its own and waits for it, at most as long as the limit and until
-// `should_stop` (null: never) says so; false when it was abandoned then, or no thread could be had.
-// An abandoned thread goes on until it notices: the work owns all that it touches.
-bool FinishInTime(Patience::Time limit, std::function<bool()> const& should_stop,
-                  std::function<void(Patience const&)> work);
-
-bool HasAbandonedWork();
 
 }  // namespace machine::live

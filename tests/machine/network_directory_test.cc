@@ -5,6 +5,7 @@
 #include <chrono>
 #include <thread>
 
+#include "machine/live/worker.h"
 #include "machine/machine.h"
 #include "tests/support/directory_server.h"
 
@@ -261,10 +262,10 @@ TEST_F(NetworkDirectory, IsGivenUpWhenAskedTo) {
   };
   EXPECT_EQ(Find(machine::kUserRecords, {"ann"}, kTokenGroups).outcome(), Outcome::kTimedOut);
   EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(1000));
-  for (int i = 0; i < 200 && machine::HasAbandonedDirectoryQuestions(); ++i) {
+  for (int i = 0; i < 200 && machine::live::IsAnyCallAbandoned(); ++i) {
     std::this_thread::sleep_for(milliseconds(10));
   }
-  EXPECT_FALSE(machine::HasAbandonedDirectoryQuestions());
+  EXPECT_FALSE(machine::live::IsAnyCallAbandoned());
 }
 
 }  // namespace
