@@ -5,13 +5,14 @@ JOBS ?= $(shell nproc)
 BUILD := build/$(PRESET)
 export EXPR
 
-.PHONY: help run test bench sanitize build format clean
+.PHONY: help run test bench sanitize sanitize-thread build format clean
 
 help:
 	@echo 'make run                 answer a showcase of expressions about this machine'
 	@echo "make run EXPR='...'      answer one of your own"
 	@echo 'make test                build everything and run the tests'
 	@echo 'make sanitize            the tests under the address and undefined behaviour sanitizers'
+	@echo 'make sanitize-thread     the tests of what has threads, under the thread sanitizer'
 	@echo 'make bench               run the benchmarks'
 	@echo 'make format              format the sources'
 	@echo 'make clean               remove the build folders'
@@ -35,6 +36,12 @@ sanitize:
 	cmake --preset sanitize
 	cmake --build --preset sanitize --parallel $(JOBS)
 	ctest --preset sanitize --parallel $(JOBS)
+
+sanitize-thread:
+	@scripts/install-dependencies build test sanitize
+	cmake --preset sanitize-thread
+	cmake --build --preset sanitize-thread --parallel $(JOBS) --target host_directory_test
+	build/sanitize-thread/bin/host_directory_test
 
 # The figures are of one program at a time, so nothing runs beside them.
 bench:

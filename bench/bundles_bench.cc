@@ -6,7 +6,6 @@
 #include <chrono>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -154,14 +153,3 @@ void StateByCall(benchmark::State& state) {
 BENCHMARK(StateByCall);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  std::string error;
-  auto const plug_in = gatotu::PlugIn::Load(GATOTU_MODULE, error);
-  if (plug_in == nullptr) {
-    std::cerr << error << '\n';
-    return 1;
-  }
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-}

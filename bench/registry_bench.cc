@@ -6,7 +6,6 @@
 #include <spawn.h>
 #include <sys/wait.h>
 
-#include <iostream>
 #include <string>
 
 #include "evaluator/evaluator.h"
@@ -75,14 +74,3 @@ void VersionOfBios(benchmark::State& state) {
 BENCHMARK(VersionOfBios)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
-
-int main(int argc, char** argv) {
-  std::string error;
-  auto plug_in = gatotu::PlugIn::Load(GATOTU_MODULE, error);
-  if (plug_in == nullptr) {
-    std::cerr << error << '\n';
-    return 1;
-  }
-  benchmark::Initialize(&argc, argv);
-  benchmark::RunSpecifiedBenchmarks();
-}

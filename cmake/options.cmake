@@ -20,6 +20,9 @@ if(GATOTU_SANITIZE)
   target_compile_options(gatotu_options INTERFACE
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer -O1)
   target_link_options(gatotu_options INTERFACE -fsanitize=address,undefined)
+elseif(GATOTU_SANITIZE_THREAD)
+  target_compile_options(gatotu_options INTERFACE -fsanitize=thread -fno-omit-frame-pointer -O1)
+  target_link_options(gatotu_options INTERFACE -fsanitize=thread)
 else()
   target_compile_options(gatotu_options INTERFACE -fstack-protector-strong
     $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)

@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include "host/host_context.h"
 #include "host/property_list_answers.h"
 #include "host/property_list_json.h"
 
@@ -65,7 +66,10 @@ ExitStatus Asker::Ask(std::string_view text) {
   if (compilation.expression != nullptr) {
     status = ExitStatus::kAnswered;
     if (options_.explain) report.explanation = compilation.expression->Explain();
-    if (!options_.explain && !options_.check_only) status = Evaluate(report, *report.expression);
+    if (!options_.explain && !options_.check_only) {
+      status = LetDirectoryAnswer(report, *report.expression) ? Evaluate(report, *report.expression)
+                                                              : ExitStatus::kInterrupted;
+    }
   }
   std::lock_guard lock(writing_);
   writer_.End(report);
@@ -78,6 +82,46 @@ void Asker::Compile(Report& report, Compilation& compilation) {
   report.compile_microseconds = MicrosecondsSince(begin);
   report.expression = compilation.expression.get();
   report.diagnostics = std::move(compilation.diagnostics);
+}
+
+void Asker::TendDirectory() {
+  if (HostContext const* const context = CurrentHostContext()) context->Directory().Tend();
+}
+
+// What an expression asks of the directory is known when it was evaluated, so that comes first, and
+// tells nothing; what comes of it may have it ask for more.
+bool Asker::LetDirectoryAnswer(Report& report, Expression const& expression) {
+  TendDirectory();
+  HostContext const* const context = CurrentHostContext();
+  bool const waits = options_.directory_wait.count() > 0 && context != nullptr &&
+                     context->Directory().Cache() != nullptr;
+  if (!waits) return true;
+  auto const end = Clock::now() + options_.directory_wait;
+  bool is_stopped = false;
+  do {
+    is_stopped = StatusOf(Rehearse(report, expression).outcome) == ExitStatus::kInterrupted;
+  } while (!is_stopped && context->Directory().Await(end, &Watchdog::HasInterrupt));
+  log_.Clear();
+  if (!is_stopped && !Watchdog::HasInterrupt()) return true;
+  report.diagnostics.push_back(StopDiagnostic(report, watchdog_.IsExpired()));
+  return false;
+}
+
+Evaluation Asker::Rehearse(Report& report, Expression const& expression) {
+  EvaluateOptions options;
+  options.time_limit = options_.time_limit;
+  options.evidence = &log_;  // which belongs to what the evaluator keeps
+  {
+    std::lock_guard lock(writing_);
+    current_ = &report;
+  }
+  watchdog_.Begin();
+  Evaluation evaluation = gatotu::Evaluate(
+      expression, [](Value const&) { return true; }, options);
+  watchdog_.End();
+  std::lock_guard lock(writing_);
+  current_ = nullptr;
+  return evaluation;
 }
 
 ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
@@ -133,7 +177,7 @@ void Asker::Abandon() {
     Report report;
     report.text = current_->text;
     report.expression = current_->expression;
-    report.is_evaluated = true;
+    report.is_evaluated = current_->is_evaluated;
     report.compile_microseconds = current_->compile_microseconds;
     report.evaluate_microseconds =
         std::chrono::duration_cast<std::chrono::microseconds>(options_.time_limit).count();

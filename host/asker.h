@@ -18,6 +18,9 @@ struct AskOptions {
   bool evidence = false;
   bool timing = false;
   std::chrono::nanoseconds time_limit = std::chrono::seconds(30);
+  // How long to wait for directory records that an expression needs; 0: what is not there is not
+  // there yet.
+  std::chrono::nanoseconds directory_wait{0};
 };
 
 class Asker {
@@ -26,11 +29,17 @@ class Asker {
   Asker(AskOptions const& options, AnswerWriter& writer, Output const& answers);
 
   ExitStatus Ask(std::string_view text);
+  // Hands out what was asked of the directory; each `Ask` begins with it. For when the next one may
+  // be long in coming.
+  void TendDirectory();
 
  private:
   using Clock = std::chrono::steady_clock;
 
   void Compile(Report& report, Compilation& compilation);
+  // False when it was to stop meanwhile.
+  bool LetDirectoryAnswer(Report& report, Expression const& expression);
+  Evaluation Rehearse(Report& report, Expression const& expression);
   ExitStatus Evaluate(Report& report, Expression const& expression);
   // On the watchdog's thread: says why, and leaves.
   [[noreturn]] void Abandon();

@@ -50,6 +50,7 @@ struct Raw {
   std::optional<std::string> jobs;
   std::string format = "text";
   std::string time_limit = "30s";
+  std::string directory_wait = "0";
   std::string most_bytes, most_file_bytes;
   std::vector<std::string> capture_expressions;
 };
@@ -88,6 +89,10 @@ std::vector<OwnOption> DescribeOwnOptions(CLI::App& app, CommandLine& line, Raw&
                       "end an evaluation after this long (30s, 500ms, 2m; 0: never)")
            ->type_name("DURATION"),
        ask_and_capture},
+      {app.add_option("--wait-for-directory", raw.directory_wait,
+                      "wait at most this long for directory records that were not read yet")
+           ->type_name("DURATION"),
+       ask},
       {app.add_flag("--check", line.ask.check_only, "compile only"), ask},
       {app.add_flag("--explain", line.ask.explain, "show the typed tree instead of evaluating"),
        ask},
@@ -257,6 +262,11 @@ std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
   auto const limit = ParseDuration(raw.time_limit);
   if (!limit) return Refuse("--time-limit: " + raw.time_limit + " is not a duration such as 30s");
   line.ask.time_limit = *limit;
+  auto const wait = ParseDuration(raw.directory_wait);
+  if (!wait) {
+    return Refuse("--wait-for-directory: " + raw.directory_wait + " is not a duration such as 30s");
+  }
+  line.ask.directory_wait = *wait;
   if (auto refusal = TakeMachines(line, raw)) return refusal;
   if (auto refusal = TakeSize("--limit-bytes", raw.most_bytes, line.capture.most_bytes)) {
     return refusal;

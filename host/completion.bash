@@ -14,7 +14,8 @@ _gatotu() {
     *)
       case $current in
         -*) COMPREPLY=($(compgen -W $'--check\n--evidence\n--explain\n--file\n--for\n--format\n--help\n--jobs
---limit-bytes\n--limit-file-bytes\n--machine\n--machines\n--plug-in\n--redact\n--setting\n--time-limit\n--timing\n--type\n--user\n--verify\n--version\n--with-files' -- "$current")) ;;
+--limit-bytes\n--limit-file-bytes\n--machine\n--machines\n--plug-in\n--redact\n--setting\n--time-limit\n--timing
+--type\n--user\n--verify\n--version\n--wait-for-directory\n--with-files' -- "$current")) ;;
         *)
           if [ "$COMP_CWORD" -eq 1 ]; then
             COMPREPLY=($(compgen -W $'capture\nvocabulary' -- "$current"))

@@ -41,9 +41,16 @@ class Conversation {
     return status != ExitStatus::kInterrupted && !answers_.IsBroken();
   }
 
+  // Before waiting for the next expression.
+  bool AskAndTend(std::string_view expression) {
+    bool const goes_on = Ask(expression);
+    if (goes_on) asker_.TendDirectory();
+    return goes_on;
+  }
+
   void AskAllOf(std::string const& file) {
     ExitStatus const read =
-        AskFile(file, [this](std::string_view expression) { return Ask(expression); });
+        AskFile(file, [this](std::string_view expression) { return AskAndTend(expression); });
     status_ = Worse(status_, read);
   }
 
@@ -55,7 +62,7 @@ class Conversation {
       Show(kPrompt);
       switch (lines.Next(line)) {
         case ExpressionLines::Result::kLine:
-          if (!IsIdleLine(line)) Ask(line);
+          if (!IsIdleLine(line)) AskAndTend(line);
           if (answers_.IsBroken()) return;
           break;
         case ExpressionLines::Result::kInterrupted:

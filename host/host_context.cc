@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "evaluator/plugin/entry_points.h"
+
 namespace gatotu::host {
 namespace {
 
@@ -18,6 +20,30 @@ CFPreferenceSettingIterator HostSettingStore::FindItem(ConstData section, ConstD
 
 SettingStore<CFPreferenceSettingIterator>& HostContext::StoreOf(InspectorSettingsContext& context) {
   return static_cast<HostContext&>(context).store_;
+}
+
+bool HostContext::AreLookupsEnabled() const { return directory_.Options().is_enabled; }
+
+std::uint32_t HostContext::ComputerRefreshInterval() const {
+  return directory_.Options().computer_interval;
+}
+
+std::uint32_t HostContext::UserRefreshInterval() const {
+  return directory_.Options().user_interval;
+}
+
+bool HostContext::FindComputerCache(FileLocation& out) const {
+  DirectoryCache const* const cache = directory_.Cache();
+  return cache != nullptr && cache->FindComputerFile(out);
+}
+
+bool HostContext::FindUserCache(std::string const& user_name, FileLocation& out) const {
+  DirectoryCache const* const cache = directory_.Cache();
+  return cache != nullptr && cache->FindUserFile(user_name, out);
+}
+
+HostContext* CurrentHostContext() {
+  return dynamic_cast<HostContext*>(Get_Generic_Inspector_Context());
 }
 
 void AssignDefaults(Settings& settings) {

@@ -4,6 +4,7 @@
 #include <exception>
 
 #include "host/command_line.h"
+#include "host/directory_refresher.h"
 #include "host/output.h"
 #include "host/session.h"
 #include "machine/live/worker.h"
@@ -32,7 +33,9 @@ ExitStatus Main(int argc, char** argv) {
 // All is written by now. A call that hangs is not waited for, and no destructor runs beside it.
 int End(ExitStatus status) {
   int const code = static_cast<int>(status);
-  if (machine::live::IsAnyCallAbandoned()) ::_exit(code);
+  bool const is_any_abandoned =
+      machine::live::IsAnyCallAbandoned() || DirectoryRefresher::IsAnyAbandoned();
+  if (is_any_abandoned) ::_exit(code);
   return code;
 }
 

@@ -54,6 +54,8 @@ ExitStatus Answer(CommandLine const& line, std::shared_ptr<machine::Machine cons
 ExitStatus Run(CommandLine const& line) {
   Settings settings;
   if (auto const failure = ReadSettings(line, settings)) return Refuse(*failure);
+  auto const directory = ReadDirectoryOptions(settings);
+  if (auto const* failure = std::get_if<std::string>(&directory)) return Refuse(*failure);
   std::shared_ptr<machine::Machine const> machine;
   // Several are put in use each in its own process.
   if (!line.several.IsAsked()) {
@@ -66,8 +68,10 @@ ExitStatus Run(CommandLine const& line) {
     machine::SetCurrentMachine(machine);
   }
 
-  HostContext context(settings);
+  // The context ends first, and with it the thread that reads directory records.
   PlugIns plug_ins;
+  HostContext context(settings, std::get<DirectoryOptions>(directory),
+                      line.machine == "live" ? machine.get() : nullptr);
   if (ExitStatus const status = LoadVocabularies(line, plug_ins); status != ExitStatus::kAnswered) {
     return status;
   }

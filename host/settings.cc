@@ -20,8 +20,16 @@ std::string_view Trim(std::string_view text) {
   return text.substr(begin, text.find_last_not_of(kBlank) - begin + 1);
 }
 
-// The reason when reading failed; an absent file is an empty one.
-std::optional<std::string> ReadWholeFile(std::string const& path, std::string& content) {
+// The text of a value; nothing when its quotes do not match.
+std::optional<std::string_view> ValueOf(std::string_view text) {
+  if (text.empty() || text.front() != '"') return text;
+  if (text.size() < 2 || text.find('"', 1) != text.size() - 1) return std::nullopt;
+  return text.substr(1, text.size() - 2);
+}
+
+}  // namespace
+
+std::optional<std::string> ReadSmallFile(std::string const& path, std::string& content) {
   // Not blocking, so that a pipe in the place of a settings file does not hold up the command.
   int const file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
   if (file < 0) {
@@ -42,15 +50,6 @@ std::optional<std::string> ReadWholeFile(std::string const& path, std::string& c
   ::close(file);
   return failure;
 }
-
-// The text of a value; nothing when its quotes do not match.
-std::optional<std::string_view> ValueOf(std::string_view text) {
-  if (text.empty() || text.front() != '"') return text;
-  if (text.size() < 2 || text.find('"', 1) != text.size() - 1) return std::nullopt;
-  return text.substr(1, text.size() - 2);
-}
-
-}  // namespace
 
 std::string const* Settings::Find(std::string_view section, std::string_view name) const {
   auto const found = std::find_if(items_.begin(), items_.end(), [&](Item const& item) {
@@ -104,7 +103,7 @@ std::optional<std::string> Settings::ReadText(std::string_view text, std::string
 
 std::optional<std::string> Settings::ReadFile(std::string const& path) {
   std::string content;
-  if (auto const failure = ReadWholeFile(path, content)) return path + ": " + *failure;
+  if (auto const failure = ReadSmallFile(path, content)) return path + ": " + *failure;
   return ReadText(content, path);
 }
 

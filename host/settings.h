@@ -38,6 +38,9 @@ class Settings {
   std::vector<Item> items_;
 };
 
+// The reason when reading failed; an absent file is an empty one, and 1 MiB the largest.
+std::optional<std::string> ReadSmallFile(std::string const& path, std::string& content);
+
 // The files that hold settings, in the order in which they are read.
 std::vector<std::string> SettingsFiles();
 

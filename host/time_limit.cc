@@ -11,6 +11,7 @@
 #include <cstdint>
 
 #include "evaluator/evaluator.h"
+#include "machine/live/signals_blocked.h"
 
 namespace gatotu::host {
 namespace {
@@ -85,13 +86,10 @@ std::optional<nanoseconds> ParseDuration(std::string_view text) {
 Watchdog::Watchdog(nanoseconds limit, std::function<void()> leave)
     : limit_(limit), leave_(std::move(leave)) {
   wake_descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
-  // The thread takes no signals: they are for the evaluating one, whose reads they end.
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  ::pthread_sigmask(SIG_SETMASK, &all, &before);
-  thread_ = std::thread([this] { Watch(); });
-  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+  {
+    machine::live::SignalsBlocked const blocked;
+    thread_ = std::thread([this] { Watch(); });
+  }
   Catch(SIGINT, OnInterrupt);
 }
 
@@ -113,6 +111,8 @@ void Watchdog::Begin() {
 void Watchdog::End() { begun_ = 0; }
 
 bool Watchdog::TakeInterrupt() { return interrupted.exchange(false); }
+
+bool Watchdog::HasInterrupt() { return interrupted; }
 
 void Watchdog::Watch() {
   while (!stopping_) WaitForWake(Step());

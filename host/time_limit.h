@@ -34,6 +34,8 @@ class Watchdog {
   bool HasAskedToStop() const { return has_asked_; }
   // Whether the user interrupted since the last call.
   static bool TakeInterrupt();
+  // The same, and leaves it to be taken.
+  static bool HasInterrupt();
 
  private:
   using Clock = std::chrono::steady_clock;

@@ -85,7 +85,8 @@ struct DirectorySettings {
   std::string bind_name, bind_password;
   // For tests: a simple bind without TLS where the server is this machine.
   bool allows_clear_loopback = false;
-  // Of one question, however many requests it takes.
+  // Of one question, however many requests it takes. A server that let it pass is not asked again
+  // for as long: questions are absent as timed out at once then.
   std::chrono::milliseconds time_limit{10'000};
   // Asked again and again while a question is on its way, on the thread that asks it; with true the
   // question is given up, and is absent as timed out.
@@ -94,9 +95,5 @@ struct DirectorySettings {
 
 // For all live machines of the process, to be set between evaluations.
 MACHINE_API void SetDirectorySettings(DirectorySettings settings);
-
-// Whether some question was given up whose thread has not ended yet. Who ends the process then uses
-// `_exit`, so that nothing is torn down below that thread.
-MACHINE_API bool HasAbandonedDirectoryQuestions();
 
 }  // namespace machine

@@ -1,6 +1,8 @@
 #include <CoreServices/Volumes.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstring>
 
 #include "frameworks/CoreServices/catalog_info.h"
@@ -24,7 +26,8 @@ UInt32 Fitting(std::uint64_t number) {
 }
 
 UTCDateTime DateOf(std::optional<machine::FileTime> const& time) {
-  return time ? MakeDateTime(*time) : UTCDateTime{};
+  constexpr UTCDateTime kUnknown = {0xFFFF, 0xFFFFFFFF, 0xFFFF};
+  return time ? MakeDateTime(*time) : kUnknown;
 }
 
 void FillBlocks(VolumeFacts const& facts, FSVolumeInfo& info) {
@@ -43,18 +46,32 @@ FSVolumeInfo MakeVolumeInfo(FSVolumeInfoBitmap fields, VolumeFacts const& facts)
   if (is_wanted(kFSVolInfoFileCount)) info.fileCount = Fitting(facts.files.value_or(0));
   if (is_wanted(kFSVolInfoDirCount)) info.folderCount = Fitting(facts.folders.value_or(0));
   if (is_wanted(kFSVolInfoSizes)) {
-    info.totalBytes = facts.total_bytes.value_or(0);
-    info.freeBytes = facts.free_bytes.value_or(0);
+    info.totalBytes = facts.total_bytes.value_or(kFSVolumeUnknownBytes);
+    info.freeBytes = facts.free_bytes.value_or(kFSVolumeUnknownBytes);
   }
   if (is_wanted(kFSVolInfoBlocks)) FillBlocks(facts, info);
   if (is_wanted(kFSVolInfoFlags)) info.flags = facts.flags;
   return info;
 }
 
-OSErr CodeOfVolume(machine::Absence const& absence, std::string const& path) {
-  bool const is_gone =
+// The volume itself may be well: this process has no room left, or a capture holds nonsense.
+bool IsFailureOfOurs(machine::Absence const& absence) {
+  constexpr std::array<int, 3> kNoRoom = {EMFILE, ENFILE, ENOMEM};
+  if (absence.error == 0) return absence.reason == Outcome::kMalformed;
+  return std::find(kNoRoom.begin(), kNoRoom.end(), absence.error) != kNoRoom.end();
+}
+
+bool IsGone(machine::Absence const& absence) {
+  bool const is_missing =
       absence.reason == Outcome::kAbsent || absence.reason == Outcome::kNotSupported;
-  return is_gone ? OSErr{nsvErr} : CodeOf(absence, path);
+  return absence.error == ENOENT || (absence.error == 0 && is_missing);
+}
+
+// One that is on the list and tells nothing is mounted all the same, be its server dead or its
+// folder closed to this user, and it must not be the end of the list.
+OSErr CodeOfVolume(machine::Absence const& absence, NumberedVolume const& volume, bool is_listed) {
+  if (IsFailureOfOurs(absence)) return CodeOf(absence, volume.volume.mount_point);
+  return IsGone(absence) && !is_listed ? OSErr{nsvErr} : OSErr{noErr};
 }
 
 // The root folder as it was seen already, for looking again may hang.
@@ -84,10 +101,10 @@ OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex, FSVolumeRefN
   if (!found) return nsvErr;
   std::string const& path = found->volume.mount_point;
   Fact<VolumeFacts> const facts = machine::CurrentMachine().Volumes().FactsOf(found->volume);
-  // One that does not answer in time is mounted all the same. What only it knows is left empty, and
-  // it is not asked for more.
-  bool const is_silent = facts.outcome() == Outcome::kTimedOut;
-  if (!facts && !is_silent) return CodeOfVolume(facts.absence(), path);
+  if (!facts) {
+    OSErr const code = CodeOfVolume(facts.absence(), *found, volumeIndex != 0);
+    if (code != noErr) return code;
+  }
   if (info != nullptr) *info = MakeVolumeInfo(whichInfo, facts ? *facts : VolumeFacts());
   if (actualVolume != nullptr) *actualVolume = found->number;
   if (volumeName != nullptr) *volumeName = UnicodeName(found->volume.name);

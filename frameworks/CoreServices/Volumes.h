@@ -28,6 +28,10 @@ enum : FSVolumeInfoBitmap {
 };
 enum : UInt16 { kFSVolFlagSoftwareLockedMask = 0x8000, kFSVolFlagHardwareLockedMask = 0x0080 };
 
+// Instead of bytes that are not known. A date that is not known lies beyond what 32 bits of seconds
+// hold.
+inline constexpr UInt64 kFSVolumeUnknownBytes = 0xFFFFFFFFFFFFFFFF;
+
 struct FSVolumeInfo {
   UTCDateTime createDate;    // of the root folder
   UTCDateTime modifiedDate;  // of the root folder
@@ -53,8 +57,9 @@ struct FSVolumeInfo {
 };
 
 // A volume by its place in the list, 1 for the first, or with `volumeIndex` 0 by its reference
-// number, which is also that of the items on it. `nsvErr` for none such; `ioErr` for one that does
-// not answer in time. The root folder is all zeros where it is not to be reached.
+// number, which is also that of the items on it. `nsvErr` for none such. Of one that does not
+// answer, or not this user, there is a name and a number, and nothing else is known. The root
+// folder is all zeros where it is not to be reached.
 CF_EXPORT OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount volumeIndex,
                                 FSVolumeRefNum* actualVolume, FSVolumeInfoBitmap whichInfo,
                                 FSVolumeInfo* info, HFSUniStr255* volumeName, FSRef* rootDirectory);

@@ -87,6 +87,11 @@ tDirStatus TakeRecords(Search const& search, OpenNode& node, OpenNode::Kept ques
 
 // What does not fit is kept for the next call.
 tDirStatus HandOut(Search const& search, OpenNode& node, OpenNode::Kept taken) {
+  // Whoever asks again with a little more each time is not made to wait for attempts.
+  if (search.buffer->fBufferSize < taken.needed_size) {
+    node.kept = std::move(taken);
+    return eDSBufferTooSmall;
+  }
   Records& records = taken.records;
   AnswerWriter writer(*search.buffer, Content::kRecords);
   while (!records.empty() && writer.Append(records.front(), search.has_values)) {
@@ -94,6 +99,7 @@ tDirStatus HandOut(Search const& search, OpenNode& node, OpenNode::Kept taken) {
   }
   bool const is_continued = search.context != nullptr && *search.context != nullptr;
   if (!records.empty() && writer.count() == 0) {
+    taken.needed_size = writer.needed_size();
     if (is_continued) node.continued[NumberOf(*search.context)] = std::move(records);
     if (!is_continued) node.kept = std::move(taken);
     return eDSBufferTooSmall;
@@ -119,7 +125,8 @@ tDirStatus Run(Search const& search, DirectoryQuery pattern) {
                                                    : StringsOf(*search.attributes);
   std::size_t const limit = *search.count;
   pattern.limit = limit;
-  OpenNode::Kept question = {{}, machine::CurrentMachineNumber(), {}};
+  OpenNode::Kept question;
+  question.machine = machine::CurrentMachineNumber();
   for (std::string& type : StringsOf(*search.types)) {
     question.queries.push_back(pattern);
     question.queries.back().type = std::move(type);

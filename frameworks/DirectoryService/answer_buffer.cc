@@ -72,6 +72,7 @@ AnswerWriter::AnswerWriter(tDataBuffer& buffer, Content content) : buffer_(buffe
 
 void AnswerWriter::PutNumber(std::size_t number) {
   auto const value = static_cast<UInt32>(number);
+  needed_ += sizeof value;
   std::size_t const left = buffer_.fBufferSize - buffer_.fBufferLength;
   if (left < sizeof value || number > UINT32_MAX) is_full_ = true;
   if (is_full_) return;
@@ -82,6 +83,7 @@ void AnswerWriter::PutNumber(std::size_t number) {
 
 void AnswerWriter::PutText(std::string_view text) {
   PutNumber(text.size());
+  needed_ += text.size();
   if (buffer_.fBufferSize - buffer_.fBufferLength < text.size()) is_full_ = true;
   if (is_full_) return;
   std::memcpy(reinterpret_cast<char*>(&buffer_) + kData + buffer_.fBufferLength, text.data(),

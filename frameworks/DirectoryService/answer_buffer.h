@@ -4,6 +4,7 @@
 
 #include <DirectoryService/DirServicesTypes.h>
 
+#include <cstddef>
 #include <optional>
 #include <string_view>
 #include <vector>
@@ -22,6 +23,8 @@ class AnswerWriter {
   bool Append(std::string_view node_name);
   bool Append(machine::DirectoryRecord const& record, bool has_values);
   UInt32 count() const { return count_; }
+  // How large the buffer has to be for all that was appended and what did not fit.
+  std::size_t needed_size() const { return needed_; }
 
  private:
   void PutNumber(std::size_t number);
@@ -30,6 +33,7 @@ class AnswerWriter {
 
   tDataBuffer& buffer_;
   UInt32 count_ = 0;
+  std::size_t needed_ = 0;
   bool is_full_ = false;
 };
 

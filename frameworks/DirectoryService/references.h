@@ -30,6 +30,7 @@ struct OpenNode {
     std::vector<machine::DirectoryQuery> queries;
     std::uint64_t machine = 0;
     Records records;
+    std::size_t needed_size = 0;  // of a buffer
   };
   Kept kept;
 };

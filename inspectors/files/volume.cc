@@ -96,47 +96,38 @@ inspector_string name_of(VolumeLink const& volume) {
 
 namespace {
 
-// With sizes that are known.
-FSVolumeInfo const& Sized(VolumeLink const& volume) {
-  FSVolumeInfo const& info = volume.Info().Info();
-  if (info.totalBytes == 0) throw NoSuchObject();
-  return info;
+UInt64 Known(UInt64 bytes) {
+  if (bytes == kFSVolumeUnknownBytes) throw NoSuchObject();
+  return bytes;
 }
 
-integer Percent(UInt64 bytes, FSVolumeInfo const& info) {
-  return static_cast<integer>(bytes * 100 / info.totalBytes);
+UInt64 TotalBytes(VolumeLink const& volume) { return Known(volume.Info().Info().totalBytes); }
+UInt64 FreeBytes(VolumeLink const& volume) { return Known(volume.Info().Info().freeBytes); }
+UInt64 UsedBytes(VolumeLink const& volume) { return TotalBytes(volume) - FreeBytes(volume); }
+
+integer PercentOf(VolumeLink const& volume, UInt64 bytes) {
+  UInt64 const total = TotalBytes(volume);
+  if (total == 0) throw NoSuchObject();
+  return static_cast<integer>(bytes * 100 / total);
 }
 
-// All zeros stand for a date that the volume does not keep.
 moment MomentOf(UTCDateTime const& date) {
-  if (date.highSeconds == 0 && date.lowSeconds == 0 && date.fraction == 0) throw NoSuchObject();
   return january_1_1904_Local() + integer{VolInfo::DateToSeconds(date)} * second_of();
 }
 
 }  // namespace
 
 integer total_space_of(VolumeLink const& volume) {
-  return static_cast<integer>(Sized(volume).totalBytes);
+  return static_cast<integer>(TotalBytes(volume));
 }
 
-integer free_space_of(VolumeLink const& volume) {
-  return static_cast<integer>(Sized(volume).freeBytes);
-}
+integer free_space_of(VolumeLink const& volume) { return static_cast<integer>(FreeBytes(volume)); }
 
-integer used_space_of(VolumeLink const& volume) {
-  FSVolumeInfo const& info = Sized(volume);
-  return static_cast<integer>(info.totalBytes - info.freeBytes);
-}
+integer used_space_of(VolumeLink const& volume) { return static_cast<integer>(UsedBytes(volume)); }
 
-integer percent_free_of(VolumeLink const& volume) {
-  FSVolumeInfo const& info = Sized(volume);
-  return Percent(info.freeBytes, info);
-}
+integer percent_free_of(VolumeLink const& volume) { return PercentOf(volume, FreeBytes(volume)); }
 
-integer percent_used_of(VolumeLink const& volume) {
-  FSVolumeInfo const& info = Sized(volume);
-  return Percent(info.totalBytes - info.freeBytes, info);
-}
+integer percent_used_of(VolumeLink const& volume) { return PercentOf(volume, UsedBytes(volume)); }
 
 integer files_of(VolumeLink const& volume) { return volume.Info().Info().fileCount; }
 

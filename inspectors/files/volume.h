@@ -85,13 +85,12 @@ bool operator==(VolumeLink const& a, VolumeLink const& b);
 // UTF-8.
 inspector_string name_of(VolumeLink const& volume);
 
-// In bytes. A volume in use has some: a total of 0 says that the sizes are not known, and then
-// these and the percentages are `NoSuchObject`.
+// In bytes; `NoSuchObject` where the volume does not tell them.
 integer total_space_of(VolumeLink const& volume);
 integer free_space_of(VolumeLink const& volume);
 integer used_space_of(VolumeLink const& volume);
 
-// Rounded down, both, so that together they may be 99.
+// Rounded down, both, so that together they may be 99. Of a total of 0 there is no part.
 integer percent_free_of(VolumeLink const& volume);
 integer percent_used_of(VolumeLink const& volume);
 

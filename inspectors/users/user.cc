@@ -1,10 +1,9 @@
 #include "inspectors/users/user.h"
 
-#include "evaluator/plugin/entry_points.h"
 #include "evaluator/plugin/exceptions.h"
 #include "frame/inspector_strings.h"
 #include "frame/registration.h"
-#include "inspectors/activedirectory/directory/active_directory_inspector_context.h"
+#include "inspectors/activedirectory/active_directory_server.h"
 
 namespace {
 
@@ -78,10 +77,9 @@ folder user_home_dir(user const& user) {
 }
 
 ActiveDirectoryLocalUser named_ad_user(user const& user) {
-  auto const* const context =
-      dynamic_cast<ActiveDirectoryInspectorContext const*>(Get_Generic_Inspector_Context());
   ActiveDirectoryLocalUser found;
-  bool const is_found = GetActiveDirectoryUser(context, user.Name(), found);
+  bool const is_found =
+      ActiveDirectoryServer::The().GetLocalUser(CurrentDirectoryContext(), user.Name(), found);
   if (!is_found || found.GetDistinguishedName().empty()) throw NoSuchObject();
   return found;
 }
@@ -106,7 +104,7 @@ Type<user, kNoFingerprinting> user_type;
 Type<user_attribute, kNoFingerprinting> user_attribute_type;
 IteratedGlobalProperty<user_iterator, user> users("user", "users", nullptr);
 IteratedGlobalProperty<user_iterator, user> local_users("local user", "local users", nullptr);
-NamedGlobalProperty<user> user_by_name("user", "", named_user, nullptr);
+NamedGlobalProperty<user> user_by_name("user", nullptr, named_user, nullptr);
 Property<user, inspector_string> name("name", "names", user_name, nullptr);
 Property<user, inspector_string> id("id", "ids", user_id, nullptr);
 Property<user, inspector_string> primary_group_id("primary group id", "primary group ids",

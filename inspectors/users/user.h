@@ -8,8 +8,10 @@
 #include "evaluator/plugin/type_name.h"
 #include "evaluator/plugin/values.h"
 #include "inspectors/activedirectory/directory/active_directory_local_user.h"
-#include "inspectors/users/directory_lookup.h"
+#include "inspectors/activedirectory/directory/record_lookup.h"
 #include "portable_inspectors/filesystem_object.h"
+
+inline constexpr char kUsersRecordType[] = "dsRecTypeStandard:Users";
 
 struct user_attribute {
   std::string key;  // the attribute's directory name
@@ -77,6 +79,7 @@ inspector_string user_name(user const& user);
 inspector_string user_id(user const& user);
 inspector_string user_primary_group_id(user const& user);
 folder user_home_dir(user const& user);
+// The record that the host has of the local user of that name, once it was read.
 ActiveDirectoryLocalUser named_ad_user(user const& user);
 user_attribute named_attribute(unsigned char const* name, unsigned long length, user const& user);
 

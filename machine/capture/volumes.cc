@@ -44,6 +44,12 @@ Fact<std::uint64_t> NumberIn(Field const& field) {
   return field.exists() ? field.Unsigned(UINT64_MAX) : Fact<std::uint64_t>(std::uint64_t{0});
 }
 
+// Where mounts have no numbers, items are found by it, and then no "/" may stand at its end.
+std::string WithoutEndingSlash(std::string path) {
+  while (path.size() > 1 && path.ends_with('/')) path.pop_back();
+  return path;
+}
+
 Fact<Volume> VolumeIn(Field const& field) {
   Fact<std::string> const name = field[kName].Text();
   if (!name) return name.absence();
@@ -54,7 +60,7 @@ Fact<Volume> VolumeIn(Field const& field) {
   Fact<std::uint64_t> const mount = NumberIn(field[kMount]), device = NumberIn(field[kDevice]);
   if (!mount) return mount.absence();
   if (!device) return device.absence();
-  Volume volume = {*name, *point, *mount, *device, {}};
+  Volume volume = {*name, WithoutEndingSlash(*point), *mount, *device, {}};
   for (Field const& other : field[kOtherMounts].Items()) {
     Fact<std::uint64_t> const number = other.Unsigned(UINT64_MAX);
     if (!number) return number.absence();

@@ -44,6 +44,9 @@ class LdapConnection {
   virtual bool is_usable() const = 0;
   virtual Fact<std::vector<LdapEntry>> Search(LdapSearch const& search,
                                               Patience const& patience) = 0;
+
+  // Where the server itself says to search, kept here by who asked it.
+  std::string default_base;
 };
 
 class LdapEngine {

@@ -4,6 +4,7 @@
 
 #include "machine/live/directory_entry.h"
 #include "machine/live/directory_filter.h"
+#include "machine/live/worker.h"
 
 namespace machine::live {
 namespace {
@@ -69,12 +70,13 @@ class Question {
   Fact<std::string> Base(Patience const& patience) {
     if (!settings_->base.empty()) return settings_->base;
     if (!connection_->configured_base().empty()) return connection_->configured_base();
+    if (!connection_->default_base.empty()) return connection_->default_base;
     constexpr char kBase[] = "defaultNamingContext";
     Entries const root = connection_->Search(SearchOfEntry({}, {kBase}), patience);
     if (!root) return root.absence();
     for (LdapEntry const& entry : *root) {
       for (auto const& [name, values] : entry.attributes) {
-        if (EqualIgnoringCase(name, kBase)) return values.front();
+        if (EqualIgnoringCase(name, kBase)) return connection_->default_base = values.front();
       }
     }
     return Absence{Outcome::kAbsent, server, "no base is configured and the server tells none"};
@@ -109,23 +111,9 @@ Fact<Done> NetworkDirectory::Offer(DirectoryQuery const& query, NumberedSettings
   bool const counts_every_record =
       answer.is_empty() && !RequestsNative(query) && query.match == DirectoryMatch::kIgnoringCase;
   if (counts_every_record) search->limit = query.limit;
-  LdapEngine* const engine = LoadLdapEngine();
-  if (engine == nullptr) {
-    return AnnounceAbsence(Outcome::kNotSupported, "LDAP", "the library cannot be loaded");
-  }
-  auto const question = std::make_shared<Question>(*engine, query, *search, settings.settings,
-                                                   TakeConnection(settings.number));
-  bool const is_done =
-      FinishInTime(settings.settings->time_limit, settings.settings->should_stop,
-                   [question](Patience const& patience) { question->Answer(patience); });
-  if (!is_done) {
-    return AnnounceAbsence(Outcome::kTimedOut, SourceName({}, *search), "no answer in time");
-  }
-  KeepConnection(question->TakeConnection(), settings.number);
-  std::string const source = SourceName(question->server, *search);
-  Announce(source, question->records.outcome());
-  if (!question->records) return question->records.absence();
-  for (DirectoryRecord& record : question->records.value()) {
+  Records records = Ask(query, *search, settings);
+  if (!records) return records.absence();
+  for (DirectoryRecord& record : records.value()) {
     bool const has_name = query.match == DirectoryMatch::kIgnoringCase ||
                           query.attribute != kRecordName || query.type == kComputerRecords ||
                           Matches(record, query);
@@ -134,17 +122,63 @@ Fact<Done> NetworkDirectory::Offer(DirectoryQuery const& query, NumberedSettings
   return Done{};
 }
 
-std::unique_ptr<LdapConnection> NetworkDirectory::TakeConnection(std::uint64_t settings) const {
+NetworkDirectory::Records NetworkDirectory::Ask(DirectoryQuery const& query,
+                                                LdapSearch const& search,
+                                                NumberedSettings const& settings) const {
+  if (IsSilent(settings)) {
+    return AnnounceAbsence(Outcome::kTimedOut, SourceName({}, search), "silent a moment ago");
+  }
+  LdapEngine* const engine = LoadLdapEngine();
+  if (engine == nullptr) {
+    return AnnounceAbsence(Outcome::kNotSupported, "LDAP", "the library cannot be loaded");
+  }
+  auto const limit = settings.settings->time_limit;
+  auto const question = std::make_shared<Question>(*engine, query, search, settings.settings,
+                                                   TakeConnection(settings));
+  Clock::time_point const start = Clock::now();
+  auto const patience = std::make_shared<Patience>(limit);
+  bool const is_done = RunWithin(
+      limit, {}, [question, patience] { question->Answer(*patience); },
+      settings.settings->should_stop);
+  if (!is_done) patience->GiveUp();
+  Clock::time_point const end = Clock::now();
+  bool const has_answer = is_done && question->records;
+  if (has_answer) SetSilentUntil({}, settings);
+  if (!has_answer && end - start >= limit) SetSilentUntil(end + limit, settings);
+  if (!is_done) {
+    return AnnounceAbsence(Outcome::kTimedOut, SourceName({}, search), "no answer in time");
+  }
+  KeepConnection(question->TakeConnection(), settings);
+  Announce(SourceName(question->server, search), question->records.outcome());
+  return std::move(question->records);
+}
+
+bool NetworkDirectory::IsSilent(NumberedSettings const& settings) const {
   std::lock_guard lock(guard_);
-  if (connected_with_ != settings) connection_.reset();
-  return std::move(connection_);
+  return Clock::now() < KnownWith(settings).silent_until;
+}
+
+void NetworkDirectory::SetSilentUntil(Clock::time_point time,
+                                      NumberedSettings const& settings) const {
+  std::lock_guard lock(guard_);
+  KnownWith(settings).silent_until = time;
+}
+
+std::unique_ptr<LdapConnection> NetworkDirectory::TakeConnection(
+    NumberedSettings const& settings) const {
+  std::lock_guard lock(guard_);
+  return std::move(KnownWith(settings).connection);
 }
 
 void NetworkDirectory::KeepConnection(std::unique_ptr<LdapConnection> connection,
-                                      std::uint64_t settings) const {
+                                      NumberedSettings const& settings) const {
   std::lock_guard lock(guard_);
-  connection_ = std::move(connection);
-  connected_with_ = settings;
+  KnownWith(settings).connection = std::move(connection);
+}
+
+NetworkDirectory::Known& NetworkDirectory::KnownWith(NumberedSettings const& settings) const {
+  if (known_.settings != settings.number) known_ = {settings.number, nullptr, {}};
+  return known_;
 }
 
 }  // namespace machine::live

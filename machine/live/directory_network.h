@@ -1,9 +1,11 @@
 // The node of the network's directory, over LDAP.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <mutex>
 #include <string>
+#include <vector>
 
 #include "machine/directory_records.h"
 #include "machine/files.h"
@@ -22,7 +24,9 @@ NumberedSettings CurrentDirectorySettings();
 // Whether a server is configured, without loading the LDAP library.
 bool IsNetworkDirectoryConfigured(Root const& root, DirectorySettings const& settings);
 
-// Keeps one connection between questions.
+// Keeps one connection between questions. A server that let a question run out of time is not asked
+// again for as long, unless the settings change: an account of 1,000 groups would wait for it with
+// each of them.
 class NetworkDirectory {
  public:
   // Offers what the node has, or says why it has nothing.
@@ -30,12 +34,28 @@ class NetworkDirectory {
                    DirectoryAnswer& answer) const;
 
  private:
-  std::unique_ptr<LdapConnection> TakeConnection(std::uint64_t settings) const;
-  void KeepConnection(std::unique_ptr<LdapConnection> connection, std::uint64_t settings) const;
+  using Clock = std::chrono::steady_clock;
+  using Records = Fact<std::vector<DirectoryRecord>>;
+
+  // Of the server that the settings of this number lead to.
+  struct Known {
+    std::uint64_t settings = 0;
+    std::unique_ptr<LdapConnection> connection;
+    Clock::time_point silent_until;
+  };
+
+  Records Ask(DirectoryQuery const& query, LdapSearch const& search,
+              NumberedSettings const& settings) const;
+  bool IsSilent(NumberedSettings const& settings) const;
+  void SetSilentUntil(Clock::time_point time, NumberedSettings const& settings) const;
+  std::unique_ptr<LdapConnection> TakeConnection(NumberedSettings const& settings) const;
+  void KeepConnection(std::unique_ptr<LdapConnection> connection,
+                      NumberedSettings const& settings) const;
+  // To be called and used under the guard.
+  Known& KnownWith(NumberedSettings const& settings) const;
 
   mutable std::mutex guard_;
-  mutable std::unique_ptr<LdapConnection> connection_;
-  mutable std::uint64_t connected_with_ = 0;
+  mutable Known known_;
 };
 
 }  // namespace machine::live

@@ -56,8 +56,6 @@ void SetDirectorySettings(DirectorySettings settings) {
   TheKept().settings = {std::move(next), TheKept().settings.number + 1};
 }
 
-bool HasAbandonedDirectoryQuestions() { return live::HasAbandonedWork(); }
-
 namespace live {
 
 NumberedSettings CurrentDirectorySettings() {

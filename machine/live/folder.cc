@@ -60,6 +60,7 @@ class LiveFolder final : public Folder {
              ItemStatus const& status)
       : root_(root), folder_(std::move(folder)), path_(std::move(path)), status_(status) {
     SpellPlainPath();
+    may_hold_silent_mounts_ = root_.MayHoldSilentMounts(*path_);
   }
 
   ItemStatus const& Status() const override { return status_; }
@@ -79,6 +80,9 @@ class LiveFolder final : public Folder {
   bool Fill();
   bool FindCompanions();
   bool Look(dirent64 const& entry, Detail detail);
+  bool IsSilent(char const* name) const {
+    return may_hold_silent_mounts_ && root_.IsSilent(PathIn(path_->Text(), name));
+  }
   bool IsCompanion(char const* name) const;
   Absence Failure() const {
     int const error = errno;
@@ -89,6 +93,7 @@ class LiveFolder final : public Folder {
   FileDescriptor folder_;
   std::shared_ptr<FolderPath> path_;
   ItemStatus status_;
+  bool may_hold_silent_mounts_ = false;
   std::string plain_path_;  // of the entry looked at
   std::size_t plain_start_ = 0;
 
@@ -192,7 +197,7 @@ bool LiveFolder::Look(dirent64 const& entry, Detail detail) {
   if (detail == Detail::kKind && entry.d_type != DT_UNKNOWN) return true;
   bool const is_heard = CurrentSourceObserver() != nullptr;
   std::string const path = is_heard ? PathIn(path_->Text(), name) : std::string();
-  if (!ReadStatus(folder_.number(), name, status)) {
+  if (IsSilent(name) || !ReadStatus(folder_.number(), name, status)) {
     Announce(path, OutcomeOf(errno));
     return false;
   }
@@ -236,6 +241,7 @@ Fact<std::unique_ptr<Folder>> LiveFolder::OpenFolder(std::string_view name) {
   auto path = std::make_shared<FolderPath>(path_, name);
   std::string const& text = path->Name();
   if (!IsEntryName(text)) return AnnounceError(EINVAL, path->Text());
+  if (IsSilent(text.c_str())) return AnnounceError(errno, path->Text());
   constexpr int kFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
   FileDescriptor folder(::openat(folder_.number(), text.c_str(), kFlags));
   return MakeFolder(root_, std::move(folder), std::move(path));

@@ -3,7 +3,6 @@
 
 #include <atomic>
 #include <chrono>
-#include <functional>
 
 namespace machine::live {
 
@@ -13,9 +12,9 @@ class Patience {
 
   explicit Patience(Time limit) : end_(std::chrono::steady_clock::now() + limit) {}
 
-  // Never negative.
+  // Never negative. Rounded up, so that who waits for so long does not come back before the end.
   Time Left() const {
-    auto const left = std::chrono::duration_cast<Time>(end_ - std::chrono::steady_clock::now());
+    auto const left = std::chrono::ceil<Time>(end_ - std::chrono::steady_clock::now());
     return is_given_up_ || left < Time::zero() ? Time::zero() : left;
   }
   bool is_over() const { return Left() == Time::zero(); }
@@ -25,13 +24,5 @@ class Patience {
   std::chrono::steady_clock::time_point const end_;
   std::atomic<bool> is_given_up_ = false;
 };
-
-// Does the work on a thread of its own and waits for it, at most as long as the limit and until
-// `should_stop` (null: never) says so; false when it was abandoned then, or no thread could be had.
-// An abandoned thread goes on until it notices: the work owns all that it touches.
-bool FinishInTime(Patience::Time limit, std::function<bool()> const& should_stop,
-                  std::function<void(Patience const&)> work);
-
-bool HasAbandonedWork();
 
 }  // namespace machine::live

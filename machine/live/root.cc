@@ -10,6 +10,7 @@
 #include <cstring>
 
 #include "machine/live/folder_entries.h"
+#include "machine/live/silent_mounts.h"
 #include "machine/live/text.h"
 
 namespace machine::live {
@@ -77,9 +78,22 @@ Absence AnnounceError(int error, std::string source, std::string where) {
 }
 
 Root::Root(std::string folder) : is_running_(folder == "/") {
-  if (!is_running_) {
+  if (is_running_) {
+    silent_mounts_ = std::make_shared<SilentMounts>();
+  } else {
     folder_ = FileDescriptor(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   }
+}
+
+bool Root::MayHoldSilentMounts(FolderPath const& folder) const {
+  return is_running_ && silent_mounts_->MayLieIn(folder, *this);
+}
+
+bool Root::IsSilent(std::string_view path) const {
+  if (!is_running_ || !silent_mounts_->AreOnTheWayTo(path, *this)) [[likely]]
+    return false;
+  errno = ETIMEDOUT;
+  return true;
 }
 
 namespace {
@@ -165,7 +179,7 @@ FileDescriptor Root::OpenLong(std::string const& path) const {
 }
 
 FileDescriptor Root::OpenItem(std::string const& path) const {
-  if (HasNul(path)) return {};
+  if (HasNul(path) || IsSilent(path)) return {};
   if (path.size() >= PATH_MAX) return OpenLong(path);
   if (is_running_) return FileDescriptor(::open(path.c_str(), O_PATH | O_CLOEXEC));
   return OpenConfined(folder_.number(), Relative(path), RESOLVE_IN_ROOT);
@@ -179,7 +193,7 @@ FileDescriptor Root::OpenItemItself(std::string const& path) const {
 
 // A last ".." is part of the walk that the kernel keeps within the root, never a name in the end.
 Place Root::Locate(std::string const& path) const {
-  if (HasNul(path)) return {};
+  if (HasNul(path) || IsSilent(path)) return {};
   auto const [parent, name] = Split(path);
   if (is_running_ && path.size() < PATH_MAX) {
     return {FileDescriptor(), std::string(parent) + std::string(name)};
@@ -206,7 +220,7 @@ std::string Root::PathOf(FileDescriptor const& item) const {
 
 bool Root::IsCanonicalFolder(std::string const& path) const {
   if (path == "/") return true;
-  if (!path.starts_with('/')) return false;
+  if (!path.starts_with('/') || IsSilent(path)) return false;
   for (char const* odd : {"//", "/./", "/../"}) {
     if ((path + "/").find(odd) != std::string::npos) return false;
   }
@@ -225,7 +239,7 @@ FileDescriptor Root::OpenFile(std::string const& path) const {
 }
 
 FileDescriptor Root::OpenFolder(std::string const& path) const {
-  if (HasNul(path)) return {};
+  if (HasNul(path) || IsSilent(path)) return {};
   if (is_running_ && path.size() < PATH_MAX) {
     return FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
   }

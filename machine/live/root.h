@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,9 @@
 #include "machine/file_descriptor.h"
 
 namespace machine::live {
+
+class FolderPath;
+class SilentMounts;
 
 // An item as the system's calls can name it: a name without "/" in an open folder, or, on the
 // running machine, its path with no folder at all.
@@ -53,7 +57,8 @@ class Root {
   // What tells one state of a file from another: device, inode, size and time of change.
   Fact<std::string> IdentityOf(std::string const& path) const;
 
-  // The rest is not announced. On failure closed, with `errno` set.
+  // The rest is not announced. On failure closed, with `errno` set: ETIMEDOUT for what lies on a
+  // mount that does not answer, which is then not touched.
 
   // What the whole path leads to, links followed, for looking only (O_PATH).
   FileDescriptor OpenItem(std::string const& path) const;
@@ -66,6 +71,10 @@ class Root {
   bool IsCanonicalFolder(std::string const& path) const;
 
   FileDescriptor OpenFolder(std::string const& path) const;
+  // Whether mounts that may not answer lie right in a folder.
+  bool MayHoldSilentMounts(FolderPath const& folder) const;
+  // Whether a path leads to a mount that does not answer, with `errno` set then.
+  bool IsSilent(std::string_view path) const;
   // A regular file by a path relative to an open folder of this root, which it may not leave.
   FileDescriptor OpenFileIn(int folder, char const* relative_path) const;
 
@@ -74,7 +83,8 @@ class Root {
   FileDescriptor OpenLong(std::string const& path) const;
 
   bool is_running_;
-  FileDescriptor folder_;  // open unless running
+  FileDescriptor folder_;                        // open unless running
+  std::shared_ptr<SilentMounts> silent_mounts_;  // of the running machine
 };
 
 // For looking only, by a path from an open folder, as the kernel's RESOLVE_ flags say (openat2).

@@ -5,29 +5,15 @@
 #include <sys/statvfs.h>
 
 #include <cerrno>
-#include <chrono>
 
 #include "machine/library_beside.h"
 #include "machine/live/item.h"
+#include "machine/live/silent_mounts.h"
 #include "machine/live/volumes_labels.h"
 #include "machine/live/worker.h"
 
 namespace machine::live {
 namespace {
-
-constexpr char kMountTable[] = "/proc/self/mountinfo";
-constexpr std::chrono::seconds kPatience{2};
-
-Fact<std::vector<Mount>> ParseMounts(std::string const& table) {
-  static auto const read_mounts =
-      reinterpret_cast<MountReader>(OpenLibraryBeside("libFrameworksMounts.so", kMountReaderName));
-  if (read_mounts == nullptr) {
-    return AnnounceAbsence(Outcome::kNotSupported, "libFrameworksMounts.so");
-  }
-  std::vector<Mount> mounts;
-  read_mounts(table, mounts);
-  return mounts;
-}
 
 Volume RootVolume() { return {"System", "/", 0, 0, {}}; }
 
@@ -99,6 +85,17 @@ void AnnounceNotKept(Volume const& volume, char const* what) {
 
 }  // namespace
 
+Fact<std::vector<Mount>> ParseMounts(std::string const& table) {
+  static auto const read_mounts =
+      reinterpret_cast<MountReader>(OpenLibraryBeside("libFrameworksMounts.so", kMountReaderName));
+  if (read_mounts == nullptr) {
+    return AnnounceAbsence(Outcome::kNotSupported, "libFrameworksMounts.so");
+  }
+  std::vector<Mount> mounts;
+  read_mounts(table, mounts);
+  return mounts;
+}
+
 bool MountedVolumes::HasChanged() const {
   if (kept_ == nullptr) return true;
   pollfd table = {table_.number(), POLLPRI, 0};
@@ -158,7 +155,8 @@ Fact<VolumeFacts> MountedVolumes::FactsOf(Volume const& volume) const {
     return LookAt(FileDescriptor(::open(path.c_str(), O_PATH | O_CLOEXEC)));
   };
   std::optional<Look> const look =
-      AnswersFromMemory(volume) ? std::optional(ask()) : AskWithin(kPatience, path, ask);
+      AnswersFromMemory(volume) ? std::optional(ask())
+                                : AskWithin(kMountPatience, SubjectOf(path, volume.mount), ask);
   if (!look) return AnnounceAbsence(Outcome::kTimedOut, path);
   if (look->error != 0) return AnnounceError(look->error, path, "volume");
   if (!IsOf(volume, look->root)) return AnnounceAbsence(Outcome::kAbsent, path, "not mounted");

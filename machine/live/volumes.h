@@ -5,6 +5,7 @@
 #include <mutex>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "machine/live/root.h"
@@ -44,6 +45,21 @@ class MountedVolumes final : public VolumeSource {
 // The volumes among mounts: of each file system the first mount of all of it that can be reached
 // and that this process may look into.
 std::vector<Volume> SelectVolumes(std::vector<Mount> const& mounts, Root const& root);
+
+inline constexpr char kMountTable[] = "/proc/self/mountinfo";
+
+// Of the table's text, as the kernel writes it.
+Fact<std::vector<Mount>> ParseMounts(std::string const& table);
+
+// Whether file systems of a type have a server, on a network or in a process.
+bool IsServedByOthers(std::string_view type);
+
+// Such mounts that can be reached. The root is left out: nothing runs without it.
+std::vector<Mount> FindMountsOfOthers(std::vector<Mount> const& mounts);
+
+// What calls on a mount go by at the worker: one that hangs is no reason to mistrust another mount
+// in the same place.
+std::string SubjectOf(std::string const& point, std::uint64_t number);
 
 // The mounts that answer from memory, and everything that lies on the way to them.
 std::set<std::uint64_t> FindMountsInMemory(std::vector<Mount> const& mounts);

@@ -101,6 +101,11 @@ class Selection {
 constexpr std::array<std::string_view, 10> kInMemory = {
     "devtmpfs", "ext2", "ext3", "ext4", "proc", "ramfs", "squashfs", "sysfs", "tmpfs", "xfs"};
 
+// Besides all that begin with "fuse".
+constexpr std::array<std::string_view, 17> kServedByOthers = {
+    "9p",  "afs",  "beegfs", "ceph",     "cifs",  "coda", "gfs2",   "lustre",  "ncpfs",
+    "nfs", "nfs4", "ocfs2",  "orangefs", "pvfs2", "smb3", "vboxsf", "virtiofs"};
+
 }  // namespace
 
 std::vector<Volume> SelectVolumes(std::vector<Mount> const& mounts, Root const& root) {
@@ -114,6 +119,25 @@ std::vector<Volume> SelectVolumes(std::vector<Mount> const& mounts, Root const& 
   }
   for (Mount const& mount : mounts) selection.AddOtherMount(mount);
   return selection.Take();
+}
+
+bool IsServedByOthers(std::string_view type) {
+  if (type.starts_with("fuse")) return type != "fusectl";
+  return std::binary_search(kServedByOthers.begin(), kServedByOthers.end(), type);
+}
+
+std::vector<Mount> FindMountsOfOthers(std::vector<Mount> const& mounts) {
+  MountTree const tree(mounts);
+  std::vector<Mount> found;
+  for (Mount const& mount : mounts) {
+    if (mount.point == "/" || !IsServedByOthers(mount.type) || tree.IsHidden(mount)) continue;
+    found.push_back(mount);
+  }
+  return found;
+}
+
+std::string SubjectOf(std::string const& point, std::uint64_t number) {
+  return point + " " + std::to_string(number);
 }
 
 std::set<std::uint64_t> FindMountsInMemory(std::vector<Mount> const& mounts) {

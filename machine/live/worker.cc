@@ -1,7 +1,6 @@
 #include "machine/live/worker.h"
 
 #include <dlfcn.h>
-#include <signal.h>
 
 #include <condition_variable>
 #include <mutex>
@@ -9,6 +8,7 @@
 #include <system_error>
 #include <thread>
 
+#include "machine/live/signals_blocked.h"
 #include "machine/never_destroyed.h"
 
 namespace machine::live {
@@ -54,24 +54,37 @@ struct Run {
 
 void Work(std::shared_ptr<Run> const& run) {
   run->call();
+  run->call = nullptr;  // what it owns ends before anybody hears that it is done
   std::lock_guard lock(run->guard);
   run->is_done = true;
   if (run->is_abandoned) AbandonedCalls::Shared().Remove(run->subject);
   run->has_ended.notify_one();
 }
 
-// Signals are for the threads of the program, whose calls they are to interrupt.
+// None where none can be had.
 std::thread StartThread(std::shared_ptr<Run> const& run) {
-  sigset_t all, before;
-  ::sigfillset(&all);
-  ::pthread_sigmask(SIG_SETMASK, &all, &before);
-  std::thread thread;
+  SignalsBlocked const blocked;
   try {
-    thread = std::thread(Work, run);
+    return std::thread(Work, run);
   } catch (std::system_error const&) {
+    return {};
   }
-  ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-  return thread;
+}
+
+// Whether it is done; the lock is held before and after.
+bool Wait(Run& run, std::unique_lock<std::mutex>& lock, std::chrono::nanoseconds limit,
+          std::function<bool()> const& should_stop) {
+  constexpr std::chrono::milliseconds kBetweenStops{10};
+  auto const is_done = [&run] { return run.is_done; };
+  if (!should_stop) return run.has_ended.wait_for(lock, limit, is_done);
+  auto const end = std::chrono::steady_clock::now() + limit;
+  while (!run.has_ended.wait_for(lock, kBetweenStops, is_done)) {
+    lock.unlock();
+    bool const is_over = std::chrono::steady_clock::now() >= end || should_stop();
+    lock.lock();
+    if (is_over) return run.is_done;
+  }
+  return true;
 }
 
 // A thread comes back to this code some time, so the code must stay where it is.
@@ -85,8 +98,8 @@ void StayLoaded() {
 }  // namespace
 
 bool RunWithin(std::chrono::nanoseconds limit, std::string const& subject,
-               std::function<void()> call) {
-  if (AbandonedCalls::Shared().Has(subject)) return false;
+               std::function<void()> call, std::function<bool()> const& should_stop) {
+  if (!subject.empty() && AbandonedCalls::Shared().Has(subject)) return false;
   auto const run = std::make_shared<Run>();
   run->subject = subject;
   run->call = std::move(call);
@@ -97,7 +110,7 @@ bool RunWithin(std::chrono::nanoseconds limit, std::string const& subject,
     return true;
   }
   std::unique_lock lock(run->guard);
-  if (run->has_ended.wait_for(lock, limit, [&] { return run->is_done; })) {
+  if (Wait(*run, lock, limit, should_stop)) {
     lock.unlock();
     thread.join();
     return true;

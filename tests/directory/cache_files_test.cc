@@ -3,42 +3,11 @@
 
 #include <functional>
 
-#include "inspectors/activedirectory/directory/active_directory_inspector_context.h"
 #include "inspectors/activedirectory/directory/active_directory_local_computer.h"
 #include "inspectors/activedirectory/directory/active_directory_local_user.h"
-#include "tests/portable/temporary_folder.h"
+#include "tests/directory/folder_context.h"
 
 namespace {
-
-// Keeps the computer's record, and those of users whose names are names of files.
-class FolderContext : public ActiveDirectoryInspectorContext {
- public:
-  explicit FolderContext(TemporaryFolder const& folder) : folder_(folder) {}
-
-  bool keeps_computer = true;
-
-  bool AreLookupsEnabled() const override { return true; }
-  std::uint32_t ComputerRefreshInterval() const override { return 0; }
-  std::uint32_t UserRefreshInterval() const override { return 0; }
-  bool FindComputerCache(FileLocation& out) const override {
-    if (keeps_computer) out = folder_.At("computer.xml");
-    return keeps_computer;
-  }
-  bool FindUserCache(std::string const& user_name, FileLocation& out) const override {
-    if (user_name.empty() || user_name.find('/') != std::string::npos) return false;
-    out = folder_.At("user-" + user_name);
-    return true;
-  }
-  ActiveDirectoryLocalComputer* LocalComputer() const override { return nullptr; }
-  ActiveDirectoryLocalUser* LocalUser(std::string const&, std::string const&) const override {
-    return nullptr;
-  }
-  ActiveDirectoryLocalUser* LocalUserAt(std::uint32_t) const override { return nullptr; }
-  bool ShouldStop() const override { return false; }
-
- private:
-  TemporaryFolder const& folder_;
-};
 
 class CacheFiles : public testing::Test {
  protected:

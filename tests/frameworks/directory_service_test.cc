@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "frameworks/DirectoryService/references.h"
-#include "machine/directory_records.h"
 #include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_records.h"
 
 namespace {
 
@@ -17,32 +17,6 @@ using machine::Outcome;
 using testing::ElementsAre;
 
 constexpr char kSids[] = "dsAttrTypeNative:tokenGroups";
-
-class ScriptedDirectory final : public machine::DirectorySource {
- public:
-  machine::Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override {
-    last = query;
-    ++calls;
-    if (failure) return machine::Absence{*failure, "script", {}};
-    machine::DirectoryAnswer answer(query);
-    for (DirectoryRecord const& record : records) {
-      if (Matches(record, query)) answer.Offer(record);
-    }
-    return answer.Take();
-  }
-
-  void Add(std::string name, std::vector<std::string> sids) {
-    DirectoryRecord& record = records.emplace_back();
-    record.type = kDSStdRecordTypeUsers;
-    record.name = name;
-    record.attributes = {{kDSNAttrRecordName, {name}}, {kSids, std::move(sids)}};
-  }
-
-  std::vector<DirectoryRecord> records;
-  std::optional<Outcome> failure;
-  mutable DirectoryQuery last;
-  mutable int calls = 0;
-};
 
 struct FreeList {
   void operator()(tDataListPtr list) const {
@@ -128,7 +102,7 @@ class DirectoryService : public testing::Test {
     return status;
   }
 
-  std::shared_ptr<ScriptedDirectory> directory = std::make_shared<ScriptedDirectory>();
+  std::shared_ptr<ScriptedRecords> directory = std::make_shared<ScriptedRecords>();
   std::shared_ptr<ScriptedMachine> machine = std::make_shared<ScriptedMachine>();
   MachineInUse in_use{machine};
   tDirReference service = 0;

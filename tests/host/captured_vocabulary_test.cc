@@ -59,7 +59,8 @@ class Questions {
   void Add(nlohmann::json const& property, std::string const& of, int depth) {
     std::string const singular = property["singular"], result = property["result"];
     // Walks through whole trees are for those who ask for them.
-    if (singular == "descendant" || singular.starts_with("find ")) return;
+    std::set<std::string> const walks = {"application", "descendant"};
+    if (walks.contains(singular) || singular.starts_with("find ")) return;
     std::string parameter;
     if (property["parameter"] != "") {
       auto const sample = kSamples.find(singular);
@@ -103,7 +104,7 @@ Answers AnswersOf(std::string const& machine, std::set<std::string> const& expre
   for (std::string const& line : Lines(run.output)) {
     auto const answer = nlohmann::json::parse(line);
     std::string const error = answer.contains("error") ? answer["error"]["code"] : "";
-    answers[answer["expression"]] = {answer["values"], error};
+    answers[answer["expression"]] = {answer.value("values", nlohmann::json::array()), error};
   }
   EXPECT_EQ(answers.size(), expressions.size()) << run.errors.substr(0, 1000);
   return answers;

@@ -32,6 +32,8 @@ TEST(LiveMachine, AgreesWithOtherPrograms) {
   std::string const self = std::to_string(::getpid());
   EXPECT_EQ(Answer("name of process " + self), Shell("ps -o comm= -p " + self));
   EXPECT_EQ(Answer("exists processes whose (pid of it = " + self + ")"), "true\n");
+  EXPECT_EQ(Answer("(name of it, id of it, primary group id of it) of users"),
+            Shell("getent passwd | awk -F: '{ print $1 \", \" $3 \", \" $4 }'"));
 }
 
 TEST(LiveMachine, MemoryIsAboutWhatTheKernelReports) {

@@ -12,9 +12,9 @@
 
 #include "inspectors/files/application.h"
 #include "tests/inspectors/asking.h"
-#include "tests/inspectors/scripted_directory.h"
 #include "tests/machine/recorded_tree.h"
 #include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_records.h"
 
 namespace {
 
@@ -166,26 +166,23 @@ class MachineApplications : public Applications {
   MachineApplications() {
     auto const live = tree_.Machine();
     machine_->files = std::shared_ptr<machine::FileSource const>(live, &live->Files());
+    machine_->directory = directory_;
     SetSeconds(0);
     Install("/Applications/Tools/Example.app");
     Install("/home/a/Applications/Own.app");
     Install("/home/z/Applications/Last.app");
     for (char const* home : {"/home/a", "/", "home/a", "/home/a/", "/home/none", "/home/z"}) {
-      AddUser(home)["dsAttrTypeStandard:NFSHomeDirectory"] = {home};
+      directory_->Add(kUsersRecordType, home, {{"dsAttrTypeStandard:NFSHomeDirectory", {home}}});
     }
-    AddUser("without home");
+    directory_->Add("without home", {});
   }
   ~MachineApplications() override { RecordingEvaluator::Instance().on_check = nullptr; }
 
-  ODRecord& AddUser(std::string const& name) {
-    directory_.AddUser(name, "501");
-    return directory_.users[name];
-  }
   void Install(std::string const& path) { tree_.Write(path + "/Contents/PkgInfo", "APPL????"); }
   void Remove(std::string const& path) { std::filesystem::remove_all(tree_.At(path)); }
   void SetSeconds(std::int64_t seconds) { machine_->microseconds = seconds * 1'000'000; }
 
-  ScriptedDirectory directory_;
+  std::shared_ptr<ScriptedRecords> directory_ = std::make_shared<ScriptedRecords>();
   std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
   MachineInUse const use_{machine_};
 };
@@ -234,7 +231,7 @@ TEST_F(MachineApplications, AreFoundByTheirExactName) {
   for (char const* name : {"example.app", "Example", ""}) {
     EXPECT_THROW(ask(name), NoSuchObject) << name;
   }
-  directory_.fails = true;
+  directory_->failure = machine::Outcome::kTimedOut;
   SetSeconds(1000);
   EXPECT_THAT(NamesOf(), UnorderedElementsAre("Example.app"));
 }

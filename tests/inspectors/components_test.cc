@@ -1,5 +1,4 @@
 #include <CoreServices/CoreServices.h>
-#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -9,36 +8,45 @@
 
 #include "evaluator/plugin/exceptions.h"
 #include "inspectors/system/component.h"
+#include "tests/support/real_function.h"
 #include "tests/support/recording_evaluator.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
 
-int live_handles = 0;
+int live_handles = 0, open_components = 0;
 bool refuses_handles = false, refuses_to_resize = false;
-
-template <typename Function>
-Function* Real(char const* name) {
-  return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
 
 }  // namespace
 
 // In front of the real ones for the whole program, the frameworks included.
 Handle NewHandle(Size size) {
-  Handle const handle = refuses_handles ? nullptr : Real<Handle(Size)>("NewHandle")(size);
+  Handle const handle = refuses_handles ? nullptr : RealFunction<Handle(Size)>("NewHandle")(size);
   if (handle != nullptr) ++live_handles;
   return handle;
 }
 
 void DisposeHandle(Handle handle) {
   --live_handles;
-  Real<void(Handle)>("DisposeHandle")(handle);
+  RealFunction<void(Handle)>("DisposeHandle")(handle);
 }
 
 void SetHandleSize(Handle handle, Size size) {
   constexpr Size kNever = -1;
-  Real<void(Handle, Size)>("SetHandleSize")(handle, refuses_to_resize ? kNever : size);
+  RealFunction<void(Handle, Size)>("SetHandleSize")(handle, refuses_to_resize ? kNever : size);
+}
+
+ComponentInstance OpenComponent(Component component) {
+  auto const instance = RealFunction<ComponentInstance(Component)>("OpenComponent")(component);
+  if (instance != 0) ++open_components;
+  return instance;
+}
+
+OSErr CloseComponent(ComponentInstance instance) {
+  OSErr const status = RealFunction<OSErr(ComponentInstance)>("CloseComponent")(instance);
+  EXPECT_EQ(status, noErr);
+  --open_components;
+  return status;
 }
 
 namespace {
@@ -138,6 +146,7 @@ TEST_F(Components, VersionsAreTwoWholeNumbers) {
   }
   EXPECT_THROW(version_of(second_), NoSuchObject);
   EXPECT_THROW(version_of(none_), NoSuchObject);
+  EXPECT_EQ(open_components, 0);
 }
 
 TEST_F(Components, AreRegisteredInTheirOrder) {

@@ -70,6 +70,7 @@ TEST(PropertyList, ConvertsEachKindOfValueToItsOwnTypeOnly) {
     OSXArray const array(static_cast<CFArrayRef>(array_object.get()));
     OSXDictionary const dictionary(static_cast<CFDictionaryRef>(dictionary_object.get()));
     OSXValue const value(CFArrayGetValueAtIndex(array.Array(), 0));
+    CFIndex const held = CFGetRetainCount(value.Object());
     integer const index = 0;
     std::string const key = "k";
     inspector_string const name = Name(key);
@@ -84,6 +85,9 @@ TEST(PropertyList, ConvertsEachKindOfValueToItsOwnTypeOnly) {
       if (phrase == "data" || phrase == "cstring") continue;
       EXPECT_EQ(Convert(phrase, "array", &array, &index), expected) << phrase;
     }
+    EXPECT_EQ(CFGetRetainCount(value.Object()), held);
+    EXPECT_EQ(CFGetRetainCount(array.Array()), 2);
+    EXPECT_EQ(CFGetRetainCount(dictionary.Dictionary()), 2);
   }
 }
 

@@ -30,21 +30,25 @@ TEST(Registrations, FewDependOnTheirParametersAlone) {
   for (RecordedRegistration const& each : Own()) {
     if (each.Text().ends_with(" DOP")) kept.push_back(each.name + " of " + each.object);
   }
-  EXPECT_THAT(kept, testing::UnorderedElementsAre(
-                        "registry of ", "string of dummy type", "computer of ", "ram of ",
-                        "main processor of ", "family name of processor", "type of processor",
-                        "string of bios", "operating system of ", "name of operating system",
-                        "version of operating system", "windows of operating system",
-                        "unix of operating system", "mac of operating system"));
+  EXPECT_THAT(
+      kept,
+      testing::UnorderedElementsAre(
+          "registry of ", "string of dummy type", "computer of ", "ram of ", "main processor of ",
+          "family name of processor", "type of processor", "string of bios", "operating system of ",
+          "name of operating system", "version of operating system", "windows of operating system",
+          "unix of operating system", "mac of operating system", "string of user attribute",
+          "string of security identifier", "6 of security identifier"));
 }
 
 TEST(Registrations, PluralsEndInSButForThese) {
-  std::map<std::string, std::string> const others = {{"alias", "aliases"},
+  std::map<std::string, std::string> const others = {{"active directory", "active directories"},
+                                                     {"alias", "aliases"},
                                                      {"bios", "bioses"},
                                                      {"country", "countries"},
                                                      {"dictionary", "dictionaries"},
                                                      {"entry", "entries"},
                                                      {"global dictionary", "global dictionaries"},
+                                                     {"home directory", "home directories"},
                                                      {"iokit registry", "iokit registries"},
                                                      {"isochronous", "isochronouses"},
                                                      {"local dictionary", "local dictionaries"},
@@ -60,8 +64,9 @@ TEST(Registrations, PluralsEndInSButForThese) {
     if (!each.call.ends_with("Property")) continue;
     auto const other = others.find(each.name);
     std::string plural = other != others.end() ? other->second : each.name + "s";
-    // One has no plural, and one is spelt so in expressions that exist.
+    // Two have no plural, and one is spelt so in expressions that exist.
     if (each.name == "dictionary" && each.object == "registryroot") plural = "(null)";
+    if (each.name == "user" && !each.parameter.empty()) plural = "(null)";
     if (each.name == "cstring" && each.object == "osxvalue") plural = "csrings";
     EXPECT_EQ(each.plural, plural) << "of " << each.object;
     ++count;
@@ -82,13 +87,12 @@ TEST(Registrations, EnableableFilesAreFiles) {
   ASSERT_NE(type, nullptr);
 }
 
-// What can be asked of each type, by how it is found: plain, "by string", "by integer" or "all".
-// The types that are not here are asked by their phrases elsewhere.
-TEST(Registrations, OfPropertyListsAndPaths) {
-  std::map<std::string, std::set<std::string>> found;
-  std::set<std::string> const types = {"array", "dictionary", "dictionaryentry", "osxvalue",
-                                       "filesystem object"};
-  std::set<std::string> const of_world = {"file type", "file signature", "bundle", "preference"};
+using Set = std::set<std::string>;
+
+// What can be asked of each of the types, and of the world for one of the others, by how it is
+// found: plain, "by string", "by integer", "all" or "cast".
+std::map<std::string, Set> Found(Set const& types, Set const& of_world) {
+  std::map<std::string, Set> found;
   for (RecordedRegistration const& each : Own()) {
     bool const is_of_world = each.object.empty() && of_world.contains(each.result);
     if (each.call == "Type" || !(is_of_world || types.contains(each.object))) continue;
@@ -97,7 +101,13 @@ TEST(Registrations, OfPropertyListsAndPaths) {
     if (each.call == "Cast") how = " cast";
     EXPECT_TRUE(found[each.object].insert(each.name + how + ": " + each.result).second);
   }
-  using Set = std::set<std::string>;
+  return found;
+}
+
+// The types that are not here and below are asked by their phrases elsewhere.
+TEST(Registrations, OfPropertyListsAndPaths) {
+  auto found = Found({"array", "dictionary", "dictionaryentry", "osxvalue", "filesystem object"},
+                     {"file type", "file signature", "bundle", "preference"});
   EXPECT_EQ(found[""],
             (Set{"file type by string: file type", "file signature by string: file signature",
                  "bundle by string: bundle", "preference by string: preference"}));
@@ -117,6 +127,43 @@ TEST(Registrations, OfPropertyListsAndPaths) {
   EXPECT_EQ(found["osxvalue"], (Set{"type: string", "data: string", "string: string",
                                     "cstring: string", "boolean: boolean", "integer: integer",
                                     "array: array", "dictionary: dictionary", "date: time"}));
+}
+
+TEST(Registrations, OfUsersAndTheirDirectory) {
+  std::string const server = "active directory server",
+                    computer = "active directory local computer",
+                    user = "active directory local user", group = "active directory group",
+                    identifier = "security identifier";
+  auto found =
+      Found({"user", "user attribute", "logged on user", server, computer, user, group, identifier},
+            {"user", "logged on user", server});
+  EXPECT_EQ(found[""], (Set{"user all: user", "local user all: user", "user by string: user",
+                            "logged on user all: logged on user", "current user: logged on user",
+                            "active directory: " + server}));
+  EXPECT_EQ(found["user"],
+            (Set{"name: string", "id: string", "primary group id: string", "home directory: folder",
+                 "active directory user: " + user, "attribute by string: user attribute",
+                 "attribute all: user attribute"}));
+  EXPECT_EQ(found["user attribute"], (Set{"key: string", "value: string", "string cast: string"}));
+  EXPECT_EQ(found["logged on user"],
+            (Set{"active: boolean", "remote: boolean", "user: user", "session id: string"}));
+  EXPECT_EQ(found[server], (Set{"local computer: " + computer, "local user by string: " + user,
+                                "local user all: " + user, "logged on user by string: " + user,
+                                "logged on user all: " + user}));
+  Set const of_record = {"distinguished name: string", "distinguished name error message: string",
+                         "sample time: time"};
+  auto const with = [&of_record](Set more) {
+    more.insert(of_record.begin(), of_record.end());
+    return more;
+  };
+  Set const of_account =
+      with({"groups error message: string", "group by string: " + group, "group all: " + group});
+  EXPECT_EQ(found[computer], of_account);
+  found[computer].insert("name: string");
+  EXPECT_EQ(found[user], found[computer]);
+  EXPECT_EQ(found[group], with({"name: string", "sid: " + identifier}));
+  EXPECT_EQ(found[identifier], (Set{"component string: string", "string cast: string",
+                                    "6 by " + identifier + ": boolean"}));
 }
 
 }  // namespace

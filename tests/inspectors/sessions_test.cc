@@ -8,10 +8,11 @@
 #include <vector>
 
 #include "evaluator/plugin/exceptions.h"
+#include "inspectors/activedirectory/directory/directory_errors.h"
 #include "inspectors/users/logged_on_user.h"
-#include "tests/inspectors/scripted_directory.h"
-#include "tests/support/recording_evaluator.h"
+#include "tests/inspectors/asking.h"
 #include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_records.h"
 
 namespace {
 
@@ -43,6 +44,7 @@ std::vector<std::string> TextsOf(std::list<SessionInfo> const& sessions) {
 
 class Sessions : public testing::Test {
  protected:
+  Sessions() { machine_->directory = directory_; }
   ~Sessions() override { SessionInfo::Shutdown(); }
 
   void Publish(RecordArray sessions, Entries console = {}) {
@@ -51,8 +53,8 @@ class Sessions : public testing::Test {
   }
   void PublishTwoUsers() {
     Publish({Session(300, 502, "ben"), Session(257, 501, "ann")}, {{"Name", std::string("ben")}});
-    directory_.AddUser("ann", "501");
-    directory_.AddUser("ben", "502");
+    directory_->Add(kUsersRecordType, "ann", {{"dsAttrTypeStandard:UniqueID", {"501"}}});
+    directory_->Add(kUsersRecordType, "ben", {{"dsAttrTypeStandard:UniqueID", {"502"}}});
   }
   std::vector<std::string> Refreshed() {
     EXPECT_TRUE(SessionInfo::Initialize());
@@ -62,7 +64,7 @@ class Sessions : public testing::Test {
 
   std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
   MachineInUse use_{machine_};
-  ScriptedDirectory directory_;
+  std::shared_ptr<ScriptedRecords> directory_ = std::make_shared<ScriptedRecords>();
 };
 
 TEST_F(Sessions, ComeInTheOrderOfTheirNumbers) {
@@ -204,9 +206,9 @@ TEST_F(Sessions, EachUserIsLoggedOnOnceASession) {
 
 TEST_F(Sessions, AUserWithoutARecordIsTheDirectorysFailure) {
   PublishTwoUsers();
-  directory_.users.clear();
-  EXPECT_THROW(LoggedOnUsers().First(), DirectoryFailed);
-  EXPECT_THROW(CurrentUser(), DirectoryFailed);
+  directory_->records.clear();
+  EXPECT_THROW(LoggedOnUsers().First(), DSGetRecordListFailed);
+  EXPECT_THROW(CurrentUser(), DSGetRecordListFailed);
 }
 
 TEST_F(Sessions, TheCurrentUserIsTheOneInFrontOfTheConsole) {
@@ -229,14 +231,13 @@ TEST_F(Sessions, TheCurrentUserIsTheOneInFrontOfTheConsole) {
 }
 
 TEST_F(Sessions, TheirTextIsOneByteOfTheirNumber) {
-  directory_.AddUser("ann", "501");
+  directory_->Add("ann", {});
   std::pair<std::int64_t, std::string> const cases[] = {
       {257, "\x01"}, {256, ""}, {65, "A"}, {-1, "\xFF"}};
   for (auto const& [id, expected] : cases) {
     Publish({Session(id, 501, "ann")});
     logged_on_user const ann = LoggedOnUsers().First();
-    inspector_string const text = LoggedOnUserSessionID(ann);
-    EXPECT_EQ(std::string(reinterpret_cast<char const*>(text.start), text.length), expected) << id;
+    EXPECT_EQ(Shown(LoggedOnUserSessionID(ann)), expected) << id;
   }
 }
 
@@ -259,16 +260,6 @@ TEST_F(Sessions, NamesOfLoggedInUsersAreTakenApart) {
         << name;
     SessionInfo::Shutdown();
   }
-}
-
-// Every property of a user is asked through the address of the whole.
-TEST_F(Sessions, OfUsersHaveTheirProperties) {
-  PublishTwoUsers();
-  logged_on_user const ann = LoggedOnUsers().First();
-  auto const& evaluator = RecordingEvaluator::Instance();
-  EXPECT_NE(evaluator.Find("Type", "logged on user", "user"), nullptr);
-  auto const id = evaluator.Find("Property", "id", "user")->Get<inspector_string>(nullptr, &ann);
-  EXPECT_EQ(std::string(reinterpret_cast<char const*>(id.start), id.length), "501");
 }
 
 }  // namespace

@@ -1,12 +1,59 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstring>
+#include <utility>
+#include <vector>
+
 #include "evaluator/plugin/exceptions.h"
 #include "inspectors/files/volume.h"
 #include "tests/machine/recorded_tree.h"
+#include "tests/support/real_function.h"
 #include "tests/support/recording_evaluator.h"
 #include "tests/support/scripted_machine.h"
 #include "tests/support/scripted_volumes.h"
+
+namespace {
+
+// What the calls below answer in place of the real ones.
+struct Answer {
+  OSErr code = noErr;
+  SInt16 version = 0;
+};
+std::optional<Answer> scripted;
+int volumes_read = 0;
+std::vector<CFURLRef> urls;  // that were handed out, each held once more
+
+}  // namespace
+
+// In front of the real ones for the whole program.
+OSErr FSGetVolumeInfo(FSVolumeRefNum volume, ItemCount index, FSVolumeRefNum* actual,
+                      FSVolumeInfoBitmap fields, FSVolumeInfo* info, HFSUniStr255* name,
+                      FSRef* root) {
+  ++volumes_read;
+  EXPECT_EQ(fields, kFSVolInfoGettableInfo);
+  EXPECT_TRUE(volume == 0 || index == 0);
+  if (scripted) return scripted->code;
+  return RealFunction<decltype(FSGetVolumeInfo)>("FSGetVolumeInfo")(volume, index, actual, fields,
+                                                                    info, name, root);
+}
+
+OSErr PBHGetVolParmsSync(HParmBlkPtr block) {
+  char* const buffer = block->ioParam.ioBuffer;
+  EXPECT_EQ(block->ioParam.ioReqCount, 32u);
+  EXPECT_TRUE(std::all_of(buffer, buffer + 32, [](char byte) { return byte == 0; }));
+  if (!scripted) return RealFunction<OSErr(HParmBlkPtr)>("PBHGetVolParmsSync")(block);
+  std::memcpy(buffer, &scripted->version, sizeof scripted->version);
+  return scripted->code;
+}
+
+CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, FSRef const* ref) {
+  CFURLRef const url =
+      RealFunction<decltype(CFURLCreateFromFSRef)>("CFURLCreateFromFSRef")(allocator, ref);
+  if (url != nullptr) urls.push_back(static_cast<CFURLRef>(CFRetain(url)));
+  return url;
+}
 
 namespace {
 
@@ -21,6 +68,8 @@ std::string Told(Function&& function) {
     return std::to_string(function());
   } catch (NoSuchObject const&) {
     return "none";
+  } catch (MemoryFullError const&) {
+    return "no memory";
   } catch (OSError const& error) {
     return "status " + std::to_string(error.Code());
   }
@@ -80,9 +129,6 @@ TEST_F(Volumes, ThatDoNotAnswerHaveANameAndLetOthersAnswer) {
   Add("B");
   EXPECT_EQ(All(), "A-100 dead-101 B-102 ");
   EXPECT_THROW(free_space_of(volume_of_index(2)), NoSuchObject);
-  volumes_->Add({"shut", "/shut", 6, 6, {}},
-                Absence{Outcome::kPermissionRefused, "/shut", {}, EACCES});
-  EXPECT_EQ(Told([&] { return volume_of_index(4).Info().VolumeRefNum(); }), "status -5000");
 }
 
 TEST_F(Volumes, AreNumberedFromOne) {
@@ -105,7 +151,7 @@ TEST_F(Volumes, RoundPercentagesDown) {
       {1000, 0, "0", "100", "1000", "1000"},
       {3, 3, "100", "0", "3", "0"},
       {3, 1, "33", "66", "3", "2"},
-      {0, 0, "none", "none", "none", "none"},
+      {0, 0, "none", "none", "0", "0"},
       {{}, {}, "none", "none", "none", "none"},
   };
   for (auto const& row : rows) {
@@ -172,6 +218,26 @@ TEST_F(Volumes, AreFixedDrivesEvenWhenTheyAreGone) {
   }
 }
 
+TEST_F(Volumes, TellWhatTheCallsAnswer) {
+  Add("A");
+  VolumeLink const volume = volume_of_index(1);
+  struct {
+    Answer answer;
+    char const *read, *type;
+  } const rows[] = {
+      {{nsvErr, 2}, "none", "11"},       {{ioErr, 3}, "status -36", "none"},
+      {{ioErr, -1}, "status -36", "11"}, {{memFullErr, 4}, "no memory", "none"},
+      {{noErr, 5}, "0", "11"},
+  };
+  for (auto const& row : rows) {
+    SCOPED_TRACE(row.answer.code);
+    scripted = row.answer;
+    EXPECT_EQ(Told([] { return VolInfo(ByRefNum, -100).VolumeRefNum(); }), row.read);
+    EXPECT_EQ(Told([&] { return type_of(volume).length; }), row.type);
+  }
+  scripted.reset();
+}
+
 TEST(VolumesOfATree, AreThoseOfTheirFilesAndFolders) {
   RecordedTree const tree;
   tree.Write("/proc/self/mountinfo",
@@ -190,9 +256,32 @@ TEST(VolumesOfATree, AreThoseOfTheirFilesAndFolders) {
   EXPECT_EQ(disk.Path(), "/media/disk");
   EXPECT_TRUE(disk.Item().IsDirectory());
   // Nothing fills the cache, before or after it is cleared.
-  Instant now;
-  ClearVolCache(now, nullptr);
-  EXPECT_TRUE(volume_of_folder(root) == root);
+  for (int i = 0; i < 2; ++i) {
+    volumes_read = 0;
+    EXPECT_TRUE(volume_of_folder(root) == root);
+    EXPECT_TRUE(volume_of_folder(disk) == disk);
+    EXPECT_EQ(volumes_read, 2);
+    Instant now;
+    ClearVolCache(now, nullptr);
+  }
+}
+
+TEST(VolumesOfATree, GiveBackTheURLsOfTheirFolders) {
+  RecordedTree const tree;
+  tree.Write("/proc/self/mountinfo",
+             "1 0 8:1 / / rw - ext4 /dev/sda1 rw\n2 1 8:2 / /gone rw - vfat /dev/sdb1 rw\n");
+  MachineInUse const use(tree.Machine());
+  for (CFURLRef const url : std::exchange(urls, {})) CFRelease(url);
+  {
+    VolumeLink const first = volume_of_index(1), copy = first, gone = volume_of_index(2);
+    EXPECT_TRUE(volume_of_folder(copy) == first);
+    EXPECT_THROW(volume_of_folder(gone), NoSuchObject);
+  }
+  EXPECT_EQ(urls.size(), 2u);
+  for (CFURLRef const url : std::exchange(urls, {})) {
+    EXPECT_EQ(CFGetRetainCount(url), 1);
+    CFRelease(url);
+  }
 }
 
 }  // namespace

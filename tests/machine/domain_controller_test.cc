@@ -1,13 +1,13 @@
 // The live machine's directory against a domain controller that `scripts/test-directory-server`
 // started in the folder that GATOTU_TEST_DIRECTORY names.
+#include "tests/support/domain_controller.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <climits>
 #include <cstdlib>
-#include <fstream>
-#include <map>
 
 #include "machine/machine.h"
 
@@ -25,37 +25,8 @@ constexpr char kDistinguishedName[] = "dsAttrTypeNative:distinguishedName";
 constexpr char kTokenGroups[] = "dsAttrTypeNative:tokenGroups";
 constexpr char kSid[] = "dsAttrTypeNative:objectSid";
 
-// "NAME='value'", a line each.
-std::map<std::string, std::string> ReadAssignments(std::string const& path) {
-  std::map<std::string, std::string> values;
-  std::ifstream file(path);
-  for (std::string line; std::getline(file, line);) {
-    std::size_t const at = line.find('=');
-    if (at == std::string::npos) continue;
-    std::string value = line.substr(at + 1);
-    std::erase(value, '\'');
-    values[line.substr(0, at)] = value;
-  }
-  return values;
-}
-
-class DomainController : public testing::TestWithParam<char const*> {
+class DomainController : public DomainControllerTest {
  protected:
-  void SetUp() override {
-    char const* const folder = std::getenv("GATOTU_TEST_DIRECTORY");
-    if (folder == nullptr) GTEST_SKIP() << "GATOTU_TEST_DIRECTORY names no server";
-    auto values = ReadAssignments(std::string(folder) + "/environment");
-    ASSERT_FALSE(values.empty());
-    for (char const* name : {"LDAPTLS_CACERT", "LDAPSASL_NOCANON", "KRB5_CONFIG"}) {
-      ::setenv(name, values[name].c_str(), 1);
-    }
-    settings.uri = std::string(GetParam()) + "://127.0.0.1";
-    settings.bind_name = values["GATOTU_DIRECTORY_BIND_NAME"];
-    settings.bind_password = values["GATOTU_DIRECTORY_PASSWORD"];
-    machine::SetDirectorySettings(settings);
-  }
-  void TearDown() override { machine::SetDirectorySettings({}); }
-
   std::vector<std::string> Values(std::string_view type, std::string value, std::string requested,
                                   std::string attribute = std::string(machine::kRecordName)) {
     auto const records = live->Directory().Find({.node = machine::DirectoryNode::kSearch,
@@ -74,7 +45,6 @@ class DomainController : public testing::TestWithParam<char const*> {
     return values;
   }
 
-  machine::DirectorySettings settings;
   std::shared_ptr<machine::Machine const> live = machine::MakeLiveMachine();
 };
 

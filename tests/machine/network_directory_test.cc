@@ -5,6 +5,7 @@
 #include <chrono>
 #include <thread>
 
+#include "machine/live/worker.h"
 #include "machine/machine.h"
 #include "tests/support/directory_server.h"
 
@@ -95,14 +96,18 @@ class NetworkDirectory : public testing::Test {
   }
   void TearDown() override { machine::SetDirectorySettings({}); }
 
+  static DirectoryQuery Named(std::string_view type, std::vector<std::string> names,
+                              std::string requested) {
+    return {.node = machine::DirectoryNode::kSearch,
+            .type = std::string(type),
+            .attribute = std::string(machine::kRecordName),
+            .values = std::move(names),
+            .match = machine::DirectoryMatch::kIgnoringCase,
+            .requested = {std::move(requested)},
+            .limit = 0};
+  }
   Records Find(std::string_view type, std::vector<std::string> names, std::string requested) {
-    return Find(DirectoryQuery{.node = machine::DirectoryNode::kSearch,
-                               .type = std::string(type),
-                               .attribute = std::string(machine::kRecordName),
-                               .values = std::move(names),
-                               .match = machine::DirectoryMatch::kIgnoringCase,
-                               .requested = {std::move(requested)},
-                               .limit = 0});
+    return Find(Named(type, std::move(names), std::move(requested)));
   }
   Records Find(DirectoryQuery const& query) {
     machine::SetDirectorySettings(settings);
@@ -175,13 +180,7 @@ TEST_F(NetworkDirectory, ReadsManyValuesAndManyRecords) {
 
 TEST_F(NetworkDirectory, ConnectsAnewWhenTheServerWasStartedAnew) {
   machine::SetDirectorySettings(settings);
-  DirectoryQuery const query = {.node = machine::DirectoryNode::kSearch,
-                                .type = std::string(machine::kUserRecords),
-                                .attribute = std::string(machine::kRecordName),
-                                .values = {"ann"},
-                                .match = machine::DirectoryMatch::kIgnoringCase,
-                                .requested = {kDistinguishedName},
-                                .limit = 0};
+  DirectoryQuery const query = Named(machine::kUserRecords, {"ann"}, kDistinguishedName);
   EXPECT_TRUE(live->Directory().Find(query));
   server->Restart();
   EXPECT_THAT(Values(live->Directory().Find(query), kDistinguishedName),
@@ -234,6 +233,25 @@ TEST_F(NetworkDirectory, AnswersInTimeWhateverTheServerDoes) {
   EXPECT_EQ(Find(machine::kUserRecords, {"ann"}, kTokenGroups).outcome(), Outcome::kAbsent);
 }
 
+// Each connection goes silent in the middle of a long answer, so that short ones still come.
+TEST_F(NetworkDirectory, LeavesASilentServerAloneForAWhile) {
+  FaultyServer const faulty(server->port(), FaultyServer::Fault::kSilence, 5000);
+  settings.uri = faulty.uri();
+  settings.time_limit = milliseconds(500);
+  DirectoryQuery const ann = Named(machine::kUserRecords, {"ann"}, kDistinguishedName);
+  EXPECT_EQ(Find(machine::kUserRecords, {"many"}, kTokenGroups).outcome(), Outcome::kTimedOut);
+  auto const start = std::chrono::steady_clock::now();
+  for (int i = 0; i < 1000; ++i) {
+    ASSERT_EQ(live->Directory().Find(ann).outcome(), Outcome::kTimedOut);
+  }
+  EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(400));
+  std::this_thread::sleep_until(start + settings.time_limit);
+  EXPECT_TRUE(live->Directory().Find(ann)) << "after a while";
+
+  EXPECT_EQ(Find(machine::kUserRecords, {"many"}, kTokenGroups).outcome(), Outcome::kTimedOut);
+  EXPECT_TRUE(Find(ann)) << "with other settings";
+}
+
 TEST_F(NetworkDirectory, IsGivenUpWhenAskedTo) {
   auto const silent = std::make_unique<FaultyServer>(0, FaultyServer::Fault::kSilence, 0);
   settings.uri = silent->uri();
@@ -244,10 +262,10 @@ TEST_F(NetworkDirectory, IsGivenUpWhenAskedTo) {
   };
   EXPECT_EQ(Find(machine::kUserRecords, {"ann"}, kTokenGroups).outcome(), Outcome::kTimedOut);
   EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(1000));
-  for (int i = 0; i < 200 && machine::HasAbandonedDirectoryQuestions(); ++i) {
+  for (int i = 0; i < 200 && machine::live::IsAnyCallAbandoned(); ++i) {
     std::this_thread::sleep_for(milliseconds(10));
   }
-  EXPECT_FALSE(machine::HasAbandonedDirectoryQuestions());
+  EXPECT_FALSE(machine::live::IsAnyCallAbandoned());
 }
 
 }  // namespace

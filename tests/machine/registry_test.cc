@@ -144,6 +144,7 @@ TEST_F(LiveRegistry, OneDeviceIsTheSameInEveryPlane) {
 TEST_F(LiveRegistry, EveryPathLeadsBack) {
   for (char const* name : {"a@0", "a:b@1,2", "\xFF\x01", "o@", " ", "..."}) {
     WriteDevice(tree_, name + std::string("/below"), "");
+    tree_.Write("/proc/device-tree/" + std::string(name) + "/name", name);
   }
   WriteDevices(tree_);
   std::filesystem::recursive_directory_iterator const folders(tree_.At("/sys/devices"));
@@ -151,7 +152,8 @@ TEST_F(LiveRegistry, EveryPathLeadsBack) {
     return entry.is_directory() && !entry.is_symlink();
   });
   std::ptrdiff_t visited = 0;
-  for (char const* plane : {"IOService", "IOUSB", "IOPower", "IOAudio", "IOFireWire"}) {
+  for (char const* plane :
+       {"IOService", "IODeviceTree", "IOUSB", "IOPower", "IOAudio", "IOFireWire"}) {
     std::vector<SharedRegistryNode> nodes = {NodeAt(plane, "/")};
     while (!nodes.empty()) {
       auto const node = nodes.back();
@@ -163,7 +165,7 @@ TEST_F(LiveRegistry, EveryPathLeadsBack) {
       ++visited;
     }
   }
-  EXPECT_EQ(visited, count + 1 + 12);
+  EXPECT_EQ(visited, count + 1 + 7 + 12);
 }
 
 TEST_F(LiveRegistry, PathsThatLeadNowhere) {

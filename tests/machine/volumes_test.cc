@@ -8,6 +8,7 @@
 #include <sys/wait.h>
 
 #include <cstdio>
+#include <fstream>
 #include <future>
 #include <map>
 #include <sstream>
@@ -22,6 +23,7 @@
 
 namespace {
 
+using machine::Links;
 using machine::Outcome;
 using machine::Volume;
 using machine::VolumeFacts;
@@ -188,12 +190,16 @@ TEST(MountedVolumes, ComeAndGo) {
 }
 
 // A file system that never answers, as that of a server that is gone.
-int AskADeadVolume(RecordedTree const& tree) {
+bool MountADeadOne(std::string const& point) {
   int const device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
   std::string const options =
       "fd=" + std::to_string(device) + ",rootmode=40000,user_id=0,group_id=0";
+  return ::mount("x", point.c_str(), "fuse.dead", 0, options.c_str()) == 0;
+}
+
+int AskADeadVolume(RecordedTree const& tree) {
   std::string const dead = tree.At("/a");
-  if (::mount("x", dead.c_str(), "fuse.dead", 0, options.c_str()) != 0) return kRefused;
+  if (!MountADeadOne(dead)) return kRefused;
   auto const machine = machine::MakeLiveMachine();
   auto const started = std::chrono::steady_clock::now();
   AnnouncementLog const log;
@@ -213,6 +219,45 @@ int AskADeadVolume(RecordedTree const& tree) {
 
 TEST(MountedVolumes, ADeadOneIsWaitedForOnce) {
   int const line = InChildWithMounts(AskADeadVolume);
+  if (line == kRefused) GTEST_SKIP() << "may not mount";
+  EXPECT_EQ(line, 0);
+}
+
+// Whoever asks for a file there first waits for it, and nobody after.
+int AskForFilesOfADeadVolume(RecordedTree const& tree) {
+  std::string const dead = tree.At("/a");
+  if (!MountADeadOne(dead)) return kRefused;
+  auto const machine = machine::MakeLiveMachine();
+  machine::FileSource const& files = machine->Files();
+  std::string const beside = tree.At("/a-file"), link = tree.At("/link"), parent = tree.At("/");
+  tree.Link("/link", "a");
+  std::ofstream(beside) << "x";
+  auto const started = std::chrono::steady_clock::now();
+  for (std::string const& path : {dead, dead + "/x", parent + "b/..//a/x"}) {
+    CHECK_IN_CHILD(files.Status(path, Links::kKeep).outcome() == Outcome::kTimedOut);
+    CHECK_IN_CHILD(files.Describe(path, Links::kFollow).outcome() == Outcome::kTimedOut);
+    CHECK_IN_CHILD(files.CanonicalFolder(path).outcome() == Outcome::kTimedOut);
+    CHECK_IN_CHILD(files.OpenFolder(path).outcome() == Outcome::kTimedOut);
+    CHECK_IN_CHILD(files.CreateFile(path, 0600).outcome() == Outcome::kTimedOut);
+  }
+  for (std::string const& path : {beside, link}) {
+    CHECK_IN_CHILD(files.Status(path, Links::kKeep).outcome() == Outcome::kAnswered);
+  }
+  auto const folder = files.OpenFolder(parent);
+  CHECK_IN_CHILD(folder.outcome() == Outcome::kAnswered);
+  CHECK_IN_CHILD((*folder)->OpenFolder("a").outcome() == Outcome::kTimedOut);
+  int count = 0;
+  while (*(*folder)->Next(machine::Detail::kAll) != nullptr) ++count;
+  CHECK_IN_CHILD(count == 3);  // all but the dead one
+  CHECK_IN_CHILD(std::chrono::steady_clock::now() - started < 4s);
+  CHECK_IN_CHILD(::umount2(dead.c_str(), MNT_DETACH) == 0);
+  std::this_thread::sleep_for(1100ms);
+  CHECK_IN_CHILD(files.Status(dead, Links::kKeep).outcome() == Outcome::kAnswered);
+  return 0;
+}
+
+TEST(MountedVolumes, ADeadOneHangsNoQuestionForFiles) {
+  int const line = InChildWithMounts(AskForFilesOfADeadVolume);
   if (line == kRefused) GTEST_SKIP() << "may not mount";
   EXPECT_EQ(line, 0);
 }
@@ -320,6 +365,9 @@ TEST(CapturedVolumes, MayBeWrittenByHand) {
   } const rows[] = {
       {"root last", "<dict>" + name + point + "</dict>" + root, {"R /", "A /Volumes/A"}},
       {"twice", root + root, {"R /"}},
+      {"slash at the end",
+       "<dict>" + name + "<key>MountPoint</key><string>/A//</string></dict>",
+       {"A /A"}},
       {"none", "", {}},
       {"no name", "<dict>" + point + "</dict>", {"malformed"}},
       {"no place", "<dict>" + name + "</dict>", {"malformed"}},

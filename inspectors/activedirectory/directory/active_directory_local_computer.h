@@ -15,6 +15,13 @@ class GATOTU_API ActiveDirectoryLocalComputer : public ActiveDirectoryAccount {
   // The first group of that name, in letters of whichever case.
   bool GetGroup(std::string const& name, ActiveDirectoryGroup& out) const;
 
+  // Reads the account and its groups anew where somebody asked for the record and it is time; does
+  // nothing without a context. Asks the directory and waits for it, so the evaluating thread does
+  // not come here. Given up when the context says so, the record is as before; else it is filled or
+  // tells why not, is kept in its cache file, and only then what writing that file throws is
+  // thrown.
+  void Refresh(ActiveDirectoryInspectorContext const* context);
+
  private:
   bool FindCache(ActiveDirectoryInspectorContext const& context, FileLocation& out) const override;
 };

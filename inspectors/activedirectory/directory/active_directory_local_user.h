@@ -21,6 +21,11 @@ class GATOTU_API ActiveDirectoryLocalUser : public ActiveDirectoryAccount {
   // The first group of exactly that name.
   bool GetGroup(std::string const& name, ActiveDirectoryGroup& out) const;
 
+  // The same as for the computer, but a user that this run has not refreshed yet is read whether or
+  // not anybody asked, and a record of any age or none then; and disabled look-ups make no
+  // difference.
+  void Refresh(ActiveDirectoryInspectorContext const* context);
+
   std::string const& GetDomain() const { return domain_; }
   Status GetStatus() const { return status_; }
   void SetDomain(std::string domain) { domain_ = std::move(domain); }
