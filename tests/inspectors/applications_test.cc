@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "inspectors/files/application.h"
+#include "inspectors/users/user.h"
 #include "tests/inspectors/asking.h"
 #include "tests/machine/recorded_tree.h"
 #include "tests/support/scripted_machine.h"
