@@ -83,7 +83,13 @@ void DirectoryKeeper::ForgetOtherMachine() {
   users_.clear();
   numbers_.clear();
   listed_.clear();
-  has_listed_ = false;
+  has_listed_ = has_requested_listed_ = false;
+}
+
+void DirectoryKeeper::BeginAnew() {
+  has_listed_ = has_requested_listed_ = false;
+  if (computer_) computer_->is_handed_out = false;
+  for (auto& user : users_) user.is_handed_out = false;
 }
 
 void DirectoryKeeper::HandOver() {
@@ -116,7 +122,7 @@ std::size_t DirectoryKeeper::TakeOver() {
 
 void DirectoryKeeper::Tend() {
   ForgetOtherMachine();
-  has_listed_ = false;
+  BeginAnew();
   TakeOver();
   HandOver();
 }
@@ -124,7 +130,7 @@ void DirectoryKeeper::Tend() {
 bool DirectoryKeeper::Await(Clock::time_point end, std::function<bool()> const& should_stop) {
   HandOver();
   refresher_.AwaitPass(end, should_stop);
-  has_listed_ = false;
+  BeginAnew();
   bool const has_come = TakeOver() > 0;
   return has_come && Clock::now() < end && !should_stop();
 }
@@ -132,12 +138,12 @@ bool DirectoryKeeper::Await(Clock::time_point end, std::function<bool()> const& 
 // What cannot be read at once stays as one that was asked for. What the thread has read, it has
 // read for nobody, so that the record itself is the source.
 template <class Account>
-Account* DirectoryKeeper::Handed(Account& record) const {
+void DirectoryKeeper::Prepare(Account& record) const {
   if (IsAtHand()) {
     bool const is_read = record.GetCacheState() == kFilledFromDirectory;
     machine::Announce(SourceName(record),
                       is_read ? machine::Outcome::kAnswered : machine::Outcome::kAbsent);
-    return &record;
+    return;
   }
   if (!IsAskedFor(record)) record.SetCacheState(kRequestPending);
   try {
@@ -145,7 +151,14 @@ Account* DirectoryKeeper::Handed(Account& record) const {
   } catch (std::exception const&) {
   } catch (OSError const&) {
   }
-  return &record;
+}
+
+// Not before it was prepared: an interruption leaves by way of an exception that is nobody's here.
+template <class Account>
+Account* DirectoryKeeper::Handed(Kept<Account>& kept) const {
+  if (!kept.is_handed_out) Prepare(kept.record);
+  kept.is_handed_out = true;
+  return &kept.record;
 }
 
 ActiveDirectoryLocalComputer* DirectoryKeeper::Computer() {
@@ -154,13 +167,13 @@ ActiveDirectoryLocalComputer* DirectoryKeeper::Computer() {
     computer_.emplace();
     if (IsAtHand()) cache_.Load(computer_->record);
   }
-  return Handed(computer_->record);
+  return Handed(*computer_);
 }
 
 ActiveDirectoryLocalUser* DirectoryKeeper::User(AccountName const& user) {
   ForgetOtherMachine();
   auto const number = FindOrAdd(user);
-  return number ? Handed(users_[*number].record) : nullptr;
+  return number ? Handed(users_[*number]) : nullptr;
 }
 
 ActiveDirectoryLocalUser* DirectoryKeeper::UserAt(std::size_t index) {
@@ -170,7 +183,7 @@ ActiveDirectoryLocalUser* DirectoryKeeper::UserAt(std::size_t index) {
     RequestListed();
     return nullptr;
   }
-  return Handed(users_[listed_[index]].record);
+  return Handed(users_[listed_[index]]);
 }
 
 std::optional<std::size_t> DirectoryKeeper::FindOrAdd(AccountName const& user) {
@@ -215,6 +228,7 @@ void DirectoryKeeper::List(AccountName const& user) {
 }
 
 void DirectoryKeeper::RequestListed() {
+  if (std::exchange(has_requested_listed_, true)) return;
   for (std::size_t const number : listed_) {
     ActiveDirectoryLocalUser& user = users_[number].record;
     if (!IsAskedFor(user)) user.SetCacheState(kRequestPending);

@@ -26,6 +26,7 @@ struct KeptDirectoryRecord {
   Account record;
   bool is_adopted = false;  // by the thread
   bool is_listed = false;
+  bool is_handed_out = false;  // to this evaluation
 };
 
 // For the evaluating thread. Starts no thread before a record was asked for. Ends before the
@@ -65,11 +66,16 @@ class DirectoryKeeper {
   using Kept = KeptDirectoryRecord<Account>;
 
   bool IsAtHand() const { return &machine::CurrentMachine() == at_hand_; }
-  // Reads it first where the machine is not the one at hand.
+  // Once an evaluation says what it rests on, and reads it first where the machine is not the one
+  // at hand: who looks for a name walks over all of them, for each name.
   template <class Account>
-  Account* Handed(Account& record) const;
+  Account* Handed(Kept<Account>& kept) const;
+  template <class Account>
+  void Prepare(Account& record) const;
 
   void ForgetOtherMachine();
+  // What an evaluation was told holds for that one.
+  void BeginAnew();
   void HandOver();
   // How many of them had been missing.
   std::size_t TakeOver();
@@ -92,7 +98,7 @@ class DirectoryKeeper {
   std::deque<Kept<ActiveDirectoryLocalUser>> users_;  // numbered for the refresher by their places
   std::map<AccountName, std::size_t> numbers_;        // by name and domain in lower case
   std::vector<std::size_t> listed_;
-  bool has_listed_ = false;
+  bool has_listed_ = false, has_requested_listed_ = false;
 };
 
 // Whether the evaluation on this thread, if there is one, is to stop.
