@@ -26,8 +26,9 @@ TEST(FileCodes, AreAnyFourBytes) {
     std::uint32_t code;
   } const cases[] = {{"APPL", 0x4150504C}, {"appl", 0x6170706C}, {"\0\xff\x80\x01"s, 0x00FF8001}};
   for (auto const& row : cases) {
-    EXPECT_EQ(file_type_of(Bytes(row.text), 4).code, row.code);
-    EXPECT_EQ(file_signature_of(Bytes(row.text), 4).code, row.code);
+    inspector_string const name = Name(row.text);
+    EXPECT_EQ(Ask<file_type>("file type", "", nullptr, &name).code, row.code);
+    EXPECT_EQ(Ask<file_signature>("file signature", "", nullptr, &name).code, row.code);
     EXPECT_TRUE(file_type_of(Bytes(row.text), 4) == file_type{row.code});
     EXPECT_FALSE(file_signature_of(Bytes(row.text), 4) == file_signature{row.code + 1});
   }
@@ -65,8 +66,7 @@ TEST_F(Files, TellTheirFinderFlagsAndForks) {
                      {0x4000, false, false, false, 1},
                      {0x8000, true, true, false, 7},
                      {0x0800, true, false, true, 7},
-                     {0xB7FF & ~0x8800, true, false, false, 7},
-                     {0xFFFF, false, true, true, 7}};
+                     {0xB7FF & ~0x8800, true, false, false, 7}};
   for (auto const& row : cases) {
     Make("._x",
          AppleDoubleText({{9, "TEXTttxt" + BigEndianText(row.flags, 2) + std::string(22, '\0')},
@@ -103,11 +103,15 @@ TEST_F(Files, HavePathsInBothNotationsAndTheReportEncoding) {
   // No setting names an encoding here: it is Windows Latin-1.
   file const file = Make("a:b caf\u00e9 \u2603", "");
   std::string const posix = folder_.Path() + "/a:b caf\xe9 ?";
-  EXPECT_EQ(Shown(POSIXPathOfObject(Of(), file)), posix);
+  auto const ask = [&](char const* phrase) {
+    return Shown(Ask<inspector_string>(phrase, "filesystem object", &file));
+  };
+  EXPECT_EQ(ask("posix path"), posix);
+  EXPECT_EQ(ask("pathname"), posix);
   EXPECT_EQ(Shown(AsString(file)), posix);
-  EXPECT_THAT(
-      Shown(HFSPathOfObject(Of(), file)),
-      testing::AllOf(testing::EndsWith(":a/b caf\xe9 ?"), testing::Not(testing::StartsWith(":"))));
+  EXPECT_NE(RecordingEvaluator::Instance().Find("Cast", "string", "filesystem object"), nullptr);
+  EXPECT_THAT(ask("hfs path"), testing::AllOf(testing::EndsWith(":a/b caf\xe9 ?"),
+                                              testing::Not(testing::StartsWith(":"))));
 }
 
 TEST_F(Files, OpenAsTheKindOfListTheyAre) {
