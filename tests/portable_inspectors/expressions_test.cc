@@ -1,8 +1,5 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <ostream>
-#include <string>
 #include <vector>
 
 #include "answers.h"
@@ -12,8 +9,7 @@ namespace {
 using ::testing::HasSubstr;
 
 struct Row {
-  char const* expression;
-  char const* answer;
+  char const *expression, *answer;
 };
 
 // For the names of failed tests.
