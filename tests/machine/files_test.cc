@@ -79,7 +79,7 @@ TEST(Files, BelowARootStayThere) {
 TEST(Files, OpensNothingButFilesAndFolders) {
   RecordedTree tree;
   tree.Write("/file", "12345");
-  ASSERT_EQ(::mkfifo(tree.At("/pipe").c_str(), 0600), 0);
+  tree.MakeFifo("/pipe");
   bool const has_device = ::mknod(tree.At("/device").c_str(), S_IFCHR | 0600, makedev(1, 5)) == 0;
   std::shared_ptr<machine::Machine const> const machines[] = {
       tree.Machine(), machine::MakeLiveMachine("/", machine::Changes::kRefused)};
@@ -133,17 +133,11 @@ TEST(Files, PathsMayBeLongerThanTheKernelTakes) {
   RecordedTree tree;
   constexpr int kDepth = 40;  // 10000 bytes of path
   std::string const name(250, 'n');
-  int at = ::open(tree.At("").c_str(), O_PATH);
   std::string path;
-  for (int i = 0; i < kDepth; ++i) {
+  tree.MakeChain("", name, kDepth, [&](int at) {
     path += "/" + name;
-    ASSERT_EQ(::mkdirat(at, name.c_str(), 0700), 0);
-    int const inner = ::openat(at, name.c_str(), O_PATH);
-    ::close(at);
-    at = inner;
-  }
-  ASSERT_EQ(::symlinkat("../..", at, "up"), 0);
-  ::close(at);
+    ASSERT_EQ(::symlinkat("../..", at, "up"), 0);
+  });
   for (std::string const& root : {tree.At(""), std::string("/")}) {
     auto const machine = machine::MakeLiveMachine(root);
     std::string const base = root == "/" ? tree.At("") : "";
@@ -176,6 +170,8 @@ TEST(Files, BelieveNoOffsetOfACompanion) {
       {"resource outside", with(kResource + 4, "\xff\xff\xff\xff"), true, ""},
       {"resource too long", with(kResource + 8, "\xff\xff\xff\xff"), true, ""},
       {"Finder information outside", with(kInfo + 4, "\x7f"), false, "resource"},
+      {"Finder information too long", with(kInfo + 8, "\xff\xff\xff\xff"), false, "resource"},
+      {"no resource", with(kResource, std::string(4, '\0')), true, ""},
       {"truncated", good.substr(0, good.size() - 1), true, ""},
   };
   RecordedTree tree;
@@ -188,12 +184,16 @@ TEST(Files, BelieveNoOffsetOfACompanion) {
     EXPECT_EQ(item->resource_bytes, row.resource.size()) << row.name;
     EXPECT_EQ(ForkOf(machine->Files(), "/f/item", Fork::kResource), row.resource) << row.name;
   }
+  for (std::size_t size = 0; size < good.size(); ++size) {
+    tree.Write("/f/._item", good.substr(0, size));
+    EXPECT_EQ(ForkOf(machine->Files(), "/f/item", Fork::kResource), "") << size;
+  }
   AnnouncementLog log;
   machine->Files().Describe("/f/item", Links::kKeep);
   EXPECT_THAT(log.entries, ElementsAre(Pair("/f/item", Outcome::kAnswered),
                                        Pair("/f/._item", Outcome::kMalformed)));
   ASSERT_EQ(::unlink(tree.At("/f/._item").c_str()), 0);
-  ASSERT_EQ(::mkfifo(tree.At("/f/._item").c_str(), 0600), 0);
+  tree.MakeFifo("/f/._item");
   EXPECT_EQ(machine->Files().Describe("/f/item", Links::kKeep)->resource_bytes, 0u);
 }
 

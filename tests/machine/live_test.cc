@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <thread>
 
@@ -166,7 +165,7 @@ TEST(Root, LetsNothingOutAndOpensOnlyRegularFiles) {
     EXPECT_FALSE(name()) << target;
   }
   std::filesystem::remove(tree.At("/sys/class/dmi/id/product_name"));
-  ASSERT_EQ(::mkfifo(tree.At("/sys/class/dmi/id/product_name").c_str(), 0600), 0);
+  tree.MakeFifo("/sys/class/dmi/id/product_name");
   EXPECT_EQ(name().outcome(), Outcome::kMalformed);
   std::filesystem::resize_file(tree.At("/real"), 17 << 20);
   std::filesystem::rename(tree.At("/real"), tree.At("/sys/class/dmi/id/product_name"));
