@@ -21,16 +21,14 @@ namespace {
 using namespace std::string_literals;
 
 TEST(FileCodes, AreAnyFourBytes) {
-  struct {
-    std::string text;
-    std::uint32_t code;
-  } const cases[] = {{"APPL", 0x4150504C}, {"appl", 0x6170706C}, {"\0\xff\x80\x01"s, 0x00FF8001}};
-  for (auto const& row : cases) {
-    inspector_string const name = Name(row.text);
-    EXPECT_EQ(Ask<file_type>("file type", "", nullptr, &name).code, row.code);
-    EXPECT_EQ(Ask<file_signature>("file signature", "", nullptr, &name).code, row.code);
-    EXPECT_TRUE(file_type_of(Bytes(row.text), 4) == file_type{row.code});
-    EXPECT_FALSE(file_signature_of(Bytes(row.text), 4) == file_signature{row.code + 1});
+  std::pair<std::string, std::uint32_t> const cases[] = {
+      {"APPL", 0x4150504C}, {"appl", 0x6170706C}, {"\0\xff\x80\x01"s, 0x00FF8001}};
+  for (auto const& [text, code] : cases) {
+    inspector_string const name = Name(text);
+    EXPECT_EQ(Ask<file_type>("file type", "", nullptr, &name).code, code);
+    EXPECT_EQ(Ask<file_signature>("file signature", "", nullptr, &name).code, code);
+    EXPECT_TRUE(file_type_of(Bytes(text), 4) == file_type{code});
+    EXPECT_FALSE(file_signature_of(Bytes(text), 4) == file_signature{code + 1});
   }
   for (unsigned long const length : {0UL, 3UL, 5UL}) {
     EXPECT_THROW(file_type_of(Bytes("abcde"), length), NoSuchObject);

@@ -85,17 +85,14 @@ TEST_F(SystemInspectors, GestaltItselfExtendsTheSign) {
 }
 
 TEST_F(SystemInspectors, ProcessorNames) {
-  struct {
-    std::uint32_t response;
-    char const* name;
-  } const cases[] = {
+  std::pair<std::uint32_t, char const*> const cases[] = {
       {0x101, "PowerPC 601"}, {0x10B, "unknown"},      {0x10C, "PowerPC G4 7440"},
       {0x69343836, "i486"},   {0x69356969, "i5ii"},    {0x69787878, "ixxx"},
       {0, "unknown"},         {0xFFFFFFFF, "unknown"},
   };
-  for (auto const& row : cases) {
-    machine_->gestalt = {{"cput", row.response}, {"cpuf", 0u}};
-    EXPECT_EQ(AskText("type", "processor"), row.name);
+  for (auto const& [response, name] : cases) {
+    machine_->gestalt = {{"cput", response}, {"cpuf", 0u}};
+    EXPECT_EQ(AskText("type", "processor"), name);
     EXPECT_EQ(AskText("family name", "processor"), "unknown");
   }
   machine_->gestalt = {{"cpuf", 0x103u}};

@@ -86,18 +86,15 @@ TEST(PropertyList, ConvertsEachKindOfValueToItsOwnTypeOnly) {
 }
 
 TEST(PropertyList, HasNoTimeForDatesBeyondAllTimes) {
-  struct {
-    double seconds;
-    std::string answer;
-  } const cases[] = {{-1e300, kNone},
-                     {__builtin_nan(""), kNone},
-                     {9.3e12, kNone},
-                     {0.0000015, "978307200000002"},
-                     {-0.25, "978307199750000"}};
-  for (auto const& row : cases) {
-    OwnedObject const date(CFDateCreate(nullptr, row.seconds));
+  std::pair<double, std::string> const cases[] = {{-1e300, kNone},
+                                                  {__builtin_nan(""), kNone},
+                                                  {9.3e12, kNone},
+                                                  {0.0000015, "978307200000002"},
+                                                  {-0.25, "978307199750000"}};
+  for (auto const& [seconds, answer] : cases) {
+    OwnedObject const date(CFDateCreate(nullptr, seconds));
     OSXValue const value = OSXValue(date.get());
-    EXPECT_EQ(Convert("date", "osxvalue", &value), row.answer) << row.seconds;
+    EXPECT_EQ(Convert("date", "osxvalue", &value), answer) << seconds;
   }
 }
 

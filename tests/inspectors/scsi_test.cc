@@ -6,30 +6,12 @@
 #include "inspectors/system/scsi_device.h"
 #include "tests/inspectors/asking.h"
 #include "tests/support/on_scripted_machine.h"
+#include "tests/support/scripted_scsi.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-class CountingBuses final : public machine::ScsiSource {
- public:
-  machine::Fact<machine::ScsiBus> Bus(std::uint8_t bus) const override {
-    if (auto const found = buses.find(bus); found != buses.end()) return found->second;
-    return machine::Absence{};
-  }
-  machine::Fact<std::string> Inquiry(std::uint8_t bus, std::uint8_t target) const override {
-    asked.push_back(bus * 100 + target);
-    if (auto const found = devices.find({bus, target}); found != devices.end()) {
-      return found->second;
-    }
-    return machine::Absence{};
-  }
-
-  std::map<std::uint8_t, machine::ScsiBus> buses = {{0, {}}};
-  std::map<std::pair<std::uint8_t, std::uint8_t>, std::string> devices;
-  mutable std::vector<int> asked;  // bus by the hundred, target by one
-};
 
 // Vendor, product, revision and type.
 std::vector<std::string> Describe(scsiDevice const& device) {
@@ -59,7 +41,7 @@ class Scsi : public OnScriptedMachine {
   }
   std::vector<int> Asked() { return std::exchange(source_->asked, {}); }
 
-  std::shared_ptr<CountingBuses> source_ = std::make_shared<CountingBuses>();
+  std::shared_ptr<ScriptedScsi> source_ = std::make_shared<ScriptedScsi>();
 };
 
 TEST_F(Scsi, DevicesTellWhatTheyAreAsTheySentIt) {
