@@ -54,6 +54,7 @@ struct {
     {"<plist><array/></plist>", "not a dictionary"},
     {SharedArraysText(3), "not a dictionary"},
     {SharedArraysText(20), "stands for too many values"},
+    {SharedArraysText(60), "stands for too many values"},
     {List("<key>FormatVersion</key><integer>2</integer>"), "later than 1"},
     {List("<key>FormatVersion</key><string>1</string>"), "FormatVersion"},
 };

@@ -34,6 +34,7 @@ TEST(PropertyListJson, WritesEveryKindOfValue) {
        "\"a\\\"\\\\\\t\\n\\u007f/\u00e9\u2603\U0001F600\""},
       {"<integer>18446744073709551615</integer>", "18446744073709551615"},
       {"<real>1</real>", "1.0"},
+      {"<real>0.1</real>", "0.1"},
       {"<real>nan</real>", "\"NaN\""},
       {"<real>-inf</real>", "\"-Infinity\""},
       {"<date>1969-12-31T23:59:59Z</date>", "\"1969-12-31T23:59:59.000000+00:00\""},
