@@ -1,10 +1,7 @@
 // Bundles, by their folder and by identifier.
 #include "inspectors/plist/bundle.h"
 
-#include <gtest/gtest.h>
-
 #include <memory>
-#include <string>
 
 #include "portable/core_foundation/errors.h"
 #include "portable_inspectors/filesystem_object.h"

@@ -1,7 +1,5 @@
 #include "inspectors/system/country.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 #include <string_view>
 

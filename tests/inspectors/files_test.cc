@@ -1,9 +1,6 @@
 // Files: codes, what the catalogue knows, and paths.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
-#include <string>
 
 #include "inspectors/files/file_attributes.h"
 #include "inspectors/files/file_code.h"

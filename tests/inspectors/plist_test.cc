@@ -1,8 +1,4 @@
 // Property lists, asked through what the inspectors register.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
 
 #include "inspectors/plist/osx_dictionary_entry.h"
 #include "inspectors/plist/osx_value.h"
