@@ -22,15 +22,13 @@ constexpr char kOfUser[] = "/home/ada/Library/Preferences/app.plist";
 constexpr char kOfAll[] = "/Library/Preferences/app.plist";
 constexpr char kGlobal[] = "/Library/Preferences/.GlobalPreferences.plist";
 
-using OwnedValue = std::unique_ptr<void const, Releaser>;
-
 std::string Text(CFTypeRef value) {
   if (value == nullptr) return "none";
   return BytesOf(static_cast<CFStringRef>(value), kCFStringEncodingUTF8);
 }
 
-OwnedValue Copy(std::string const& application = "app") {
-  return OwnedValue(
+OwnedObject Copy(std::string const& application = "app") {
+  return OwnedObject(
       CFPreferencesCopyAppValue(CFSTR("key"), Make(application, kCFStringEncodingUTF8).get()));
 }
 std::string Read(std::string const& application = "app") { return Text(Copy(application).get()); }
@@ -71,11 +69,12 @@ TEST_F(Preferences, ComeFromTheFirstFileThatHasTheKey) {
   };
   for (auto const& row : rows) Write(row.path, row.path);
   EXPECT_EQ(
-      Text(OwnedValue(CFPreferencesCopyAppValue(CFSTR("key"), kCFPreferencesAnyApplication)).get()),
+      Text(
+          OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), kCFPreferencesAnyApplication)).get()),
       rows[2].path);
   for (auto const& row : rows) {
     EXPECT_EQ(Read(), row.path);
-    OwnedValue const alone(
+    OwnedObject const alone(
         CFPreferencesCopyValue(CFSTR("key"), row.application, row.user, row.host));
     EXPECT_EQ(Text(alone.get()), row.path);
     tree_.Write(row.path, "{ other = \"\"; }");
@@ -181,7 +180,7 @@ TEST_F(Preferences, OfAnApplicationWhoseNameIsNoFilesNameAreTheGlobalOnes) {
 
 TEST_F(Preferences, AreReadAgainWhenTheirFileChanges) {
   Write(kOfUser, "one");
-  OwnedValue const first = Copy();
+  OwnedObject const first = Copy();
   Write(kOfUser, "two");  // at once, of the same size
   EXPECT_EQ(Read(), "two");
   Settle();
@@ -220,7 +219,7 @@ TEST_F(Preferences, KeptAreOnlyThoseReadLast) {
     Write("/Library/Preferences/" + name(i) + ".plist", name(i));
   }
   Settle();
-  std::vector<OwnedValue> values;
+  std::vector<OwnedObject> values;
   for (int i = 0; i < 100; ++i) values.push_back(Copy(name(i)));
   AnnouncementLog log;
   EXPECT_EQ(Read(name(99)), name(99));

@@ -10,8 +10,6 @@
 
 namespace {
 
-using OwnedURL = std::unique_ptr<std::remove_pointer_t<CFURLRef>, Releaser>;
-
 OwnedString FromBytes(std::string_view bytes) {
   return OwnedString(file_system_text::CreateString(bytes));
 }
