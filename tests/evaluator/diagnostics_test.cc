@@ -1,5 +1,4 @@
 // What is said about texts that mean nothing: the code, the place, the suggestion.
-#include <gtest/gtest.h>
 
 #include "tests/evaluator/test_vocabulary.h"
 
@@ -24,9 +23,7 @@ std::string Complaints(std::string_view text) {
 }
 
 TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
-  struct {
-    char const *text, *complaints;
-  } const cases[] = {
+  std::pair<char const*, char const*> const cases[] = {
       // Unknown words: a whole run is one phrase, and each is reported.
       {"lable of book 1 of shelf 1", "unknown-property@1:1+5->label"},
       {"labels of bokks of shelf 1", "unknown-property@1:11+5->books"},
@@ -81,7 +78,7 @@ TEST(Diagnostics, PointAtTheMistakeAndSuggest) {
       {"1 + 9223372036854775808", "integer-too-large@1:5+19"},
       {"--9223372036854775809", "integer-too-large@1:3+19"},
   };
-  for (auto const& c : cases) EXPECT_EQ(Complaints(c.text), c.complaints) << c.text;
+  for (auto const& [text, complaints] : cases) EXPECT_EQ(Complaints(text), complaints) << text;
 }
 
 TEST(Diagnostics, TellWhatCanBeAsked) {

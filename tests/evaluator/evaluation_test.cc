@@ -1,7 +1,5 @@
 // What surrounds an evaluation: kept results, caches, interruption, threads, the callback.
-#include <gtest/gtest.h>
 
-#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <thread>

@@ -1,5 +1,4 @@
 // How texts are read, seen in the typed tree.
-#include <gtest/gtest.h>
 
 #include "tests/evaluator/test_vocabulary.h"
 
@@ -27,9 +26,7 @@ std::string Tree(std::string_view text) {
 }
 
 TEST(Grammar, BindsAsItsLevelsSay) {
-  struct {
-    char const *text, *tree;
-  } const cases[] = {
+  std::pair<char const*, char const*> const cases[] = {
       {"1 + 2 * 3 - 4", "operator -(operator +(1 operator *(2 3)) 4)"},
       {"not 1 = 2 and true or false", "or(and(not(operator =(1 2)) true) false)"},
       {"yes \"a\" or no \"b\" and true", "or(yes(\"a\") and(no(\"b\") true))"},
@@ -49,15 +46,13 @@ TEST(Grammar, BindsAsItsLevelsSay) {
       {"item 0 of (label of it, it) of books of shelf 1",
        "item 0*(for each*(books (iterated)*(shelf(1)) tuple(label(it) it)))"},
   };
-  for (auto const& c : cases) {
-    EXPECT_EQ(Tree(c.text), c.tree) << c.text;
+  for (auto const& [text, tree] : cases) {
+    EXPECT_EQ(Tree(text), tree) << text;
   }
 }
 
 TEST(Grammar, SpellingsOfOneMeaningGiveOneTree) {
-  struct {
-    char const *one, *other;
-  } const cases[] = {
+  std::pair<char const*, char const*> const cases[] = {
       {"fail 1 is equal to fail 2", "fail 1 = fail 2"},
       {"not exist fail 1", "NOT(EXISTS(fail 1))"},
       {"build\tnumber of(shelf 1)whose(true)", "BUILD  Number of ( shelf 1 ) whose ( true )"},
@@ -67,7 +62,7 @@ TEST(Grammar, SpellingsOfOneMeaningGiveOneTree) {
        "if true then fail 1 else (if false then fail 2 else (fail 3 | fail 4))"},
       {"exists fail 1 | true", "(exists (fail 1)) | true"},
   };
-  for (auto const& c : cases) EXPECT_EQ(Tree(c.one), Tree(c.other)) << c.one;
+  for (auto const& [one, other] : cases) EXPECT_EQ(Tree(one), Tree(other)) << one;
 }
 
 TEST(Type, TellsTheStaticTypeAndNumber) {

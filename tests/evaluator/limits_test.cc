@@ -1,5 +1,4 @@
 // Texts of any shape and size get an answer or a diagnostic, soon.
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 
 #include <algorithm>

@@ -1,13 +1,11 @@
 // What expressions answer. `Answer` also sees to it that no value was moved or left over.
-#include <gtest/gtest.h>
 
 #include "tests/evaluator/test_vocabulary.h"
 
 namespace {
 
 struct Case {
-  char const* text;
-  char const* answer;
+  char const *text, *answer;
 };
 
 void ExpectAnswers(std::initializer_list<Case> cases) {

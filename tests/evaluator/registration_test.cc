@@ -1,6 +1,4 @@
 // Coming and going registrations, and the list of them.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <string>
@@ -118,10 +116,7 @@ TEST(Vocabulary, ListsIdenticalRegistrationsOnce) {
 }
 
 TEST(Vocabulary, TellsWhatWasRegistered) {
-  struct {
-    char const* singular;
-    std::vector<std::string> listed;
-  } const cases[] = {
+  std::pair<char const*, std::vector<std::string>> const cases[] = {
       {"known", {"property known/knowns (string) of (): string DOP"}},
       {"keeper", {"property keeper/ () of (shelf): string"}},
       {"twin", {"property twin/twins () of (): string", "iterated twin/twins () of (): string"}},
@@ -132,8 +127,8 @@ TEST(Vocabulary, TellsWhatWasRegistered) {
         "iterated book/books () of (shelf): book"}},
       {"", {"cache / () of (): "}},
   };
-  for (auto const& c : cases) {
-    EXPECT_THAT(Listed(c.singular), testing::UnorderedElementsAreArray(c.listed)) << c.singular;
+  for (auto const& [singular, listed] : cases) {
+    EXPECT_THAT(Listed(singular), testing::UnorderedElementsAreArray(listed)) << singular;
   }
   for (auto const& entry : gatotu::Vocabulary()) {
     if (entry.singular != "known") continue;

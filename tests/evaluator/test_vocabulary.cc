@@ -1,7 +1,5 @@
 #include "tests/evaluator/test_vocabulary.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <array>
 #include <atomic>

@@ -10,6 +10,9 @@
 //   book      title, page count, weight
 #pragma once
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <string>
 #include <string_view>

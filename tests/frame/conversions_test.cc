@@ -101,10 +101,7 @@ TEST_F(Conversions, TheReportEncodingFallsBackToWindowsLatin1) {
   evaluator_.context = &host;
   EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "not set";
 
-  struct {
-    std::string name;
-    TextEncoding encoding;
-  } const cases[] = {
+  std::pair<std::string, TextEncoding> const cases[] = {
       {"UTF-8", kCFStringEncodingUTF8},
       {"", kWindowsLatin1},
       {"bogus", kWindowsLatin1},
@@ -114,10 +111,10 @@ TEST_F(Conversions, TheReportEncodingFallsBackToWindowsLatin1) {
       // Cut to a length byte it would be "UTF-8".
       {"UTF-8" + std::string(256, 'x'), kWindowsLatin1},
   };
-  for (auto const& row : cases) {
-    host.SetEncoding(row.name);
-    EXPECT_EQ(GetReportEncodingFromInspector(), row.encoding) << row.name;
-    EXPECT_EQ(GetReportEncodingNameFromInspector(), row.name);
+  for (auto const& [name, encoding] : cases) {
+    host.SetEncoding(name);
+    EXPECT_EQ(GetReportEncodingFromInspector(), encoding) << name;
+    EXPECT_EQ(GetReportEncodingNameFromInspector(), name);
   }
 }
 

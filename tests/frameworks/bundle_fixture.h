@@ -14,7 +14,6 @@
 #include "tests/support/scripted_machine.h"
 
 using OwnedBundle = std::unique_ptr<__CFBundle, Releaser>;
-using OwnedURL = std::unique_ptr<std::remove_pointer_t<CFURLRef>, Releaser>;
 
 inline constexpr CFStringEncoding kUtf8 = kCFStringEncodingUTF8;
 

@@ -14,6 +14,7 @@ struct Releaser {
 };
 using OwnedObject = std::unique_ptr<void const, Releaser>;
 using OwnedString = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Releaser>;
+using OwnedURL = std::unique_ptr<std::remove_pointer_t<CFURLRef>, Releaser>;
 
 inline OwnedString Make(std::string_view bytes, CFStringEncoding encoding,
                         bool is_external = false) {

@@ -1,15 +1,10 @@
-#include <CoreFoundation/recorded_facts.h>
 #include <CoreServices/CoreServices.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <algorithm>
 #include <limits>
 
-#include "machine/capture/capture.h"
-#include "machine/capture/recorder.h"
-#include "tests/machine/recorded_tree.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/machine/recorded_capture.h"
+#include "tests/support/on_scripted_machine.h"
 
 namespace {
 
@@ -53,7 +48,7 @@ std::vector<std::string> Describe() {
   return lines;
 }
 
-class ComponentManager : public testing::Test {
+class ComponentManager : public OnScriptedMachine {
  protected:
   ComponentManager() {
     source_->list = {{1, 2, 3, "Sound", "Plays", 0x00020010},
@@ -63,8 +58,6 @@ class ComponentManager : public testing::Test {
   }
 
   std::shared_ptr<SomeComponents> source_ = std::make_shared<SomeComponents>();
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
 };
 
 TEST_F(ComponentManager, TellsWhatTheMachineDoes) {
@@ -105,12 +98,7 @@ TEST_F(ComponentManager, AnsweringFromACaptureIsTheSame) {
   source_->list[1].name->resize(255);
   std::vector<std::string> const expected = Describe();
   RecordedTree captures;
-  machine::Recorder recorder(machine_);
-  recorder.RecordEverything();
-  ASSERT_TRUE(recorder.Write(captures.At("/capture"), WriteRecordedFacts));
-  auto const opened = machine::OpenCapture(captures.At("/capture"), {}, ReadRecordedFacts);
-  ASSERT_TRUE(opened);
-  MachineInUse const use(*opened);
+  MachineInUse const use(RecordedWhole(machine_, captures.At("/capture")));
   EXPECT_EQ(Describe(), expected);
 }
 
@@ -138,12 +126,9 @@ TEST(CapturedComponents, AreAllOrNone) {
   };
   for (auto const& row : cases) {
     RecordedTree tree;
-    tree.Write("/machine.plist", "<plist version=\"1.0\"><dict><key>Components</key><array><dict>" +
-                                     codes + "</dict><dict>" + row.entries +
-                                     "</dict></array></dict></plist>");
-    auto const opened = machine::OpenCapture(tree.At(""), {}, ReadRecordedFacts);
-    ASSERT_TRUE(opened) << row.name;
-    auto const components = (*opened)->Components().Components();
+    auto const capture = Documented(tree, "<key>Components</key><array><dict>" + codes +
+                                              "</dict><dict>" + row.entries + "</dict></array>");
+    auto const components = capture->Components().Components();
     EXPECT_EQ(components.outcome(), row.outcome) << row.name;
     if (components) {
       EXPECT_EQ((*components)->at(0).subtype, 0x00010203u);

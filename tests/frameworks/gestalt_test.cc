@@ -1,15 +1,14 @@
 #include <CoreServices/CoreServices.h>
-#include <gtest/gtest.h>
 
 #include "tests/frameworks/cf_text.h"
 #include "tests/support/big_endian_text.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 
 namespace {
 
 constexpr SInt64 kUndefined = -1;
 
-class GestaltTest : public testing::Test {
+class GestaltTest : public OnScriptedMachine {
  protected:
   static SInt64 Ask(std::string const& selector) {
     SInt32 response = 77;
@@ -19,9 +18,6 @@ class GestaltTest : public testing::Test {
     EXPECT_EQ(response, 77);
     return kUndefined;
   }
-
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
 };
 
 TEST_F(GestaltTest, FollowsFromTheMachine) {

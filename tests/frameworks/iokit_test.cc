@@ -1,14 +1,13 @@
 #include <IOKit/IOKitLib.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/scripted_registry.h"
 
 namespace {
 
-class IOKit : public testing::Test {
+class IOKit : public OnScriptedMachine {
  protected:
+  IOKit() { machine_->registry = registry_; }
   static std::string NameOf(io_registry_entry_t entry, char const* plane = kIOServicePlane) {
     io_name_t name;
     kern_return_t const status = IORegistryEntryGetNameInPlane(entry, plane, name);
@@ -23,9 +22,6 @@ class IOKit : public testing::Test {
   }
 
   std::shared_ptr<ScriptedRegistry> registry_ = std::make_shared<ScriptedRegistry>();
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
-  void SetUp() override { machine_->registry = registry_; }
 };
 
 TEST_F(IOKit, AReferenceEndsWithItsLastRelease) {
@@ -116,17 +112,6 @@ TEST_F(IOKit, TwoNumbersMayStandForOneEntry) {
   EXPECT_FALSE(IOObjectIsEqualTo(entry, other));
   for (io_object_t const object : {entry, again, other}) IOObjectRelease(object);
   EXPECT_FALSE(IOObjectIsEqualTo(entry, again));
-}
-
-TEST_F(IOKit, PropertiesBelongToTheCaller) {
-  io_registry_entry_t const first = First();
-  CFMutableDictionaryRef properties = nullptr;
-  ASSERT_EQ(IORegistryEntryCreateCFProperties(first, &properties, kCFAllocatorDefault, 0),
-            KERN_SUCCESS);
-  EXPECT_EQ(CFGetRetainCount(properties), 1);
-  EXPECT_EQ(CFDictionaryGetCount(properties), 1);
-  CFRelease(properties);
-  IOObjectRelease(first);
 }
 
 }  // namespace

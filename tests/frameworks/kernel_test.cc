@@ -1,14 +1,12 @@
 #include <BSD/BSD.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cerrno>
 
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 
 namespace {
 
-class KernelTest : public testing::Test {
+class KernelTest : public OnScriptedMachine {
  protected:
   int Ask(std::vector<int> const& name, void* buffer, std::size_t* size) {
     errno = 0;
@@ -16,8 +14,6 @@ class KernelTest : public testing::Test {
   }
 
   std::vector<int> const all_ = {BSD::CTL_KERN, BSD::KERN_PROC, BSD::KERN_PROC_ALL};
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
 };
 
 TEST_F(KernelTest, ListsTheProcessesOrFindsOne) {

@@ -1,7 +1,4 @@
 #include <CoreFoundation/CoreFoundation.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -11,7 +8,7 @@
 
 #include "tests/frameworks/cf_text.h"
 #include "tests/machine/recorded_tree.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 
 namespace {
 
@@ -25,20 +22,18 @@ constexpr char kOfUser[] = "/home/ada/Library/Preferences/app.plist";
 constexpr char kOfAll[] = "/Library/Preferences/app.plist";
 constexpr char kGlobal[] = "/Library/Preferences/.GlobalPreferences.plist";
 
-using OwnedValue = std::unique_ptr<void const, Releaser>;
-
 std::string Text(CFTypeRef value) {
   if (value == nullptr) return "none";
   return BytesOf(static_cast<CFStringRef>(value), kCFStringEncodingUTF8);
 }
 
-OwnedValue Copy(std::string const& application = "app") {
-  return OwnedValue(
+OwnedObject Copy(std::string const& application = "app") {
+  return OwnedObject(
       CFPreferencesCopyAppValue(CFSTR("key"), Make(application, kCFStringEncodingUTF8).get()));
 }
 std::string Read(std::string const& application = "app") { return Text(Copy(application).get()); }
 
-class Preferences : public testing::Test {
+class Preferences : public OnScriptedMachine {
  protected:
   Preferences() {
     machine_->current_home = "/home/ada";
@@ -54,8 +49,6 @@ class Preferences : public testing::Test {
 
   RecordedTree tree_;
   std::shared_ptr<machine::Machine const> live_ = tree_.Machine();
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
 };
 
 TEST_F(Preferences, ComeFromTheFirstFileThatHasTheKey) {
@@ -76,11 +69,12 @@ TEST_F(Preferences, ComeFromTheFirstFileThatHasTheKey) {
   };
   for (auto const& row : rows) Write(row.path, row.path);
   EXPECT_EQ(
-      Text(OwnedValue(CFPreferencesCopyAppValue(CFSTR("key"), kCFPreferencesAnyApplication)).get()),
+      Text(
+          OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), kCFPreferencesAnyApplication)).get()),
       rows[2].path);
   for (auto const& row : rows) {
     EXPECT_EQ(Read(), row.path);
-    OwnedValue const alone(
+    OwnedObject const alone(
         CFPreferencesCopyValue(CFSTR("key"), row.application, row.user, row.host));
     EXPECT_EQ(Text(alone.get()), row.path);
     tree_.Write(row.path, "{ other = \"\"; }");
@@ -120,41 +114,33 @@ TEST_F(Preferences, ThatCannotBeReadArePassedOver) {
   Write(kOfAll, "all");
   struct {
     char const* what;
-    void (*put)(std::string const& path);
+    void (*put)(RecordedTree const&);
     Outcome reason;
   } const rows[] = {
-      {"folder", [](std::string const& path) { std::filesystem::create_directory(path); },
-       Outcome::kMalformed},
-      {"pipe", [](std::string const& path) { ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0); },
-       Outcome::kMalformed},
-      {"link to a device",
-       [](std::string const& path) { std::filesystem::create_symlink("/dev/zero", path); },
-       Outcome::kAbsent},
-      {"empty file", [](std::string const& path) { std::ofstream{path}; }, Outcome::kMalformed},
-      {"damage", [](std::string const& path) { std::ofstream(path) << "bplist00{"; },
-       Outcome::kMalformed},
-      {"array", [](std::string const& path) { std::ofstream(path) << "(key, value)"; },
-       Outcome::kMalformed},
+      {"folder", [](auto const& tree) { tree.MakeFolder(kOfUser); }, Outcome::kMalformed},
+      {"pipe", [](auto const& tree) { tree.MakeFifo(kOfUser); }, Outcome::kMalformed},
+      {"device", [](auto const& tree) { tree.Link(kOfUser, "/dev/zero"); }, Outcome::kAbsent},
+      {"empty file", [](auto const& tree) { tree.Write(kOfUser); }, Outcome::kMalformed},
+      {"damage", [](auto const& tree) { tree.Write(kOfUser, "bplist00{"); }, Outcome::kMalformed},
+      {"array", [](auto const& tree) { tree.Write(kOfUser, "(key, value)"); }, Outcome::kMalformed},
       {"17 MiB",
-       [](std::string const& path) {
-         std::ofstream(path) << "{ key = \"user\"; }";
-         std::filesystem::resize_file(path, 17 << 20);
+       [](auto const& tree) {
+         tree.Write(kOfUser, "{ key = \"user\"; }");
+         std::filesystem::resize_file(tree.At(kOfUser), 17 << 20);
        },
        Outcome::kMalformed},
       {"another's file",
-       [](std::string const& path) {
-         std::ofstream(path) << "{ key = \"user\"; }";
-         std::filesystem::permissions(path, std::filesystem::perms::none);
+       [](auto const& tree) {
+         tree.Write(kOfUser, "{ key = \"user\"; }");
+         std::filesystem::permissions(tree.At(kOfUser), std::filesystem::perms::none);
        },
        Outcome::kPermissionRefused},
   };
-  std::string const path = tree_.At(kOfUser);
-  std::filesystem::create_directories(std::filesystem::path(path).parent_path());
   // What one's own rights forbid, the superuser may do.
   uid_t const self = ::geteuid(), other = self == 0 ? 65534 : self;
   std::filesystem::permissions(tree_.At(""), std::filesystem::perms(0755));
   for (auto const& row : rows) {
-    row.put(path);
+    row.put(tree_);
     ASSERT_EQ(::seteuid(other), 0);
     // Twice, for what is known of a file from before.
     for (int i = 0; i < 2; ++i) {
@@ -164,7 +150,7 @@ TEST_F(Preferences, ThatCannotBeReadArePassedOver) {
       Settle();
     }
     ASSERT_EQ(::seteuid(self), 0);
-    std::filesystem::remove(path);
+    std::filesystem::remove(tree_.At(kOfUser));
   }
 }
 
@@ -194,7 +180,7 @@ TEST_F(Preferences, OfAnApplicationWhoseNameIsNoFilesNameAreTheGlobalOnes) {
 
 TEST_F(Preferences, AreReadAgainWhenTheirFileChanges) {
   Write(kOfUser, "one");
-  OwnedValue const first = Copy();
+  OwnedObject const first = Copy();
   Write(kOfUser, "two");  // at once, of the same size
   EXPECT_EQ(Read(), "two");
   Settle();
@@ -233,7 +219,7 @@ TEST_F(Preferences, KeptAreOnlyThoseReadLast) {
     Write("/Library/Preferences/" + name(i) + ".plist", name(i));
   }
   Settle();
-  std::vector<OwnedValue> values;
+  std::vector<OwnedObject> values;
   for (int i = 0; i < 100; ++i) values.push_back(Copy(name(i)));
   AnnouncementLog log;
   EXPECT_EQ(Read(name(99)), name(99));

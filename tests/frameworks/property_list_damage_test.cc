@@ -5,13 +5,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <random>
 #include <string>
 
 #include "tests/frameworks/property_list_print.h"
 #include "tests/support/binary_list_text.h"
 #include "tests/support/sanitized.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -116,27 +116,14 @@ template <typename Make>
 std::string MadeByChild(Make&& make) {
   // What the heap holds in reserve would else be taken before the peak rises.
   malloc_trim(0);
-  int pipe_ends[2];
-  if (pipe(pipe_ends) != 0) return {};
+  gatotu::tests::TemporaryFolder const folder;
   pid_t const child = fork();
   if (child == 0) {
-    std::string const made = make();
-    std::size_t done = 0;
-    for (ssize_t written = 1; written > 0 && done < made.size();) {
-      written = write(pipe_ends[1], made.data() + done, made.size() - done);
-      if (written > 0) done += static_cast<std::size_t>(written);
-    }
-    _exit(done == made.size() ? 0 : 1);
+    folder.Write("made", make());
+    _exit(0);
   }
-  close(pipe_ends[1]);
-  std::string made;
-  char piece[65'536];
-  for (ssize_t size; (size = read(pipe_ends[0], piece, sizeof piece)) > 0;) {
-    made.append(piece, static_cast<std::size_t>(size));
-  }
-  close(pipe_ends[0]);
   waitpid(child, nullptr, 0);
-  return made;
+  return folder.Read("made");
 }
 
 double Peak() {
@@ -156,10 +143,7 @@ double PeakOfReading(std::string const& bytes) {
 
 TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
   if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
-  struct {
-    char const* name;
-    std::string text;
-  } const rows[] = {
+  std::pair<char const*, std::string> const rows[] = {
       {"settings", Repeated("<array>",
                             "<dict>\n\t<key>Label</key>\n\t<string>org.example.service</string>\n"
                             "\t<key>KeepAlive</key>\n\t<true/>\n\t<key>Nice</key>\n"
@@ -178,10 +162,10 @@ TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
       {"a byte of data", Repeated("<array>", "<data>AA==</data>", "</array>")},
       {"arrays of one", Repeated("<array>", "<array><true/></array>", "</array>")},
   };
-  for (auto const& row : rows) {
-    double const grown = PeakOfReading(row.text);
-    EXPECT_GT(grown, 0) << row.name;
-    EXPECT_LE(grown, 4 * static_cast<double>(row.text.size())) << row.name;
+  for (auto const& [name, text] : rows) {
+    double const grown = PeakOfReading(text);
+    EXPECT_GT(grown, 0) << name;
+    EXPECT_LE(grown, 4 * static_cast<double>(text.size())) << name;
   }
 }
 

@@ -1,10 +1,8 @@
 #include <CoreServices/CoreServices.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstring>
 
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/scripted_volumes.h"
 
 namespace {
@@ -35,7 +33,7 @@ class ScriptedFiles final : public machine::FileSource {
   std::map<std::string, ItemStatus> items;
 };
 
-class VolumesTest : public testing::Test {
+class VolumesTest : public OnScriptedMachine {
  protected:
   VolumesTest() {
     machine_->files = files_;
@@ -64,10 +62,8 @@ class VolumesTest : public testing::Test {
     return info.volume;
   }
 
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
   std::shared_ptr<ScriptedFiles> files_ = std::make_shared<ScriptedFiles>();
   std::shared_ptr<ScriptedVolumes> volumes_ = std::make_shared<ScriptedVolumes>();
-  MachineInUse use_{machine_};
 };
 
 TEST_F(VolumesTest, AreFoundByPlaceAndByNumber) {

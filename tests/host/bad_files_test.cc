@@ -1,15 +1,13 @@
 // Files that are made to do harm: what the user is told, and what looking at them costs.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <nlohmann/json.hpp>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
 #include "tests/support/binary_list_text.h"
 #include "tests/support/sanitized.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

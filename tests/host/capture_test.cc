@@ -1,17 +1,14 @@
 // Captures made and asked with the command.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
 #include "tests/machine/apple_double_text.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

@@ -1,7 +1,5 @@
 #include "tests/host/child_process.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -9,7 +7,6 @@
 #include <array>
 #include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <memory>
 #include <sstream>
 #include <thread>

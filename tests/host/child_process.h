@@ -1,6 +1,9 @@
 // Runs the command as its users do.
 #pragma once
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <chrono>
 #include <string>
 #include <vector>

@@ -1,11 +1,9 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {
@@ -19,8 +17,7 @@ struct Case {
   std::string name;
   std::vector<std::string> arguments;
   std::string input;
-  Matcher<std::string> output;
-  Matcher<std::string> errors;
+  Matcher<std::string> output, errors;
   int status;
 };
 

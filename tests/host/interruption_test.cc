@@ -1,9 +1,6 @@
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/child_process.h"

@@ -1,10 +1,6 @@
 // What the command says about the machine at hand, against what other programs say.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <fstream>
 #include <set>
 
 #include "tests/host/child_process.h"

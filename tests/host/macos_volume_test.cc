@@ -1,10 +1,9 @@
 // A macOS volume that was never prepared for being asked.
-#include <gtest/gtest.h>
 
 #include <filesystem>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

@@ -1,14 +1,12 @@
 // An application that somebody else built, on a volume made of it: the command against Python's
 // property lists. The application comes from a package registry, so this wants the network.
-#include <gtest/gtest.h>
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <nlohmann/json.hpp>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

@@ -1,6 +1,5 @@
 #include "host/settings.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "host/shown_text.h"

@@ -1,12 +1,7 @@
 // Bundles, by their folder and by identifier.
 #include "inspectors/plist/bundle.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "portable/core_foundation/errors.h"
 #include "portable_inspectors/filesystem_object.h"
@@ -45,7 +40,8 @@ class Bundles : public testing::Test {
     return bundle_of(Folder(name));
   }
   static Bundle Named(std::string const& identifier) {
-    return bundle_named(Bytes(identifier), identifier.size());
+    inspector_string const name = Name(identifier);
+    return Ask<Bundle>("bundle", "", nullptr, &name);
   }
 
   RecordedTree tree_;

@@ -1,16 +1,9 @@
 #include <CoreServices/CoreServices.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include <memory>
-#include <string>
-#include <vector>
-
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/system/component.h"
+#include "tests/inspectors/asking.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/real_function.h"
-#include "tests/support/recording_evaluator.h"
-#include "tests/support/scripted_machine.h"
 
 namespace {
 
@@ -61,32 +54,20 @@ class SomeComponents final : public machine::ComponentSource {
       {0, 0, 0, {}, std::string(255, '\xE9'), {}}};
 };
 
-// A text, or why there is none.
-template <typename Ask>
-std::string TextOf(Ask&& ask) {
-  std::string text;
-  try {
-    inspector_string const string = ask();
-    text.assign(reinterpret_cast<char const*>(string.start), string.length);
-  } catch (NoSuchObject const&) {
-    text = "no such object";
-  } catch (MemoryFullError const& error) {
-    text = "memory full " + std::to_string(error.Code());
-  } catch (OSError const& error) {
-    text = "error " + std::to_string(error.Code());
-  }
-  EXPECT_EQ(live_handles, 0);
-  return text;
-}
-
-class Components : public testing::Test {
+class Components : public OnScriptedMachine {
  protected:
   Components() { machine_->components = source_; }
-  ~Components() override { refuses_handles = refuses_to_resize = false; }
+  ~Components() override {
+    refuses_handles = refuses_to_resize = false;
+    EXPECT_EQ(live_handles, 0);
+  }
+  // What one function says of one component.
+  static std::string Ask(inspector_string (*function)(ComponentClass const&),
+                         ComponentClass const& component) {
+    return Told([&] { return function(component); });
+  }
 
   std::shared_ptr<SomeComponents> source_ = std::make_shared<SomeComponents>();
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
   ComponentClass const first_{1}, second_{2}, none_{3};
 };
 
@@ -104,32 +85,27 @@ TEST_F(Components, ComeOneAfterTheOther) {
 }
 
 TEST_F(Components, CodesBeginWithTheirMostSignificantByte) {
-  EXPECT_EQ(TextOf([&] { return type_of(first_); }), "AB_d");
-  EXPECT_EQ(TextOf([&] { return subtype_of(first_); }), std::string("\0\xFF\n ", 4));
-  EXPECT_EQ(TextOf([&] { return maker_of(first_); }), "appl");
-  for (auto* const ask : {static_cast<inspector_string (*)(ComponentClass const&)>(type_of),
-                          subtype_of, maker_of, name_of, info_of}) {
-    EXPECT_EQ(TextOf([&] { return ask(none_); }), "error -3000");
-  }
+  EXPECT_EQ(Ask(type_of, first_), "AB_d");
+  EXPECT_EQ(Ask(subtype_of, first_), std::string("\0\xFF\n ", 4));
+  EXPECT_EQ(Ask(maker_of, first_), "appl");
+  EXPECT_EQ(Ask(type_of, none_), "error -3000");
+  EXPECT_EQ(Ask(subtype_of, none_), "error -3000");
+  EXPECT_EQ(Ask(maker_of, none_), "error -3000");
 }
 
 TEST_F(Components, TextsAreCopiedAndTheirHandlesDisposed) {
-  auto const name = [](ComponentClass component) {
-    return TextOf([&] { return name_of(component); });
-  };
-  auto const info = [](ComponentClass component) {
-    return TextOf([&] { return info_of(component); });
-  };
-  EXPECT_EQ(name(first_), "Sound Output");
-  EXPECT_EQ(info(first_), "");
-  EXPECT_EQ(name(second_), "no such object");
-  EXPECT_EQ(info(second_), std::string(255, '\xE9'));
+  EXPECT_EQ(Ask(name_of, first_), "Sound Output");
+  EXPECT_EQ(Ask(info_of, first_), "");
+  EXPECT_EQ(Ask(name_of, second_), "no such object");
+  EXPECT_EQ(Ask(info_of, second_), std::string(255, '\xE9'));
+  EXPECT_EQ(Ask(name_of, none_), "error -3000");
+  EXPECT_EQ(Ask(info_of, none_), "error -3000");
   refuses_to_resize = true;
-  EXPECT_EQ(name(first_), "error -108");
-  EXPECT_EQ(name(second_), "no such object");
+  EXPECT_EQ(Ask(name_of, first_), "error -108");
+  EXPECT_EQ(Ask(name_of, second_), "no such object");
   refuses_handles = true;
-  EXPECT_EQ(name(first_), "memory full -108");
-  EXPECT_EQ(info(second_), "memory full -108");
+  EXPECT_EQ(Ask(name_of, first_), "memory full -108");
+  EXPECT_EQ(Ask(info_of, second_), "memory full -108");
 }
 
 TEST_F(Components, VersionsAreTwoWholeNumbers) {
@@ -150,16 +126,11 @@ TEST_F(Components, VersionsAreTwoWholeNumbers) {
 }
 
 TEST_F(Components, AreRegisteredInTheirOrder) {
-  std::vector<std::string> phrases;
-  for (RecordedRegistration const& each : RecordingEvaluator::Instance().registered) {
-    if (each.name != "component" && each.object != "component") continue;
-    EXPECT_EQ(each.fingerprint, nullptr);
-    phrases.push_back(each.name + " " + each.plural);
-    if (each.size != 0) phrases.back() += " " + std::to_string(each.size);
-  }
-  EXPECT_THAT(phrases, testing::ElementsAre("component  4", "maker makers", "type types",
-                                            "subtype subtypes", "name names", "info infos",
-                                            "version versions", "component components 4"));
+  EXPECT_THAT(
+      RegisteredOf({"component"}),
+      testing::ElementsAre("component 4", "makers of component", "types of component",
+                           "subtypes of component", "names of component", "infos of component",
+                           "versions of component", "components of  4"));
 }
 
 }  // namespace

@@ -1,14 +1,10 @@
 #include "inspectors/system/country.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
-#include <string>
 #include <string_view>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/system/country_codes.h"
-#include "tests/support/recording_evaluator.h"
+#include "tests/inspectors/asking.h"
 
 namespace {
 
@@ -17,15 +13,9 @@ country Named(std::string_view name) {
 }
 
 TEST(Country, NamesAreFoundByTheirExactBytes) {
-  struct {
-    char const* name;
-    std::uint32_t code;
-  } const cases[] = {
-      {"verUS", 0},          {"verFrance", 1}, {"verNepal", 106}, {"vervariantDenmark", 32},
-      {"verGreecePoly", 40},
-  };
-  for (auto const& row : cases) EXPECT_EQ(Named(row.name).region_code, row.code) << row.name;
-
+  EXPECT_EQ(Named("verUS").region_code, 0u);
+  EXPECT_EQ(Named("vervariantDenmark").region_code, 32u);
+  EXPECT_EQ(Named("verNepal").region_code, 106u);
   using namespace std::string_view_literals;
   for (std::string_view const name : {""sv, "ver"sv, "verus"sv, "VERUS"sv, " verUS"sv, "verUS "sv,
                                       "verUS\0"sv, "verUSA"sv, "zebra"sv, "aaa"sv, "\xFF"sv}) {

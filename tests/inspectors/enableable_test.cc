@@ -1,9 +1,4 @@
 // Extensions, control panels, startup items and shutdown items, asked through what they register.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 #include "inspectors/files/enableable_file.h"
 #include "inspectors/files/special_folder.h"

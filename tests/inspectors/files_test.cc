@@ -1,9 +1,6 @@
 // Files: codes, what the catalogue knows, and paths.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
-#include <string>
 
 #include "inspectors/files/file_attributes.h"
 #include "inspectors/files/file_code.h"
@@ -21,15 +18,14 @@ namespace {
 using namespace std::string_literals;
 
 TEST(FileCodes, AreAnyFourBytes) {
-  struct {
-    std::string text;
-    std::uint32_t code;
-  } const cases[] = {{"APPL", 0x4150504C}, {"appl", 0x6170706C}, {"\0\xff\x80\x01"s, 0x00FF8001}};
-  for (auto const& row : cases) {
-    EXPECT_EQ(file_type_of(Bytes(row.text), 4).code, row.code);
-    EXPECT_EQ(file_signature_of(Bytes(row.text), 4).code, row.code);
-    EXPECT_TRUE(file_type_of(Bytes(row.text), 4) == file_type{row.code});
-    EXPECT_FALSE(file_signature_of(Bytes(row.text), 4) == file_signature{row.code + 1});
+  std::pair<std::string, std::uint32_t> const cases[] = {
+      {"APPL", 0x4150504C}, {"appl", 0x6170706C}, {"\0\xff\x80\x01"s, 0x00FF8001}};
+  for (auto const& [text, code] : cases) {
+    inspector_string const name = Name(text);
+    EXPECT_EQ(Ask<file_type>("file type", "", nullptr, &name).code, code);
+    EXPECT_EQ(Ask<file_signature>("file signature", "", nullptr, &name).code, code);
+    EXPECT_TRUE(file_type_of(Bytes(text), 4) == file_type{code});
+    EXPECT_FALSE(file_signature_of(Bytes(text), 4) == file_signature{code + 1});
   }
   for (unsigned long const length : {0UL, 3UL, 5UL}) {
     EXPECT_THROW(file_type_of(Bytes("abcde"), length), NoSuchObject);
@@ -65,8 +61,7 @@ TEST_F(Files, TellTheirFinderFlagsAndForks) {
                      {0x4000, false, false, false, 1},
                      {0x8000, true, true, false, 7},
                      {0x0800, true, false, true, 7},
-                     {0xB7FF & ~0x8800, true, false, false, 7},
-                     {0xFFFF, false, true, true, 7}};
+                     {0xB7FF & ~0x8800, true, false, false, 7}};
   for (auto const& row : cases) {
     Make("._x",
          AppleDoubleText({{9, "TEXTttxt" + BigEndianText(row.flags, 2) + std::string(22, '\0')},
@@ -103,11 +98,15 @@ TEST_F(Files, HavePathsInBothNotationsAndTheReportEncoding) {
   // No setting names an encoding here: it is Windows Latin-1.
   file const file = Make("a:b caf\u00e9 \u2603", "");
   std::string const posix = folder_.Path() + "/a:b caf\xe9 ?";
-  EXPECT_EQ(Shown(POSIXPathOfObject(Of(), file)), posix);
+  auto const ask = [&](char const* phrase) {
+    return Shown(Ask<inspector_string>(phrase, "filesystem object", &file));
+  };
+  EXPECT_EQ(ask("posix path"), posix);
+  EXPECT_EQ(ask("pathname"), posix);
   EXPECT_EQ(Shown(AsString(file)), posix);
-  EXPECT_THAT(
-      Shown(HFSPathOfObject(Of(), file)),
-      testing::AllOf(testing::EndsWith(":a/b caf\xe9 ?"), testing::Not(testing::StartsWith(":"))));
+  EXPECT_NE(RecordingEvaluator::Instance().Find("Cast", "string", "filesystem object"), nullptr);
+  EXPECT_THAT(ask("hfs path"), testing::AllOf(testing::EndsWith(":a/b caf\xe9 ?"),
+                                              testing::Not(testing::StartsWith(":"))));
 }
 
 TEST_F(Files, OpenAsTheKindOfListTheyAre) {

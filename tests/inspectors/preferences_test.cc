@@ -1,16 +1,12 @@
 // Preferences, asked through what they register.
 #include "inspectors/plist/preferences.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <optional>
-#include <string>
-
 #include "tests/inspectors/asking.h"
 #include "tests/machine/recorded_tree.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
+
+std::string Shown(OSXArray const& array) { return Shown(size_of_array(array)); }
+std::string Shown(OSXDictionary const& dictionary) { return Shown(size_of_dictionary(dictionary)); }
 
 namespace {
 
@@ -20,30 +16,21 @@ Preferences Of(std::string const& application) {
   return prefs_of(Bytes(application), application.size());
 }
 
-using ::Shown;
-std::string Shown(OSXArray const& array) { return std::to_string(size_of_array(array)); }
-std::string Shown(OSXDictionary const& dictionary) {
-  return std::to_string(size_of_dictionary(dictionary));
-}
+std::string const kNone = "no such object";
 
-// The answer to "string "key" of preference "application"" and its like; none where there is none.
+// The answer to "string "key" of preference "application"" and its like.
 template <class Result>
-std::optional<std::string> Ask(std::string const& phrase, std::string const& application,
-                               std::string const& key) {
+std::string Ask(std::string const& phrase, std::string const& application, std::string const& key) {
   Preferences const preferences = Of(application);
   inspector_string const name = Name(key);
-  try {
-    return Shown(::Ask<Result>(phrase, "preference", &preferences, &name));
-  } catch (NoSuchObject const&) {
-    return std::nullopt;
-  }
+  return Told([&] { return ::Ask<Result>(phrase, "preference", &preferences, &name); });
 }
 
-std::optional<std::string> AskText(std::string const& application, std::string const& key) {
+std::string AskText(std::string const& application, std::string const& key) {
   return Ask<inspector_string>("string", application, key);
 }
 
-class PreferencesOfAMachine : public testing::Test {
+class PreferencesOfAMachine : public OnScriptedMachine {
  protected:
   PreferencesOfAMachine() {
     machine_->files = {tree_machine_, &tree_machine_->Files()};
@@ -61,8 +48,6 @@ class PreferencesOfAMachine : public testing::Test {
 
   RecordedTree tree_;
   std::shared_ptr<machine::Machine const> tree_machine_ = tree_.Machine();
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
 };
 
 TEST_F(PreferencesOfAMachine, HaveValuesOfSixTypes) {
@@ -86,7 +71,7 @@ TEST_F(PreferencesOfAMachine, HaveValuesOfSixTypes) {
                      {"missing", "", ""}};
   for (auto const& row : cases) {
     auto const expected = [&](char const* phrase) {
-      return row.phrase == phrase ? std::optional(row.answer) : std::nullopt;
+      return row.phrase == phrase ? row.answer : kNone;
     };
     SCOPED_TRACE(row.key);
     EXPECT_EQ(Ask<inspector_string>("string", "a", row.key), expected("string"));
@@ -100,11 +85,11 @@ TEST_F(PreferencesOfAMachine, HaveValuesOfSixTypes) {
 
 TEST_F(PreferencesOfAMachine, HaveNamesAndKeysInMacRoman) {
   WriteText(kHome + "caf\u00e9.plist", "caf\u00e9");
-  EXPECT_NE(AskText("caf\x8E", "caf\x8E"), std::nullopt);
-  EXPECT_EQ(AskText("caf\u00e9", "caf\x8E"), std::nullopt);
-  EXPECT_EQ(AskText("caf\x8E", "caf\u00e9"), std::nullopt);
-  EXPECT_EQ(AskText("", "caf\x8E"), std::nullopt);
-  EXPECT_EQ(AskText("../Preferences/caf\x8E", "caf\x8E"), std::nullopt);
+  EXPECT_NE(AskText("caf\x8E", "caf\x8E"), kNone);
+  EXPECT_EQ(AskText("caf\u00e9", "caf\x8E"), kNone);
+  EXPECT_EQ(AskText("caf\x8E", "caf\u00e9"), kNone);
+  EXPECT_EQ(AskText("", "caf\x8E"), kNone);
+  EXPECT_EQ(AskText("../Preferences/caf\x8E", "caf\x8E"), kNone);
 }
 
 TEST_F(PreferencesOfAMachine, KeepTheirValuesForEver) {
@@ -113,7 +98,7 @@ TEST_F(PreferencesOfAMachine, KeepTheirValuesForEver) {
   OSXArray const array = array_of_prefs(Bytes("l"), 1, Of("a"));
   // The file as it was has no holder but these.
   Write(kHome + "a.plist", "<key>other</key><true/>");
-  EXPECT_EQ(AskText("a", "d"), std::nullopt);
+  EXPECT_EQ(AskText("a", "d"), kNone);
   EXPECT_EQ(CFGetRetainCount(dictionary.Dictionary()), 2) << "the one above, and one for ever";
   EXPECT_EQ(CFGetRetainCount(array.Array()), 3) << "the one above, and two for ever";
 }

@@ -1,35 +1,11 @@
 #include "inspectors/system/process.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "tests/inspectors/asking.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 
 namespace {
 
-class Processes : public testing::Test {
- protected:
-  static std::vector<integer> Pids(process_iterator& iterator) {
-    std::vector<integer> pids;
-    try {
-      for (process found = iterator.First();; found = iterator.Next()) {
-        pids.push_back(pid_of_process(found));
-      }
-    } catch (NoSuchObject const&) {
-    }
-    return pids;
-  }
-
-  static std::string NameOf(process const& found) { return Shown(name_of_process(found)); }
-
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
-};
+using Processes = OnScriptedMachine;
 
 TEST_F(Processes, EachOfASnapshotComesOnceInTheKernelsOrder) {
   machine_->AddProcess(1, "init");
@@ -43,10 +19,9 @@ TEST_F(Processes, EachOfASnapshotComesOnceInTheKernelsOrder) {
   EXPECT_THROW(iterator.Next(), NoSuchObject);
   EXPECT_THROW(iterator.Next(), NoSuchObject);
   iterator.FreeProcList();
-  EXPECT_EQ(NameOf(first), "init");
-
+  EXPECT_EQ(Shown(name_of_process(first)), "init");
   machine_->AddProcess(5, "new");
-  EXPECT_THAT(Pids(iterator), testing::ElementsAre(5));
+  EXPECT_THAT(All(iterator, pid_of_process), testing::ElementsAre(5));
 }
 
 TEST_F(Processes, AnEmptyOrRefusedSnapshotIsNotTheSame) {
@@ -65,7 +40,7 @@ TEST_F(Processes, ATableThatOutgrowsItsBufferIsReadAgain) {
     for (int i = 0; i < 200; ++i) machine_->AddProcess(1000 * counts + i, "new");
   };
   process_iterator iterator;
-  EXPECT_EQ(Pids(iterator).size(), 601u);
+  EXPECT_EQ(All(iterator, pid_of_process).size(), 601u);
   EXPECT_EQ(machine_->calls().all_processes, 4);
 }
 
@@ -73,7 +48,7 @@ TEST_F(Processes, OneByItsNumber) {
   machine_->AddProcess(42, "abcdefghijklmnopqrs");
   process const found = numbered_process_of_world(42);
   EXPECT_EQ(pid_of_process(found), 42);
-  EXPECT_EQ(NameOf(found), "abcdefghijklmnop");
+  EXPECT_EQ(Shown(name_of_process(found)), "abcdefghijklmnop");
   EXPECT_EQ(machine_->calls().all_processes, 0);
   for (unsigned long long const number : {43ull, 0ull, 0xFFFFFFFFull}) {
     EXPECT_THROW(numbered_process_of_world(number), NoSuchObject) << number;

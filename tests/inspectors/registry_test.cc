@@ -1,18 +1,15 @@
 // The registry, the firmware and the system, asked through what they register.
 #include "inspectors/system/registry.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
+#include <optional>
 #include <utility>
-#include <vector>
 
 #include "inspectors/system/bios.h"
 #include "inspectors/system/operating_system.h"
-#include "tests/machine/recorded_devices.h"
+#include "tests/inspectors/asking.h"
+#include "tests/machine/recorded_tree.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/real_function.h"
-#include "tests/support/recording_evaluator.h"
-#include "tests/support/scripted_machine.h"
 #include "tests/support/scripted_registry.h"
 
 namespace {
@@ -70,33 +67,26 @@ class EverythingIsGivenBack {
   io_object_t const start_ = NextNumber();
 };
 
-std::string Text(inspector_string const& string) {
-  return {reinterpret_cast<char const*>(string.start), string.length};
-}
-
 registry_node NodeOfRoot(std::string const& name) {
-  return node_by_path(reinterpret_cast<unsigned char const*>(name.data()), name.size(), theroot());
+  return node_by_path(Bytes(name), name.size(), theroot());
 }
-
 registry_node NodeOf(registry_node const& node, std::string const& name) {
-  return named_node_of(reinterpret_cast<unsigned char const*>(name.data()), name.size(), node);
+  return named_node_of(Bytes(name), name.size(), node);
 }
 
-class Registry : public testing::Test {
+class Registry : public OnScriptedMachine {
  protected:
+  Registry() {
+    machine_->registry = registry_;
+    check_.emplace();
+  }
   void TearDown() override {
     EXPECT_EQ(registry_->LiveNodes(), 0);
     machine_->registry = registry_;
   }
 
   std::shared_ptr<ScriptedRegistry> registry_ = std::make_shared<ScriptedRegistry>();
-  std::shared_ptr<ScriptedMachine> machine_ = [this] {
-    auto machine = std::make_shared<ScriptedMachine>();
-    machine->registry = registry_;
-    return machine;
-  }();
-  MachineInUse use_{machine_};
-  EverythingIsGivenBack check_;
+  std::optional<EverythingIsGivenBack> check_;
 };
 
 TEST_F(Registry, EveryCopyIsTheSameEntryAndTheLastReleasesIt) {
@@ -111,12 +101,12 @@ TEST_F(Registry, EveryCopyIsTheSameEntryAndTheLastReleasesIt) {
       EXPECT_EQ(IOObjectGetUserRetainCount(number), 1u);
       IOObjectRetain(number);
     }
-    EXPECT_EQ(Text(name_of(*last)), "top");
+    EXPECT_EQ(Shown(name_of(*last)), "top");
     EXPECT_STREQ(last->Plane(), "IOService");
     EXPECT_EQ(IOObjectGetUserRetainCount(number), 2u);
     *last = NodeOf(*last, "b");
     EXPECT_EQ(IOObjectGetUserRetainCount(number), 1u);
-    EXPECT_EQ(Text(name_of(*last)), "b");
+    EXPECT_EQ(Shown(name_of(*last)), "b");
   }
   EXPECT_EQ(IOObjectRelease(number), KERN_SUCCESS);
   EXPECT_EQ(IOObjectGetUserRetainCount(number), 0u);
@@ -125,11 +115,11 @@ TEST_F(Registry, EveryCopyIsTheSameEntryAndTheLastReleasesIt) {
 TEST_F(Registry, AWalkReleasesWhatItTookOnEveryWayOut) {
   registry_node const first = serviceplane(theroot());
   OSXRegistryIterator whole;
-  EXPECT_EQ(Text(name_of(whole.First(first))), "a@0");
-  EXPECT_EQ(Text(path_of(whole.Next(first))), "IOService:/b");
+  EXPECT_EQ(Shown(name_of(whole.First(first))), "a@0");
+  EXPECT_EQ(Shown(path_of(whole.Next(first))), "IOService:/b");
   EXPECT_THROW(whole.Next(first), NoSuchObject);
   EXPECT_THROW(whole.Next(first), NoSuchObject);
-  EXPECT_EQ(Text(name_of(whole.First(first))), "a@0");
+  EXPECT_EQ(Shown(name_of(whole.First(first))), "a@0");
   OSXRegistryIterator broken_off, of_leaf, never_started;
   broken_off.First(first);
   EXPECT_THROW(of_leaf.First(NodeOf(first, "b")), NoSuchObject);
@@ -138,7 +128,7 @@ TEST_F(Registry, AWalkReleasesWhatItTookOnEveryWayOut) {
 
 TEST_F(Registry, PlanesAreAskedOfTheRegistryItself) {
   registry_root const root(IORegistryEntryFromPath(MACH_PORT_NULL, "IOService:/b"));
-  EXPECT_EQ(Text(name_of(serviceplane(root))), "top");
+  EXPECT_EQ(Shown(name_of(serviceplane(root))), "top");
   for (auto const plane : {powerplane, devicetreeplane, audioplane, firewireplane, usbplane}) {
     EXPECT_THROW(plane(theroot()), NoSuchObject);
   }
@@ -148,7 +138,7 @@ TEST_F(Registry, PlanesAreAskedOfTheRegistryItself) {
 }
 
 TEST_F(Registry, NodesByPath) {
-  EXPECT_EQ(Text(name_of(NodeOfRoot("IOService:/a@0"))), "a@0");
+  EXPECT_EQ(Shown(name_of(NodeOfRoot("IOService:/a@0"))), "a@0");
   EXPECT_STREQ(NodeOfRoot("IOService:/").Plane(), "IOService");
   for (char const* name : {"", "/b", "b", "IOService", "IOService:b", "IOUSB:/b", ":/b"}) {
     EXPECT_THROW(NodeOfRoot(name), NoSuchObject) << name;
@@ -166,13 +156,13 @@ TEST_F(Registry, NodesByPath) {
 TEST_F(Registry, NodesBelowNodes) {
   registry_->AddLeaf("b/c");
   registry_node const first = serviceplane(theroot());
-  EXPECT_EQ(Text(path_of(NodeOf(first, "b/c"))), "IOService:/b/c");
-  EXPECT_EQ(Text(path_of(NodeOf(NodeOf(first, "b"), "c"))), "IOService:/b/c");
+  EXPECT_EQ(Shown(path_of(NodeOf(first, "b/c"))), "IOService:/b/c");
+  EXPECT_EQ(Shown(path_of(NodeOf(NodeOf(first, "b"), "c"))), "IOService:/b/c");
   EXPECT_THROW(NodeOf(first, "/b"), NoSuchObject);
   std::string const longest(511 - 11, 'x');
   registry_->AddLeaf(longest);
   registry_->AddLeaf(longest + "x");
-  EXPECT_EQ(Text(path_of(NodeOf(first, longest))).size(), 511u);
+  EXPECT_EQ(Shown(path_of(NodeOf(first, longest))).size(), 511u);
   EXPECT_THROW(NodeOf(NodeOf(first, longest), ""), NoSuchObject);
   EXPECT_THROW(NodeOf(first, longest + "x"), NoSuchObject);
 }
@@ -214,24 +204,13 @@ TEST(Bios, VersionIsWhereNewOrOldMachinesHaveIt) {
       EXPECT_THROW(Version_of(Bios_of_world()), NoSuchObject);
       continue;
     }
-    EXPECT_EQ(Text(Version_of(Bios_of_world())), row.version);
-    EXPECT_EQ(Text(AsString(Bios_of_world())), row.version);
+    EXPECT_EQ(Shown(Version_of(Bios_of_world())), row.version);
+    EXPECT_EQ(Shown(AsString(Bios_of_world())), row.version);
   }
 }
 
-TEST(Bios, VersionComesOfTheFirmwaresTablesToo) {
-  RecordedTree tree;
-  MachineInUse const use(tree.Machine());
-  EverythingIsGivenBack const check;
-  EXPECT_THROW(Version_of(Bios_of_world()), NoSuchObject);
-  WriteFirmware(tree);
-  EXPECT_EQ(Text(Version_of(Bios_of_world())), "N1MET68W (1.53 )");
-}
-
-class OperatingSystems : public testing::Test {
+class OperatingSystems : public OnScriptedMachine {
  protected:
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
   OperatingSystem const system_ = operating_system();
 };
 
@@ -240,10 +219,10 @@ TEST_F(OperatingSystems, SayWhatTheyAre) {
                        {"ProductVersion", "10.4.11"},
                        {"ProductBuildVersion", "8S165"},
                        {"Architecture", "i386"}};
-  EXPECT_EQ(Text(AsString(system_)), "Mac OS X 10.4.11");
-  EXPECT_EQ(Text(build_number_of_operating_system({}, system_)), "8S165");
-  EXPECT_EQ(Text(BuildOf({}, system_)), "8S165");
-  EXPECT_EQ(Text(ArchOf({}, system_)), "i386");
+  EXPECT_EQ(Shown(AsString(system_)), "Mac OS X 10.4.11");
+  EXPECT_EQ(Shown(build_number_of_operating_system({}, system_)), "8S165");
+  EXPECT_EQ(Shown(BuildOf({}, system_)), "8S165");
+  EXPECT_EQ(Shown(ArchOf({}, system_)), "i386");
   EXPECT_EQ(Version_of(system_).bug_fix, 11);
   EXPECT_TRUE(Mac_of(system_));
   EXPECT_FALSE(Unix_of(system_));
@@ -258,7 +237,7 @@ TEST_F(OperatingSystems, WhatIsNotToldIsNoSuchObject) {
   EXPECT_THROW(BuildOf({}, system_), NoSuchObject);
   EXPECT_THROW(ArchOf({}, system_), NoSuchObject);
   machine_->version = machine::SystemVersion{{"ProductName", "Rolling"}};
-  EXPECT_EQ(Text(name_of_operating_system({}, system_)), "Rolling");
+  EXPECT_EQ(Shown(name_of_operating_system({}, system_)), "Rolling");
   EXPECT_THROW(AsString(system_), NoSuchObject);
   EXPECT_THROW(release_of_operating_system({}, system_), NoSuchObject);
   EXPECT_THROW(Up_Time_of(system_), NoSuchObject);

@@ -1,54 +1,25 @@
 // SCSI buses and devices, on a machine that counts what its devices are asked.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <map>
-#include <memory>
-#include <string>
 #include <utility>
-#include <vector>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/system/scsi_bus.h"
 #include "inspectors/system/scsi_device.h"
-#include "tests/support/recording_evaluator.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/inspectors/asking.h"
+#include "tests/support/on_scripted_machine.h"
+#include "tests/support/scripted_scsi.h"
 
 namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-class CountingBuses final : public machine::ScsiSource {
- public:
-  machine::Fact<machine::ScsiBus> Bus(std::uint8_t bus) const override {
-    if (auto const found = buses.find(bus); found != buses.end()) return found->second;
-    return machine::Absence{};
-  }
-  machine::Fact<std::string> Inquiry(std::uint8_t bus, std::uint8_t target) const override {
-    asked.push_back(bus * 100 + target);
-    if (auto const found = devices.find({bus, target}); found != devices.end()) {
-      return found->second;
-    }
-    return machine::Absence{};
-  }
-
-  std::map<std::uint8_t, machine::ScsiBus> buses = {{0, {}}};
-  std::map<std::pair<std::uint8_t, std::uint8_t>, std::string> devices;
-  mutable std::vector<int> asked;  // bus by the hundred, target by one
-};
-
-std::string Text(inspector_string const& string) {
-  return {reinterpret_cast<char const*>(string.start), string.length};
-}
-
 // Vendor, product, revision and type.
 std::vector<std::string> Describe(scsiDevice const& device) {
-  return {Text(vendor_of(device)), Text(product_of(device)), Text(revision_of(device)),
-          Text(type_of(device))};
+  return {Shown(vendor_of(device)), Shown(product_of(device)), Shown(revision_of(device)),
+          Shown(type_of(device))};
 }
 
-class Scsi : public testing::Test {
+class Scsi : public OnScriptedMachine {
  protected:
   Scsi() { machine_->scsi = source_; }
   ~Scsi() override { Clear(); }
@@ -65,24 +36,12 @@ class Scsi : public testing::Test {
   }
 
   // Bus and target of each element, as the machine counts what is asked.
-  template <typename Iterator, typename... Object>
-  static std::vector<int> Walk(Object const&... object) {
-    std::vector<int> found;
-    try {
-      Iterator iterator;
-      for (scsiDevice each = iterator.First(object...);; each = iterator.Next(object...)) {
-        found.push_back(static_cast<int>(each.bus * 100 + each.target));
-      }
-    } catch (NoSuchObject const&) {
-    }
-    return found;
+  static int PlaceOf(scsiDevice const& device) {
+    return static_cast<int>(device.bus * 100 + device.target);
   }
-
   std::vector<int> Asked() { return std::exchange(source_->asked, {}); }
 
-  std::shared_ptr<CountingBuses> source_ = std::make_shared<CountingBuses>();
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
+  std::shared_ptr<ScriptedScsi> source_ = std::make_shared<ScriptedScsi>();
 };
 
 TEST_F(Scsi, DevicesTellWhatTheyAreAsTheySentIt) {
@@ -104,7 +63,7 @@ TEST_F(Scsi, TypesAreNamed) {
   scsiDevice device;
   for (auto const& [byte, name] : names) {
     device.inquiry[0] = static_cast<unsigned char>(byte);
-    EXPECT_EQ(Text(type_of(device)), name) << byte;
+    EXPECT_EQ(Shown(type_of(device)), name) << byte;
   }
 }
 
@@ -150,12 +109,12 @@ TEST_F(Scsi, TheEightAskedLastAreRemembered) {
 
 TEST_F(Scsi, WhatIsRememberedStandsUntilItIsCleared) {
   AddDevices(0, 1);
-  EXPECT_EQ(Text(revision_of(scsi_device_of(0))), "aaaa");
+  EXPECT_EQ(Shown(revision_of(scsi_device_of(0))), "aaaa");
   source_->devices[{0, 0}] = std::string(36, 'x');
-  EXPECT_EQ(Text(revision_of(scsi_device_of(0))), "aaaa");
-  EXPECT_EQ(Text(revision_of(scsiDevice(0))), "xxxx");
+  EXPECT_EQ(Shown(revision_of(scsi_device_of(0))), "aaaa");
+  EXPECT_EQ(Shown(revision_of(scsiDevice(0))), "xxxx");
   Clear();
-  EXPECT_EQ(Text(revision_of(scsi_device_of(0))), "xxxx");
+  EXPECT_EQ(Shown(revision_of(scsi_device_of(0))), "xxxx");
   source_->devices.clear();
   Clear();
   EXPECT_THROW(scsi_device_of(0), NoSuchObject);
@@ -168,7 +127,7 @@ TEST_F(Scsi, TheCacheGoesByWholeNumbersTheManagerByTheirLowBytes) {
       scsiDevice const device = get_scsi_device(bus, target);
       EXPECT_EQ(device.bus, bus);
       EXPECT_EQ(device.target, target);
-      EXPECT_EQ(Text(revision_of(device)), "bbbb");
+      EXPECT_EQ(Shown(revision_of(device)), "bbbb");
     }
   }
   EXPECT_THAT(Asked(), ElementsAre(1, 1, 1));
@@ -181,12 +140,12 @@ TEST_F(Scsi, DevicesOfABusAreEightAtMostUpToTheFirstGap) {
   AddDevices(2, 10);
   scsibus const bus(2);
   for (int i = 0; i < 2; ++i) {
-    EXPECT_THAT(Walk<SCSIDeviceIterator1>(bus),
+    EXPECT_THAT(All(SCSIDeviceIterator1(), PlaceOf, bus),
                 ElementsAre(200, 201, 202, 203, 204, 205, 206, 207));
     EXPECT_EQ(Asked().size(), 8u) << "iterations ask each time";
   }
   source_->devices.erase({2, 3});
-  EXPECT_THAT(Walk<SCSIDeviceIterator1>(bus), ElementsAre(200, 201, 202));
+  EXPECT_THAT(All(SCSIDeviceIterator1(), PlaceOf, bus), ElementsAre(200, 201, 202));
   EXPECT_THAT(Asked(), ElementsAre(200, 201, 202, 203));
 }
 
@@ -209,11 +168,11 @@ TEST_F(Scsi, DevicesOfTheWorldAreThoseOfOneBusAfterTheOther) {
       source_->buses[bus] = {};
       AddDevices(bus, row.counts[bus]);
     }
-    EXPECT_EQ(Walk<SCSIDeviceIterator2>(), row.found) << row.name;
+    EXPECT_EQ(All(SCSIDeviceIterator2(), PlaceOf), row.found) << row.name;
   }
   source_->buses = {{1, {}}};
   Asked();
-  EXPECT_THAT(Walk<SCSIDeviceIterator2>(), IsEmpty());
+  EXPECT_THAT(All(SCSIDeviceIterator2(), PlaceOf), IsEmpty());
   EXPECT_THAT(Asked(), IsEmpty());
 }
 
@@ -221,34 +180,17 @@ TEST_F(Scsi, DevicesOfTheWorldAreThoseOfOneBusAfterTheOther) {
 TEST_F(Scsi, BusesEnd) {
   for (unsigned const last : {0u, 1u, 255u}) {
     for (unsigned bus = 0; bus <= last; ++bus) source_->buses[static_cast<std::uint8_t>(bus)] = {};
-    unsigned count = 0;
-    SCSIBusIterator buses;
-    try {
-      for (scsibus bus = buses.First(); count < 1000; bus = buses.Next()) {
-        EXPECT_EQ(bus.Number(), count++);
-      }
-    } catch (NoSuchObject const&) {
-    }
-    EXPECT_EQ(count, last == 255 ? 255 : last + 1);
+    auto const numbers = All(SCSIBusIterator(), [](scsibus const& bus) { return bus.Number(); });
+    EXPECT_EQ(numbers.size(), last == 255 ? 255 : last + 1);
+    EXPECT_EQ(numbers.back(), numbers.size() - 1);
   }
   machine_->scsi = nullptr;
   EXPECT_THROW(SCSIBusIterator().First(), NoSuchObject);
 }
 
 TEST_F(Scsi, IsRegisteredInItsOrder) {
-  std::vector<std::string> lines;
-  for (RecordedRegistration const& each : RecordingEvaluator::Instance().registered) {
-    bool const is_type = each.call == "Type";
-    bool const is_ours = each.name.starts_with("scsi") || each.object.starts_with("scsi");
-    if (!is_ours) continue;
-    EXPECT_EQ(each.fingerprint, nullptr);
-    std::string line = is_type ? each.name : each.plural + " of " + each.object;
-    if (!each.parameter.empty()) line += " by " + each.parameter;
-    if (each.size != 0) line += " " + std::to_string(each.size);
-    lines.push_back(line);
-  }
   EXPECT_THAT(
-      lines,
+      RegisteredOf({"scsibus", "scsidevice"}),
       ElementsAre("scsibus 172", "scsidevice 272", "scsibuses of  by integer",
                   "scsidevices of  by integer", "versions of scsibus", "fast scsis of scsibus",
                   "wide16 scsis of scsibus", "wide32 scsis of scsibus",

@@ -1,10 +1,6 @@
 // Domains, special folders and their cache, frameworks.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <sstream>
-#include <string>
-#include <vector>
 
 #include "inspectors/files/special_folder.h"
 #include "portable/core_foundation/errors.h"
@@ -104,6 +100,14 @@ class SpecialFolders : public testing::Test {
     return folders_.asked.size() != before;
   }
 
+  // All that are remembered, from 0 to 9.
+  void RememberTen() {
+    for (OSType code = 0; code < 10; ++code) {
+      Place(kSystemDomain, code, std::to_string(code));
+      EXPECT_TRUE(IsNew(code));
+    }
+  }
+
   RecordedTree tree_;
   ScriptedFolders folders_;
 };
@@ -126,8 +130,8 @@ TEST_F(SpecialFolders, EachNameAsksForItsCodeInTheSystemsOrAGivenDomain) {
 }
 
 TEST_F(SpecialFolders, TheTenFoundLastAreRemembered) {
-  for (OSType code = 0; code <= 10; ++code) Place(kSystemDomain, code, std::to_string(code));
-  for (OSType code = 0; code < 10; ++code) EXPECT_TRUE(IsNew(code));
+  RememberTen();
+  Place(kSystemDomain, 10, "10");
   for (OSType code = 0; code < 10; ++code) EXPECT_FALSE(IsNew(code)) << code;
   EXPECT_TRUE(IsNew(10));
   EXPECT_FALSE(IsNew(1));
@@ -153,8 +157,7 @@ TEST_F(SpecialFolders, DomainsAreRememberedApart) {
 }
 
 TEST_F(SpecialFolders, WhatTheSystemDoesNotFindIsAskedForAgain) {
-  for (OSType code = 0; code < 10; ++code) Place(kSystemDomain, code, std::to_string(code));
-  for (OSType code = 0; code < 10; ++code) EXPECT_TRUE(IsNew(code));
+  RememberTen();
   for (int time = 1; time <= 2; ++time) {
     EXPECT_THROW(FindSpecialFolder(10, kDomainOfWorld), NoSuchObject);
     EXPECT_EQ(folders_.asked.size(), 10U + static_cast<unsigned>(time));
@@ -163,8 +166,7 @@ TEST_F(SpecialFolders, WhatTheSystemDoesNotFindIsAskedForAgain) {
 }
 
 TEST_F(SpecialFolders, AnItemThatIsNoFolderStandsWhereTheNextFolderGoes) {
-  for (OSType code = 0; code < 10; ++code) Place(kSystemDomain, code, std::to_string(code));
-  for (OSType code = 0; code < 10; ++code) EXPECT_TRUE(IsNew(code));
+  RememberTen();
   tree_.Write("/file", "");
   folders_.paths[{kSystemDomain, 'f'}] = tree_.At("/file");
   EXPECT_THROW(FindSpecialFolder('f', kDomainOfWorld), NoSuchObject);

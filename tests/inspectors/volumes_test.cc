@@ -1,17 +1,12 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 #include <cstring>
 #include <utility>
-#include <vector>
 
-#include "evaluator/plugin/exceptions.h"
 #include "inspectors/files/volume.h"
+#include "tests/inspectors/asking.h"
 #include "tests/machine/recorded_tree.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/real_function.h"
-#include "tests/support/recording_evaluator.h"
-#include "tests/support/scripted_machine.h"
 #include "tests/support/scripted_volumes.h"
 
 namespace {
@@ -57,30 +52,11 @@ CFURLRef CFURLCreateFromFSRef(CFAllocatorRef allocator, FSRef const* ref) {
 
 namespace {
 
-using machine::Absence;
-using machine::Outcome;
 using machine::VolumeFacts;
 
-// What a function answers, or what it throws.
-template <typename Function>
-std::string Told(Function&& function) {
-  try {
-    return std::to_string(function());
-  } catch (NoSuchObject const&) {
-    return "none";
-  } catch (MemoryFullError const&) {
-    return "no memory";
-  } catch (OSError const& error) {
-    return "status " + std::to_string(error.Code());
-  }
-}
+std::string const kNone = "no such object";
 
-std::string NameOf(VolumeLink const& volume) {
-  inspector_string const name = name_of(volume);
-  return {reinterpret_cast<char const*>(name.start), name.length};
-}
-
-class Volumes : public testing::Test {
+class Volumes : public OnScriptedMachine {
  protected:
   Volumes() { machine_->volumes = volumes_; }
 
@@ -89,52 +65,34 @@ class Volumes : public testing::Test {
     std::string const point = number == 1 ? "/" : "/" + std::to_string(number);
     volumes_->Add({name, point, number, number, {}}, facts);
   }
-  // "name number" of each.
+  // Name and number of each.
   template <typename... Name>
-  static std::string All(Name... name) {
-    std::string all;
-    VolumeIterator iterator;
-    try {
-      for (VolumeLink found = iterator.First(name...);; found = iterator.Next(name...)) {
-        all += NameOf(found) + std::to_string(found.Info().VolumeRefNum()) + " ";
-      }
-    } catch (NoSuchObject const&) {
-    }
-    return all;
+  static std::vector<std::string> Found(Name... name) {
+    auto const show = [](VolumeLink const& volume) {
+      return Shown(name_of(volume)) + Shown(volume.Info().VolumeRefNum());
+    };
+    return All(VolumeIterator(), show, name...);
   }
-  static std::string Named(std::string const& name) {
-    return All(reinterpret_cast<unsigned char const*>(name.data()), name.size());
+  static std::vector<std::string> Named(std::string const& name) {
+    return Found(Bytes(name), name.size());
   }
 
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
   std::shared_ptr<ScriptedVolumes> volumes_ = std::make_shared<ScriptedVolumes>();
-  MachineInUse use_{machine_};
 };
 
 TEST_F(Volumes, ComeInTheSystemsOrderOrByExactlyTheirName) {
-  EXPECT_EQ(All(), "");
-  for (char const* name : {"A", "b", "A", "caf\xC3\xA9", "d\xFF"}) Add(name);
-  EXPECT_EQ(All(), "A-100 b-101 A-102 caf\xC3\xA9-103 d\xFF-104 ");
-  EXPECT_EQ(Named("A"), "A-100 A-102 ");
-  EXPECT_EQ(Named("a"), "");
-  EXPECT_EQ(Named("B"), "");
-  EXPECT_EQ(Named("caf\xC3\xA9"), "caf\xC3\xA9-103 ");
-  EXPECT_EQ(Named("d\xFF"), "d\xFF-104 ");
-  EXPECT_EQ(Named(""), "");
-}
-
-TEST_F(Volumes, ThatDoNotAnswerHaveANameAndLetOthersAnswer) {
-  Add("A");
-  volumes_->Add({"dead", "/dead", 5, 5, {}}, Absence{Outcome::kTimedOut, "/dead", {}, 0});
-  Add("B");
-  EXPECT_EQ(All(), "A-100 dead-101 B-102 ");
-  EXPECT_THROW(free_space_of(volume_of_index(2)), NoSuchObject);
+  EXPECT_THAT(Found(), testing::IsEmpty());
+  for (char const* name : {"A", "b", "A", "d\xFF"}) Add(name);
+  EXPECT_THAT(Found(), testing::ElementsAre("A-100", "b-101", "A-102", "d\xFF-103"));
+  EXPECT_THAT(Named("A"), testing::ElementsAre("A-100", "A-102"));
+  EXPECT_THAT(Named("d\xFF"), testing::ElementsAre("d\xFF-103"));
+  for (char const* name : {"a", "B", ""}) EXPECT_THAT(Named(name), testing::IsEmpty()) << name;
 }
 
 TEST_F(Volumes, AreNumberedFromOne) {
   Add("A");
   Add("B");
-  EXPECT_EQ(NameOf(volume_of_index(2)), "B");
+  EXPECT_EQ(Shown(name_of(volume_of_index(2))), "B");
   for (unsigned long long const index :
        {0ull, 3ull, 32767ull, 32768ull, 65537ull, 0x1'0000'0001ull}) {
     EXPECT_THROW(volume_of_index(index), NoSuchObject) << index;
@@ -144,16 +102,12 @@ TEST_F(Volumes, AreNumberedFromOne) {
 TEST_F(Volumes, RoundPercentagesDown) {
   struct {
     std::optional<std::uint64_t> total, free;
-    char const *percent_free, *percent_used, *size, *used_space;
-  } const rows[] = {
-      {1000, 1, "0", "99", "1000", "999"},
-      {1000, 999, "99", "0", "1000", "1"},
-      {1000, 0, "0", "100", "1000", "1000"},
-      {3, 3, "100", "0", "3", "0"},
-      {3, 1, "33", "66", "3", "2"},
-      {0, 0, "none", "none", "0", "0"},
-      {{}, {}, "none", "none", "none", "none"},
-  };
+    std::string percent_free, percent_used, size, used_space;
+  } const rows[] = {{1000, 1, "0", "99", "1000", "999"},
+                    {1000, 0, "0", "100", "1000", "1000"},
+                    {3, 1, "33", "66", "3", "2"},
+                    {0, 0, kNone, kNone, "0", "0"},
+                    {{}, {}, kNone, kNone, kNone, kNone}};
   for (auto const& row : rows) {
     VolumeFacts facts;
     facts.total_bytes = row.total;
@@ -213,8 +167,7 @@ TEST_F(Volumes, AreFixedDrivesEvenWhenTheyAreGone) {
   VolumeLink const volume = volume_of_index(2);
   volumes_->volumes.pop_back();
   for (VolumeLink const& each : {volume_of_index(1), volume}) {
-    inspector_string const type = type_of(each);
-    EXPECT_EQ(std::string(type.start, type.start + type.length), "DRIVE_FIXED");
+    EXPECT_EQ(Shown(type_of(each)), "DRIVE_FIXED");
   }
 }
 
@@ -223,17 +176,17 @@ TEST_F(Volumes, TellWhatTheCallsAnswer) {
   VolumeLink const volume = volume_of_index(1);
   struct {
     Answer answer;
-    char const *read, *type;
-  } const rows[] = {
-      {{nsvErr, 2}, "none", "11"},       {{ioErr, 3}, "status -36", "none"},
-      {{ioErr, -1}, "status -36", "11"}, {{memFullErr, 4}, "no memory", "none"},
-      {{noErr, 5}, "0", "11"},
-  };
+    std::string read, type;
+  } const rows[] = {{{nsvErr, 2}, kNone, "DRIVE_FIXED"},
+                    {{ioErr, 3}, "error -36", kNone},
+                    {{ioErr, -1}, "error -36", "DRIVE_FIXED"},
+                    {{memFullErr, 4}, "memory full -108", kNone},
+                    {{noErr, 5}, "0", "DRIVE_FIXED"}};
   for (auto const& row : rows) {
     SCOPED_TRACE(row.answer.code);
     scripted = row.answer;
     EXPECT_EQ(Told([] { return VolInfo(ByRefNum, -100).VolumeRefNum(); }), row.read);
-    EXPECT_EQ(Told([&] { return type_of(volume).length; }), row.type);
+    EXPECT_EQ(Told([&] { return type_of(volume); }), row.type);
   }
   scripted.reset();
 }
@@ -249,10 +202,9 @@ TEST(VolumesOfATree, AreThoseOfTheirFilesAndFolders) {
     return MacintoshPlatform::posix_folder_of_world(path);
   };
   VolumeLink const root = volume_of_folder(folder_at("/etc")), disk = volume_of_index(2);
-  EXPECT_EQ(NameOf(root), "System");
+  EXPECT_EQ(Shown(name_of(root)), "System");
   EXPECT_TRUE(volume_of_folder(folder_at("/media/disk")) == disk);
-  EXPECT_TRUE(volume_of_file(file_of({reinterpret_cast<unsigned char const*>("file"), 4},
-                                     folder_at("/media/disk/in"))) == disk);
+  EXPECT_TRUE(volume_of_file(file_of(Name("file"), folder_at("/media/disk/in"))) == disk);
   EXPECT_EQ(disk.Path(), "/media/disk");
   EXPECT_TRUE(disk.Item().IsDirectory());
   // Nothing fills the cache, before or after it is cleared.

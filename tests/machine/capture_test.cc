@@ -1,21 +1,15 @@
 #include "machine/capture/capture.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <functional>
 
-#include "frameworks/CoreFoundation/recorded_facts.h"
-#include "tests/machine/apple_double_text.h"
 #include "tests/machine/machine_text.h"
-#include "tests/machine/recorded_tree.h"
+#include "tests/machine/recorded_capture.h"
+#include "tests/support/big_endian_text.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
 
-using machine::Fact;
 using machine::Links;
 using machine::Machine;
 using machine::Outcome;
@@ -33,14 +27,7 @@ class Capture : public testing::Test {
   void Document(std::string const& entries) {
     tree.Write("/machine.plist", Plist("<dict>" + entries + "</dict>"));
   }
-  Fact<std::shared_ptr<Machine const>> Open(std::string const& user = {}) {
-    return machine::OpenCapture(tree.At(""), {user}, &ReadRecordedFacts);
-  }
-  std::shared_ptr<Machine const> Opened(std::string const& user = {}) {
-    auto const capture = Open(user);
-    EXPECT_TRUE(capture) << machine::CaptureMessage(capture.absence());
-    return capture ? *capture : nullptr;
-  }
+  SharedMachine Opened(std::string const& user = {}) { return OpenedCapture(tree.At(""), user); }
 
   RecordedTree tree;
 };
@@ -100,34 +87,21 @@ struct MalformedCase {
 };
 
 TEST_F(Capture, AWrongValueIsMalformedByItself) {
-  auto const process = [](Machine const& capture) {
-    return capture.Processes().AllProcesses().absence();
+  auto const process = [](Machine const& it) { return it.Processes().AllProcesses().absence(); };
+  auto const clock = [](Machine const& it) { return it.Clock().MicrosecondsSince1970().absence(); };
+  auto const variable = [](Machine const& it) { return it.Environment().Variable("A").absence(); };
+  auto const status = [](Machine const& it) {
+    return it.Files().Status("/f", Links::kKeep).absence();
   };
-  auto const clock = [](Machine const& capture) {
-    return capture.Clock().MicrosecondsSince1970().absence();
-  };
-  auto const variable = [](Machine const& capture) {
-    return capture.Environment().Variable("A").absence();
-  };
-  auto const status = [](Machine const& capture) {
-    return capture.Files().Status("/f", Links::kKeep).absence();
-  };
-  auto const zone = [](Machine const& capture) { return capture.Zone().CurrentZone().absence(); };
-  auto const count = [](Machine const& capture) {
-    return capture.Processors().OnlineCount().absence();
-  };
-  auto const console = [](Machine const& capture) {
-    return capture.Sessions().ConsoleUser().absence();
-  };
+  auto const console = [](Machine const& it) { return it.Sessions().ConsoleUser().absence(); };
+  auto const zone = [](Machine const& it) { return it.Zone().CurrentZone().absence(); };
+  auto const count = [](Machine const& it) { return it.Processors().OnlineCount().absence(); };
   std::string const item =
       "<key>Partial</key><array><string>Files</string></array>"
       "<key>Files</key><dict><key>/f</key>";
-  std::string const mode = item +
-                           "<dict><key>Known</key><string>all</string>"
-                           "<key>Mode</key><integer>65536</integer></dict></dict>";
-  std::string const time = item +
-                           "<dict><key>Known</key><string>all</string>"
-                           "<key>Born</key><string>1.5</string></dict></dict>";
+  std::string const known = item + "<dict><key>Known</key><string>all</string>";
+  std::string const mode = known + "<key>Mode</key><integer>65536</integer></dict></dict>";
+  std::string const time = known + "<key>Born</key><string>1.5</string></dict></dict>";
   std::string const text = item + "<string>x</string></dict>";
   MalformedCase const cases[] = {
       {"<key>Processes</key><array><dict><key>pid</key><string>1</string></dict></array>", process,
@@ -168,11 +142,9 @@ TEST_F(Capture, FilesStayBelowTheSystemRoot) {
   tree.Link("/root/out", "../../../../../../etc/passwd");
   std::pair<char const*, bool> const cases[] = {
       {"", true},
-      {"<string>root</string>", true},
       {"<string>other/../root</string>", true},
       {"<string>linked</string>", true},
       {"<string>../..</string>", false},
-      {"<string>/</string>", false},
       {"<string>/etc</string>", false},
       {"<string>out</string>", false},
       {"<string>up</string>", false},

@@ -1,6 +1,3 @@
-#include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <sys/xattr.h>
@@ -9,7 +6,7 @@
 #include <cstdio>
 
 #include "tests/machine/apple_double_text.h"
-#include "tests/machine/recorded_tree.h"
+#include "tests/machine/on_recorded_tree.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
@@ -25,6 +22,8 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Pair;
 using testing::UnorderedElementsAre;
+
+using Files = OnRecordedTree;
 
 std::vector<std::string> NamesIn(machine::Folder& folder, Detail detail = Detail::kKind) {
   std::vector<std::string> names;
@@ -42,9 +41,7 @@ std::string ForkOf(FileSource const& files, std::string const& path, Fork fork) 
   return std::string(text, (*file)->ReadAt(0, text, sizeof text).value());
 }
 
-TEST(Files, BelowARootStayThere) {
-  RecordedTree tree;
-  auto const machine = tree.Machine();
+TEST_F(Files, BelowARootStayThere) {
   FileSource const& files = machine->Files();
   tree.Write("/etc/passwd", "root:x:0:0::/:/bin/sh\nann:x:1000:1000::/:\nbroken\n");
   tree.Write("/folder/file", "inside");
@@ -76,10 +73,9 @@ TEST(Files, BelowARootStayThere) {
   EXPECT_FALSE(files.ReadFile(std::string("/etc/passwd\0x", 13), 9));
 }
 
-TEST(Files, OpensNothingButFilesAndFolders) {
-  RecordedTree tree;
+TEST_F(Files, OpensNothingButFilesAndFolders) {
   tree.Write("/file", "12345");
-  ASSERT_EQ(::mkfifo(tree.At("/pipe").c_str(), 0600), 0);
+  tree.MakeFifo("/pipe");
   bool const has_device = ::mknod(tree.At("/device").c_str(), S_IFCHR | 0600, makedev(1, 5)) == 0;
   std::shared_ptr<machine::Machine const> const machines[] = {
       tree.Machine(), machine::MakeLiveMachine("/", machine::Changes::kRefused)};
@@ -106,11 +102,9 @@ TEST(Files, OpensNothingButFilesAndFolders) {
   EXPECT_EQ(machines[1]->Files().ReadFile("/proc/self/comm", 100)->back(), '\n');
 }
 
-TEST(Files, FoldersAreReadWhateverTheirSize) {
-  RecordedTree tree;
+TEST_F(Files, FoldersAreReadWhateverTheirSize) {
   for (int i = 0; i < 3000; ++i) tree.Write("/many/item" + std::to_string(i), "");
   tree.Write("/many/._item2999", AppleDoubleText({{9, std::string(32, 'F')}}));
-  auto const machine = tree.Machine();
   auto const folder = machine->Files().OpenFolder("/many");
   int with_info = 0, companions = 0;
   std::vector<std::string> names;
@@ -129,21 +123,14 @@ TEST(Files, FoldersAreReadWhateverTheirSize) {
   EXPECT_EQ(companions, 1);
 }
 
-TEST(Files, PathsMayBeLongerThanTheKernelTakes) {
-  RecordedTree tree;
+TEST_F(Files, PathsMayBeLongerThanTheKernelTakes) {
   constexpr int kDepth = 40;  // 10000 bytes of path
   std::string const name(250, 'n');
-  int at = ::open(tree.At("").c_str(), O_PATH);
   std::string path;
-  for (int i = 0; i < kDepth; ++i) {
+  tree.MakeChain("", name, kDepth, [&](int at) {
     path += "/" + name;
-    ASSERT_EQ(::mkdirat(at, name.c_str(), 0700), 0);
-    int const inner = ::openat(at, name.c_str(), O_PATH);
-    ::close(at);
-    at = inner;
-  }
-  ASSERT_EQ(::symlinkat("../..", at, "up"), 0);
-  ::close(at);
+    ASSERT_EQ(::symlinkat("../..", at, "up"), 0);
+  });
   for (std::string const& root : {tree.At(""), std::string("/")}) {
     auto const machine = machine::MakeLiveMachine(root);
     std::string const base = root == "/" ? tree.At("") : "";
@@ -159,7 +146,7 @@ struct CompanionCase {
   std::string resource;
 };
 
-TEST(Files, BelieveNoOffsetOfACompanion) {
+TEST_F(Files, BelieveNoOffsetOfACompanion) {
   std::string const info(32, 'F');
   std::string const good = AppleDoubleText({{9, info}, {2, "resource"}});
   auto const with = [&](std::size_t at, std::string const& bytes) {
@@ -176,11 +163,11 @@ TEST(Files, BelieveNoOffsetOfACompanion) {
       {"resource outside", with(kResource + 4, "\xff\xff\xff\xff"), true, ""},
       {"resource too long", with(kResource + 8, "\xff\xff\xff\xff"), true, ""},
       {"Finder information outside", with(kInfo + 4, "\x7f"), false, "resource"},
+      {"Finder information too long", with(kInfo + 8, "\xff\xff\xff\xff"), false, "resource"},
+      {"no resource", with(kResource, std::string(4, '\0')), true, ""},
       {"truncated", good.substr(0, good.size() - 1), true, ""},
   };
-  RecordedTree tree;
   tree.Write("/f/item", "data");
-  auto const machine = tree.Machine();
   for (CompanionCase const& row : cases) {
     tree.Write("/f/._item", row.content);
     auto const item = machine->Files().Describe("/f/item", Links::kKeep);
@@ -188,23 +175,25 @@ TEST(Files, BelieveNoOffsetOfACompanion) {
     EXPECT_EQ(item->resource_bytes, row.resource.size()) << row.name;
     EXPECT_EQ(ForkOf(machine->Files(), "/f/item", Fork::kResource), row.resource) << row.name;
   }
+  for (std::size_t size = 0; size < good.size(); ++size) {
+    tree.Write("/f/._item", good.substr(0, size));
+    EXPECT_EQ(ForkOf(machine->Files(), "/f/item", Fork::kResource), "") << size;
+  }
   AnnouncementLog log;
   machine->Files().Describe("/f/item", Links::kKeep);
   EXPECT_THAT(log.entries, ElementsAre(Pair("/f/item", Outcome::kAnswered),
                                        Pair("/f/._item", Outcome::kMalformed)));
   ASSERT_EQ(::unlink(tree.At("/f/._item").c_str()), 0);
-  ASSERT_EQ(::mkfifo(tree.At("/f/._item").c_str(), 0600), 0);
+  tree.MakeFifo("/f/._item");
   EXPECT_EQ(machine->Files().Describe("/f/item", Links::kKeep)->resource_bytes, 0u);
 }
 
-TEST(Files, AttributesComeBeforeCompanions) {
-  RecordedTree tree;
+TEST_F(Files, AttributesComeBeforeCompanions) {
   tree.Write("/item", "data");
   tree.Write("/._item", AppleDoubleText({{9, std::string(32, 'D')}, {2, "companion"}}));
   if (::setxattr(tree.At("/item").c_str(), "user.com.apple.FinderInfo", "short", 5, 0) != 0) {
     GTEST_SKIP() << "no attributes here";
   }
-  auto const machine = tree.Machine();
   auto item = machine->Files().Describe("/item", Links::kKeep);
   EXPECT_EQ(std::string(item->finder_info.begin(), item->finder_info.begin() + 6),
             std::string("short\0", 6));
@@ -215,10 +204,8 @@ TEST(Files, AttributesComeBeforeCompanions) {
   EXPECT_THAT(NamesIn(**folder), UnorderedElementsAre("item", "._item"));
 }
 
-TEST(Files, OpenFilesTellWhatWasReadWhenTheyClose) {
-  RecordedTree tree;
+TEST_F(Files, OpenFilesTellWhatWasReadWhenTheyClose) {
   tree.Write("/file", "0123456789");
-  auto const machine = tree.Machine();
   AnnouncementLog log;
   {
     auto const file = machine->Files().OpenFork("/file", Fork::kData, Access::kRead);

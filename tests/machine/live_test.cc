@@ -1,11 +1,8 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <thread>
 
 #include "machine/file_descriptor.h"
-#include "tests/machine/recorded_tree.h"
+#include "tests/machine/on_recorded_tree.h"
 #include "tests/portable_inspectors/program_output.h"
 #include "tests/support/scripted_machine.h"
 
@@ -16,9 +13,17 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Pair;
 
-TEST(Memory, AsksTheFirmwareThenTheBlocksThenTheKernel) {
-  RecordedTree tree;
-  auto const machine = tree.Machine();
+using Memory = OnRecordedTree;
+using Processors = OnRecordedTree;
+using Names = OnRecordedTree;
+using Hardware = OnRecordedTree;
+using Processes = OnRecordedTree;
+using Root = OnRecordedTree;
+using Observer = OnRecordedTree;
+using System = OnRecordedTree;
+using Users = OnRecordedTree;
+
+TEST_F(Memory, AsksTheFirmwareThenTheBlocksThenTheKernel) {
   auto const bytes = [&] { return machine->Memory().PhysicalBytes(); };
   EXPECT_EQ(bytes().outcome(), Outcome::kAbsent);
   tree.Write("/proc/meminfo", "MemFree: 1 kB\nMemTotal:     2000001 kB\nSwapTotal: 8 kB\n");
@@ -49,8 +54,7 @@ TEST(Memory, AsksTheFirmwareThenTheBlocksThenTheKernel) {
   EXPECT_EQ(bytes().value(), 2u << 27);
 }
 
-TEST(Memory, RefusesWhatIsMalformed) {
-  RecordedTree tree;
+TEST_F(Memory, RefusesWhatIsMalformed) {
   for (char const* text :
        {"MemTotal: x kB\n", "MemTotal: 12\n", "MemTotal: 99999999999999999999 kB",
         "MemTotal: 18446744073709551615 kB\n"}) {
@@ -61,7 +65,7 @@ TEST(Memory, RefusesWhatIsMalformed) {
   }
 }
 
-TEST(Processors, AreReadFromTheirList) {
+TEST_F(Processors, AreReadFromTheirList) {
   using enum machine::Architecture;
   struct {
     char const* info;
@@ -90,23 +94,19 @@ TEST(Processors, AreReadFromTheirList) {
   }
 }
 
-TEST(Processors, AreCountedAndTimedBySysFirst) {
-  RecordedTree tree;
+TEST_F(Processors, AreCountedAndTimedBySysFirst) {
   tree.Write("/proc/cpuinfo", "processor: 0\ncpu MHz : 800\n");
   tree.Write("/sys/devices/system/cpu/online", "0-3,6,8-9\n");
   tree.Write("/sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq", "3400000\n");
   tree.Write("/sys/devices/system/cpu/cpu1/cpufreq/cpuinfo_max_freq", "3600400\n");
   tree.Write("/sys/devices/system/cpu/cpuidle/cpufreq/cpuinfo_max_freq", "9900000\n");
-  auto const machine = tree.Machine();
   EXPECT_EQ(machine->Processors().OnlineCount().value(), 7u);
   EXPECT_EQ(machine->Processors().HighestMegahertz().value(), 3600u);
   tree.Write("/sys/devices/system/cpu/online", "3-1\n");
   EXPECT_EQ(machine->Processors().OnlineCount().value(), 1u);
 }
 
-TEST(Names, FollowTheirFiles) {
-  RecordedTree tree;
-  auto const machine = tree.Machine();
+TEST_F(Names, FollowTheirFiles) {
   EXPECT_FALSE(machine->Names().ComputerName());
   tree.Write("/etc/hostname", "# comment\n\nbox.example.org\n");
   EXPECT_EQ(machine->Names().HostName().value(), "box.example.org");
@@ -118,9 +118,7 @@ TEST(Names, FollowTheirFiles) {
   EXPECT_EQ(machine->Names().ComputerName().value(), "kernel");
 }
 
-TEST(Hardware, NamesTheProductAndTheFirstRootHub) {
-  RecordedTree tree;
-  auto const machine = tree.Machine();
+TEST_F(Hardware, NamesTheProductAndTheFirstRootHub) {
   EXPECT_EQ(machine->Hardware().HasUsb().outcome(), Outcome::kAbsent);
   tree.Write("/sys/class/dmi/id/product_name", " PowerEdge R740 \n");
   tree.Write("/sys/bus/usb/devices/usb10/bcdDevice", "0601\n");
@@ -130,8 +128,7 @@ TEST(Hardware, NamesTheProductAndTheFirstRootHub) {
   EXPECT_EQ(machine->Hardware().UsbRelease().value(), 0x0510u);
 }
 
-TEST(Processes, AreListedByNumberWithWhateverName) {
-  RecordedTree tree;
+TEST_F(Processes, AreListedByNumberWithWhateverName) {
   tree.Write("/proc/1/comm", "init\n");
   tree.Write("/proc/20/comm", "name of more than sixteen bytes\n");
   tree.Write("/proc/3/comm", "a\nb\xff\n\n");
@@ -139,7 +136,6 @@ TEST(Processes, AreListedByNumberWithWhateverName) {
   tree.Write("/proc/self/comm", "no number\n");
   tree.Write("/proc/21/comm", "thread\n");
   tree.Write("/proc/21/status", "Name:\tthread\nTgid:\t20\n");
-  auto const machine = tree.Machine();
   auto const all = machine->Processes().AllProcesses();
   std::vector<std::pair<int, std::string>> found;
   for (auto const& process : *all) found.emplace_back(process.pid, process.name);
@@ -152,9 +148,7 @@ TEST(Processes, AreListedByNumberWithWhateverName) {
   }
 }
 
-TEST(Root, LetsNothingOutAndOpensOnlyRegularFiles) {
-  RecordedTree tree;
-  auto const machine = tree.Machine();
+TEST_F(Root, LetsNothingOutAndOpensOnlyRegularFiles) {
   auto const name = [&] { return machine->Hardware().ProductName(); };
   tree.Write("/real", "inside\n");
   tree.Link("/sys/class/dmi/id/product_name", "/real");
@@ -166,7 +160,7 @@ TEST(Root, LetsNothingOutAndOpensOnlyRegularFiles) {
     EXPECT_FALSE(name()) << target;
   }
   std::filesystem::remove(tree.At("/sys/class/dmi/id/product_name"));
-  ASSERT_EQ(::mkfifo(tree.At("/sys/class/dmi/id/product_name").c_str(), 0600), 0);
+  tree.MakeFifo("/sys/class/dmi/id/product_name");
   EXPECT_EQ(name().outcome(), Outcome::kMalformed);
   std::filesystem::resize_file(tree.At("/real"), 17 << 20);
   std::filesystem::rename(tree.At("/real"), tree.At("/sys/class/dmi/id/product_name"));
@@ -174,10 +168,8 @@ TEST(Root, LetsNothingOutAndOpensOnlyRegularFiles) {
   EXPECT_FALSE(machine::MakeLiveMachine("/no/such/folder")->Memory().SwapBytes());
 }
 
-TEST(Observer, HearsEverySourceOnItsOwnThread) {
-  RecordedTree tree;
+TEST_F(Observer, HearsEverySourceOnItsOwnThread) {
   tree.Write("/etc/hostname", "box\n");
-  auto const machine = tree.Machine();
   AnnouncementLog log;
   std::thread([&] { machine->Names().HostName(); }).join();
   EXPECT_TRUE(log.entries.empty());
@@ -189,9 +181,7 @@ TEST(Observer, HearsEverySourceOnItsOwnThread) {
   EXPECT_THAT(log.entries, Contains(Pair("clock", Outcome::kNotSupported)));
 }
 
-TEST(System, IsWhatTheTreeSays) {
-  RecordedTree tree;
-  auto const machine = tree.Machine();
+TEST_F(System, IsWhatTheTreeSays) {
   EXPECT_EQ(machine->System().SystemPlatform().outcome(), Outcome::kAbsent);
   tree.Write("/usr/lib/os-release", "PRETTY_NAME=x\nNAME=\"Some OS\"\nVERSION_ID='12'\n");
   EXPECT_EQ(machine->System().SystemPlatform().value(), machine::Platform::kLinux);
@@ -210,9 +200,7 @@ TEST(System, IsWhatTheTreeSays) {
   EXPECT_EQ(machine->System().Version().outcome(), Outcome::kNotSupported);
 }
 
-TEST(Users, AreThoseOfTheTree) {
-  RecordedTree tree;
-  auto const machine = tree.Machine();
+TEST_F(Users, AreThoseOfTheTree) {
   tree.Write("/etc/passwd", "ann:x:7:7:Ann:/home/ann:/bin/sh\nshort:x:8\nodd:x:9:9::here:\n");
   EXPECT_EQ(machine->Users().HomeOf("ann").value(), "/home/ann");
   EXPECT_EQ(machine->Users().HomeOf("short").outcome(), Outcome::kAbsent);

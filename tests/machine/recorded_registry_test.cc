@@ -1,32 +1,17 @@
-#include <CoreFoundation/recorded_facts.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include "machine/capture/capture.h"
-#include "machine/capture/recorder.h"
+#include "tests/machine/recorded_capture.h"
 #include "tests/machine/recorded_devices.h"
 #include "tests/machine/registry_text.h"
 
 namespace {
 
 using machine::Outcome;
-using SharedMachine = std::shared_ptr<machine::Machine const>;
 
 // A capture with the planes that a test writes into it.
 class CapturedRegistry : public testing::Test {
  protected:
-  static SharedMachine Open(std::string const& folder) {
-    auto opened = machine::OpenCapture(folder, {}, ReadRecordedFacts);
-    EXPECT_TRUE(opened) << machine::CaptureMessage(opened.absence());
-    return *opened;
-  }
-  void WriteMachine(std::string const& facts) const {
-    tree_.Write("/machine.plist", "<plist><dict>" + facts + "</dict></plist>");
-  }
   SharedMachine With(std::string const& plane) const {
-    WriteMachine("");
     tree_.Write("/registry/IOService.plist", "<plist>" + plane + "</plist>");
-    return Open(tree_.At("/"));
+    return Documented(tree_, "");
   }
   static std::string PathOf(SharedMachine const& machine, std::string_view path) {
     auto const node = machine->Registry().NodeAt("IOService", path);
@@ -73,9 +58,7 @@ TEST_F(CapturedRegistry, PathsFindNamesOfAnyKind) {
                Entry("cpu", 4, At("0")) + Entry("cpu", 5, At("1")) + Entry("a:b@c", 6) +
                Entry("Keyboard ", 7, Children(Entry("y", 8))) + Entry("", 9) + Entry("x", 10) +
                Entry("x", 11) + Entry("u", 12, At("1/2") + Children(Entry("v", 13))))));
-  struct {
-    char const *path, *found;
-  } const cases[] = {
+  std::pair<char const*, char const*> const cases[] = {
       {"/", "/ 1"},
       {"/Keyboard / Trackpad@fa12/x", "/Keyboard / Trackpad@fa12/x 3"},
       {"/Keyboard / Trackpad/x", "/Keyboard / Trackpad@fa12/x 3"},
@@ -91,7 +74,7 @@ TEST_F(CapturedRegistry, PathsFindNamesOfAnyKind) {
       {"x", "none"},
       {"/x/", "none"},
   };
-  for (auto const& row : cases) EXPECT_EQ(PathOf(machine, row.path), row.found) << row.path;
+  for (auto const& [path, found] : cases) EXPECT_EQ(PathOf(machine, path), found) << path;
 }
 
 TEST_F(CapturedRegistry, OneEntryIsKnownInEveryPlaneByItsNumber) {
@@ -129,10 +112,9 @@ TEST_F(CapturedRegistry, BadFilesAreAbsences) {
 }
 
 TEST_F(CapturedRegistry, WhatIsNotThereSaysWhy) {
-  WriteMachine("");
-  EXPECT_EQ(Open(tree_.At("/"))->Registry().Root().absence().where, "not recorded");
-  WriteMachine("<key>Absent</key><dict><key>Registry</key><string>timed out</string></dict>");
-  auto const machine = Open(tree_.At("/"));
+  EXPECT_EQ(Documented(tree_, "")->Registry().Root().absence().where, "not recorded");
+  auto const machine = Documented(
+      tree_, "<key>Absent</key><dict><key>Registry</key><string>timed out</string></dict>");
   EXPECT_EQ(machine->Registry().Root().outcome(), Outcome::kTimedOut);
   tree_.Write("/secret.plist", "<plist>" + Entry("top", 1) + "</plist>");
   tree_.Link("/registry/IOUSB.plist", "/../../../../../../etc/passwd");
@@ -160,16 +142,13 @@ class RegistryRecording : public CapturedRegistry {
     WriteFirmware(tree_);
   }
   SharedMachine Written(machine::Recorder const& recorder) const {
-    auto const written = recorder.Write(tree_.At("/capture"), WriteRecordedFacts);
-    EXPECT_TRUE(written);
-    return Open(tree_.At("/capture"));
+    return Recorded(recorder, tree_.At("/capture"));
   }
 };
 
 TEST_F(RegistryRecording, OfEverythingIsEqual) {
-  machine::Recorder recorder(tree_.Machine());
-  recorder.RecordEverything();
-  EXPECT_EQ(TextOf(Written(recorder)->Registry()), TextOf(tree_.Machine()->Registry()));
+  EXPECT_EQ(TextOf(RecordedWhole(tree_.Machine(), tree_.At("/capture"))->Registry()),
+            TextOf(tree_.Machine()->Registry()));
 }
 
 TEST_F(RegistryRecording, OfCaptureIsEqual) {
@@ -182,10 +161,8 @@ TEST_F(RegistryRecording, OfCaptureIsEqual) {
                                     "<key>IORegistryEntryName</key><string>own</string>"
                                     "</dict>") +
                               Entry("", 6))));
-  machine::Recorder recorder(capture);
-  recorder.RecordEverything();
   std::string const text = TextOf(capture->Registry());
-  EXPECT_EQ(TextOf(Written(recorder)->Registry()), text);
+  EXPECT_EQ(TextOf(RecordedWhole(capture, tree_.At("/capture"))->Registry()), text);
   EXPECT_THAT(text, testing::HasSubstr("own"));
 }
 

@@ -1,8 +1,6 @@
 // The files of some other Linux machine below a temporary folder.
 #pragma once
 
-#include <unistd.h>
-
 #include <memory>
 #include <string>
 

@@ -1,15 +1,11 @@
 #include "machine/capture/recorder.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
 
-#include "frameworks/CoreFoundation/recorded_facts.h"
-#include "machine/capture/capture.h"
 #include "tests/machine/apple_double_text.h"
 #include "tests/machine/machine_text.h"
-#include "tests/machine/recorded_tree.h"
+#include "tests/machine/recorded_capture.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
@@ -21,17 +17,9 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
 
-using MachinePointer = std::shared_ptr<machine::Machine const>;
-
-MachinePointer Opened(std::string const& folder, std::string const& user = {}) {
-  auto const capture = machine::OpenCapture(folder, {user}, &ReadRecordedFacts);
-  EXPECT_TRUE(capture) << machine::CaptureMessage(capture.absence());
-  return capture ? *capture : nullptr;
-}
-
 // A machine that owns nothing of what it is given, for those on the stack.
-MachinePointer Borrowed(machine::Machine const& machine) {
-  return MachinePointer(MachinePointer(), &machine);
+SharedMachine Borrowed(machine::Machine const& machine) {
+  return SharedMachine(SharedMachine(), &machine);
 }
 
 void FillIn(ScriptedMachine& script) {
@@ -85,15 +73,13 @@ TEST(Recorder, EverythingComesBackAsItWas) {
     // What is asked by name is recorded when it is asked.
     std::string const expected = FactsText(*recorder.RecordingMachine());
     EXPECT_EQ(expected, FactsText(script)) << row.name;
-    ASSERT_TRUE(recorder.Write(tree.At("/first"), &WriteRecordedFacts)) << row.name;
-    auto const capture = Opened(tree.At("/first"));
+    auto const capture = Recorded(recorder, tree.At("/first"));
     EXPECT_EQ(FactsText(*capture), expected) << row.name;
 
     machine::Recorder again(capture);
     again.RecordEverything();
     FactsText(*again.RecordingMachine());
-    ASSERT_TRUE(again.Write(tree.At("/second"), &WriteRecordedFacts)) << row.name;
-    EXPECT_EQ(FactsText(*Opened(tree.At("/second"))), expected) << row.name;
+    EXPECT_EQ(FactsText(*Recorded(again, tree.At("/second"))), expected) << row.name;
   }
 }
 
@@ -129,16 +115,15 @@ TEST(Recorder, FilesComeBackAsTheyWere) {
       "/pipe",       "/attributes",       "/attributes/file",     "/none/x",
       "/secret",     "/secret/file",      "/secret/folder",       "/secret/folder/file",
       "/none",       "/../folder/._file", std::string("/a\0b", 4)};
-  MachinePointer asked = tree.Machine();
+  SharedMachine asked = tree.Machine();
   FilesText(asked->Files(), paths);  // moves the times of access, the first time only
   std::string expected;
   for (std::string const name : {"/first", "/second"}) {
     machine::Recorder recorder(asked);
     std::string const text = FilesText(recorder.RecordingMachine()->Files(), paths);
     if (expected.empty()) expected = text;
-    ASSERT_TRUE(recorder.Write(captures.At(name), &WriteRecordedFacts));
+    asked = Recorded(recorder, captures.At(name));
     EXPECT_THAT(recorder.LeftOut(), ElementsAre());
-    asked = Opened(captures.At(name));
     EXPECT_EQ(FilesText(asked->Files(), paths), expected) << name;
   }
   ::chmod(tree.At("/secret/folder").c_str(), 0700);
@@ -166,8 +151,7 @@ TEST(Recorder, WhatWasNotAskedIsNotRecorded) {
     auto const folder = asked->Files().OpenFolder("/attributes");
     while (*(*folder)->Next(machine::Detail::kKind) != nullptr) continue;
   }
-  ASSERT_TRUE(recorder.Write(captures.At("/capture"), &WriteRecordedFacts));
-  auto const capture = Opened(captures.At("/capture"));
+  auto const capture = Recorded(recorder, captures.At("/capture"));
   EXPECT_EQ(capture->Environment().Variable("HOME").value(), "/home/ann");
   EXPECT_EQ(capture->Environment().Variable("EMPTY").absence().where, "not recorded");
   EXPECT_EQ(capture->Environment().VariableNames().absence().where, "not recorded");
@@ -215,8 +199,7 @@ TEST(Recorder, ContentsStayWithinTheLimit) {
        *(*folder)->Next(machine::Detail::kKind) != nullptr;) {
   }
   EXPECT_THAT(recorder.LeftOut(), ElementsAre("/b"));
-  ASSERT_TRUE(recorder.Write(captures.At("/capture"), &WriteRecordedFacts));
-  auto const capture = Opened(captures.At("/capture"));
+  auto const capture = Recorded(recorder, captures.At("/capture"));
   EXPECT_EQ(capture->Files().ReadFile("/a", 100).value(), "12345");
   EXPECT_EQ(capture->Files().ReadFile("/c", 100).value(), "123");
   EXPECT_EQ(capture->Files().ReadFile("/b", 100).absence().where,

@@ -1,12 +1,11 @@
 #include "machine/registry.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <filesystem>
 #include <set>
 
+#include "tests/machine/on_recorded_tree.h"
 #include "tests/machine/recorded_devices.h"
 #include "tests/machine/registry_text.h"
 #include "tests/support/scripted_machine.h"
@@ -19,10 +18,10 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
-class LiveRegistry : public testing::Test {
+class LiveRegistry : public OnRecordedTree {
  protected:
   SharedRegistryNode NodeAt(std::string_view plane, std::string_view path) const {
-    auto node = machine_->Registry().NodeAt(plane, path);
+    auto node = machine->Registry().NodeAt(plane, path);
     return node ? *node : nullptr;
   }
   std::vector<std::string> PathsBelow(std::string_view plane, std::string_view path) const {
@@ -35,25 +34,22 @@ class LiveRegistry : public testing::Test {
   std::string PropertiesAt(std::string_view plane, std::string_view path) const {
     return TextOf(NodeAt(plane, path)->Properties());
   }
-
-  RecordedTree tree_;
-  std::shared_ptr<machine::Machine const> machine_ = tree_.Machine();
 };
 
 TEST_F(LiveRegistry, OfNothingHasNoPlane) {
-  EXPECT_EQ(TextOf(machine_->Registry()), "{}\n");
-  tree_.Write("/sys/class/power_supply/text", "");
-  tree_.Write("/sys/class/dmi/id/bios_vendor", "\n");
-  tree_.Write("/proc/device-tree/#size-cells", "");
-  tree_.Link("/sys/bus/usb/devices/usb1", "/");
-  EXPECT_EQ(TextOf(machine_->Registry()), "{}\n");
+  EXPECT_EQ(TextOf(machine->Registry()), "{}\n");
+  tree.Write("/sys/class/power_supply/text", "");
+  tree.Write("/sys/class/dmi/id/bios_vendor", "\n");
+  tree.Write("/proc/device-tree/#size-cells", "");
+  tree.Link("/sys/bus/usb/devices/usb1", "/");
+  EXPECT_EQ(TextOf(machine->Registry()), "{}\n");
   EXPECT_EQ(NodeAt("", "/"), nullptr);
 }
 
 TEST_F(LiveRegistry, HasThePlanesThatHaveDevices) {
-  WriteDevices(tree_);
-  WriteFirmware(tree_);
-  EXPECT_EQ(TextOf((*machine_->Registry().Root())->Properties()),
+  WriteDevices(tree);
+  WriteFirmware(tree);
+  EXPECT_EQ(TextOf((*machine->Registry().Root())->Properties()),
             "{IORegistryPlanes={IOAudio='IOAudio' IODeviceTree='IODeviceTree' "
             "IOFireWire='IOFireWire' IOPower='IOPower' IOService='IOService' IOUSB='IOUSB'}}");
   EXPECT_THAT(PathsBelow("IOService", "/"), UnorderedElementsAre("/pci0000:00", "/platform"));
@@ -68,7 +64,7 @@ TEST_F(LiveRegistry, HasThePlanesThatHaveDevices) {
 }
 
 TEST_F(LiveRegistry, ClassesAndPropertiesGoBySubsystem) {
-  WriteDevices(tree_);
+  WriteDevices(tree);
   struct {
     char const *path, *class_name, *properties;
   } const cases[] = {
@@ -95,7 +91,7 @@ TEST_F(LiveRegistry, ClassesAndPropertiesGoBySubsystem) {
 }
 
 TEST_F(LiveRegistry, OnlyHarmlessTextOfAttributesIsTaken) {
-  WriteDevice(tree_, "a", "block");
+  WriteDevice(tree, "a", "block");
   struct {
     char const *name, *content, *property;
   } const cases[] = {
@@ -111,17 +107,17 @@ TEST_F(LiveRegistry, OnlyHarmlessTextOfAttributesIsTaken) {
       {"nothing", "", ""},
   };
   for (auto const& row : cases) {
-    tree_.Write("/sys/devices/a/size", row.content);
+    tree.Write("/sys/devices/a/size", row.content);
     EXPECT_EQ(PropertiesAt("IOService", "/a"), "{BSD Name='a'" + std::string(row.property) + "}")
         << row.name;
   }
-  tree_.Write("/sys/devices/a/size", std::string(4096, ' '));
-  tree_.Write("/sys/devices/a/dev", std::string(4097, '1'));
-  tree_.Write("/sys/devices/a/ro", "1");
-  ::chmod(tree_.At("/sys/devices/a/ro").c_str(), 0640);
-  tree_.Link("/sys/devices/a/range", "uevent");
-  ::mkfifo(tree_.At("/sys/devices/a/start").c_str(), 0644);
-  std::filesystem::create_directory(tree_.At("/sys/devices/a/hidden"));
+  tree.Write("/sys/devices/a/size", std::string(4096, ' '));
+  tree.Write("/sys/devices/a/dev", std::string(4097, '1'));
+  tree.Write("/sys/devices/a/ro", "1");
+  ::chmod(tree.At("/sys/devices/a/ro").c_str(), 0640);
+  tree.Link("/sys/devices/a/range", "uevent");
+  ::mkfifo(tree.At("/sys/devices/a/start").c_str(), 0644);
+  std::filesystem::create_directory(tree.At("/sys/devices/a/hidden"));
   AnnouncementLog log;
   EXPECT_EQ(PropertiesAt("IOService", "/a"), "{BSD Name='a'}");
   EXPECT_THAT(log.entries,
@@ -129,7 +125,7 @@ TEST_F(LiveRegistry, OnlyHarmlessTextOfAttributesIsTaken) {
 }
 
 TEST_F(LiveRegistry, OneDeviceIsTheSameInEveryPlane) {
-  WriteDevices(tree_);
+  WriteDevices(tree);
   auto const service = NodeAt("IOService", "/pci0000:00/0000:00:14.0/usb1/1-2");
   auto const usb = NodeAt("IOUSB", "/usb1/1-2");
   EXPECT_EQ(service->Identity(), usb->Identity());
@@ -143,11 +139,11 @@ TEST_F(LiveRegistry, OneDeviceIsTheSameInEveryPlane) {
 
 TEST_F(LiveRegistry, EveryPathLeadsBack) {
   for (char const* name : {"a@0", "a:b@1,2", "\xFF\x01", "o@", " ", "..."}) {
-    WriteDevice(tree_, name + std::string("/below"), "");
-    tree_.Write("/proc/device-tree/" + std::string(name) + "/name", name);
+    WriteDevice(tree, name + std::string("/below"), "");
+    tree.Write("/proc/device-tree/" + std::string(name) + "/name", name);
   }
-  WriteDevices(tree_);
-  std::filesystem::recursive_directory_iterator const folders(tree_.At("/sys/devices"));
+  WriteDevices(tree);
+  std::filesystem::recursive_directory_iterator const folders(tree.At("/sys/devices"));
   auto const count = std::count_if(begin(folders), end(folders), [](auto const& entry) {
     return entry.is_directory() && !entry.is_symlink();
   });
@@ -169,9 +165,9 @@ TEST_F(LiveRegistry, EveryPathLeadsBack) {
 }
 
 TEST_F(LiveRegistry, PathsThatLeadNowhere) {
-  WriteDevices(tree_);
-  tree_.Link("/sys/devices/link", "platform");
-  tree_.Link("/sys/devices/out", "/etc");
+  WriteDevices(tree);
+  tree.Link("/sys/devices/link", "platform");
+  tree.Link("/sys/devices/out", "/etc");
   for (char const* path : {"", "pci0000:00", "//", "/.", "/..", "/pci0000:00/", "/pci0000:00//x",
                            "/pci0000:00/../platform", "/link", "/link/PNP0C0A:00", "/out"}) {
     EXPECT_EQ(NodeAt("IOService", path), nullptr) << path;
@@ -183,11 +179,11 @@ TEST_F(LiveRegistry, PathsThatLeadNowhere) {
 }
 
 TEST_F(LiveRegistry, WhatVanishedIsAbsent) {
-  WriteDevices(tree_);
+  WriteDevices(tree);
   auto const node = NodeAt("IOService", "/platform");
   auto const children = node->Children("IOService");
   auto const child = *(*children)->Next();
-  std::filesystem::remove_all(tree_.At("/sys/devices/platform"));
+  std::filesystem::remove_all(tree.At("/sys/devices/platform"));
   for (auto const& gone : {node, child}) {
     EXPECT_EQ(gone->PathIn("IOService").outcome(), Outcome::kAbsent);
     EXPECT_EQ(gone->ClassName().outcome(), Outcome::kAbsent);
@@ -197,7 +193,7 @@ TEST_F(LiveRegistry, WhatVanishedIsAbsent) {
 }
 
 TEST_F(LiveRegistry, TheFirmwaresTreeComesBeforeItsTables) {
-  WriteFirmware(tree_);
+  WriteFirmware(tree);
   EXPECT_EQ(PropertiesAt("IODeviceTree", "/"),
             "{manufacturer=<4c454e4f564f00> model=<3230485200> product-name=<3230485200>}");
   EXPECT_EQ(PropertiesAt("IODeviceTree", "/rom"),
@@ -206,13 +202,13 @@ TEST_F(LiveRegistry, TheFirmwaresTreeComesBeforeItsTables) {
   EXPECT_EQ(NodeAt("IODeviceTree", "/rom/boot-rom"), nullptr);
 
   std::string const base = "/sys/firmware/devicetree/base";
-  tree_.Link("/proc/device-tree", "/sys/firmware/devicetree/base");
-  tree_.Write(base + "/compatible", std::string("a\0b\0", 4));
-  tree_.Write(base + "/memory@0/reg", std::string("\0\1", 2));
-  tree_.Write(base + "/soc/uart@1/name", "u");
-  tree_.Write(base + "/soc/uart@2/name", "v");
-  tree_.Write(base + "/soc/secret", "x");
-  ::chmod(tree_.At(base + "/soc/secret").c_str(), 0400);
+  tree.Link("/proc/device-tree", "/sys/firmware/devicetree/base");
+  tree.Write(base + "/compatible", std::string("a\0b\0", 4));
+  tree.Write(base + "/memory@0/reg", std::string("\0\1", 2));
+  tree.Write(base + "/soc/uart@1/name", "u");
+  tree.Write(base + "/soc/uart@2/name", "v");
+  tree.Write(base + "/soc/secret", "x");
+  ::chmod(tree.At(base + "/soc/secret").c_str(), 0400);
   EXPECT_EQ(*NodeAt("IODeviceTree", "/")->NameIn("IODeviceTree"), "device-tree");
   EXPECT_EQ(PropertiesAt("IODeviceTree", "/"), "{compatible=<61006200>}");
   EXPECT_EQ(*NodeAt("IODeviceTree", "/memory")->PathIn("IODeviceTree"), "/memory@0");

@@ -1,14 +1,8 @@
 #include "machine/scsi.h"
 
-#include <CoreFoundation/recorded_facts.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
-#include "machine/capture/capture.h"
-#include "machine/capture/recorder.h"
-#include "tests/machine/recorded_tree.h"
+#include "tests/machine/recorded_capture.h"
 
 namespace {
 
@@ -16,8 +10,6 @@ using machine::Machine;
 using machine::Outcome;
 using machine::ScsiBus;
 using testing::ElementsAre;
-
-using SharedMachine = std::shared_ptr<Machine const>;
 
 std::string Text(ScsiBus const& bus) {
   return std::to_string(bus.version) + " " + std::to_string(bus.feature_flags) + " " +
@@ -60,10 +52,7 @@ TEST(LiveScsi, BusesAreTheHostsAndTargetsThoseOfTheirFirstChannel) {
 
 TEST(LiveScsi, OnlyWhatParallelTargetsAgreedUponTellsOfWidthAndSpeed) {
   struct {
-    char const* name;
-    char const* folder;
-    char const *width, *offset, *period;
-    char const* bus;
+    char const *name, *folder, *width, *offset, *period, *bus;
   } const cases[] = {
       {"narrow and asynchronous", "spi_transport/target0:0:3", "0", "0", "50", "0 0 0"},
       {"narrow and fast", "spi_transport/target0:0:3", "0", "15", "100", "0 2 0"},
@@ -86,21 +75,8 @@ TEST(LiveScsi, OnlyWhatParallelTargetsAgreedUponTellsOfWidthAndSpeed) {
   }
 }
 
-std::string Document(std::string const& entries) {
-  return "<plist version=\"1.0\"><dict>" + entries + "</dict></plist>";
-}
-
-SharedMachine Open(std::string const& folder) {
-  auto const opened = machine::OpenCapture(folder, {}, ReadRecordedFacts);
-  return opened ? *opened : nullptr;
-}
-
-SharedMachine Capture(RecordedTree const& tree, std::string const& entries) {
-  tree.Write("/machine.plist", Document(entries));
-  return Open(tree.At(""));
-}
-
 TEST(CapturedScsi, WhatIsMalformedOrMissingSaysSo) {
+  using namespace std::string_literals;
   static constexpr char kBuses[] = "<key>SCSIBuses</key>";
   static constexpr char kTarget[] = "<key>Target</key><integer>3</integer>";
   auto const bus = [](std::string const& entries) {
@@ -119,10 +95,10 @@ TEST(CapturedScsi, WhatIsMalformedOrMissingSaysSo) {
        "<key>Absent</key><dict><key>SCSIBuses.0.3</key><string>timed out</string>"
        "<key>SCSIBuses</key><string>permission refused</string></dict>",
        Outcome::kPermissionRefused, Outcome::kTimedOut},
-      {"no array", kBuses + std::string("<dict/>"), Outcome::kMalformed, Outcome::kMalformed},
-      {"no bus", kBuses + std::string("<array/>"), Outcome::kAbsent, Outcome::kAbsent},
-      {"a bus that is text", kBuses + std::string("<array><string>bus</string></array>"),
-       Outcome::kMalformed, Outcome::kMalformed},
+      {"no array", kBuses + "<dict/>"s, Outcome::kMalformed, Outcome::kMalformed},
+      {"no bus", kBuses + "<array/>"s, Outcome::kAbsent, Outcome::kAbsent},
+      {"a bus that is text", kBuses + "<array><string>bus</string></array>"s, Outcome::kMalformed,
+       Outcome::kMalformed},
       {"a gap", bus("<key>Reason</key><string>timed out</string>"), Outcome::kTimedOut,
        Outcome::kTimedOut},
       {"an empty bus", bus(""), Outcome::kAnswered, Outcome::kAbsent},
@@ -151,7 +127,7 @@ TEST(CapturedScsi, WhatIsMalformedOrMissingSaysSo) {
   };
   for (auto const& row : cases) {
     RecordedTree tree;
-    SharedMachine const machine = Capture(tree, row.entries);
+    SharedMachine const machine = Documented(tree, row.entries);
     ASSERT_NE(machine, nullptr) << row.name;
     EXPECT_EQ(machine->Scsi().Bus(0).outcome(), row.of_bus) << row.name;
     EXPECT_EQ(machine->Scsi().Inquiry(0, 3).outcome(), row.of_target) << row.name;
@@ -188,15 +164,10 @@ TEST(RecordedScsi, AnswersAsTheMachineDid) {
   ASSERT_EQ(std::ranges::count(expected, "0:3: malformed"), 1);
 
   RecordedTree captures;
-  machine::Recorder everything(tree.Machine());
-  everything.RecordEverything();
-  ASSERT_TRUE(everything.Write(captures.At("/everything"), WriteRecordedFacts));
-  EXPECT_EQ(Answers(*Open(captures.At("/everything"))), expected);
-
+  EXPECT_EQ(Answers(*RecordedWhole(tree.Machine(), captures.At("/everything"))), expected);
   machine::Recorder asked(tree.Machine());
   Answers(*asked.RecordingMachine());
-  ASSERT_TRUE(asked.Write(captures.At("/asked"), WriteRecordedFacts));
-  EXPECT_EQ(Answers(*Open(captures.At("/asked"))), expected);
+  EXPECT_EQ(Answers(*Recorded(asked, captures.At("/asked"))), expected);
 }
 
 TEST(RecordedScsi, TellsWhatWasNotAskedFromWhatIsNotThere) {
@@ -206,12 +177,8 @@ TEST(RecordedScsi, TellsWhatWasNotAskedFromWhatIsNotThere) {
   RecordedTree captures;
   machine::Recorder asked(tree.Machine());
   asked.RecordingMachine()->Scsi().Inquiry(2, 3);
-  ASSERT_TRUE(asked.Write(captures.At("/asked"), WriteRecordedFacts));
-  machine::Recorder everything(tree.Machine());
-  everything.RecordEverything();
-  ASSERT_TRUE(everything.Write(captures.At("/everything"), WriteRecordedFacts));
-
-  SharedMachine const few = Open(captures.At("/asked")), all = Open(captures.At("/everything"));
+  SharedMachine const few = Recorded(asked, captures.At("/asked"));
+  SharedMachine const all = RecordedWhole(tree.Machine(), captures.At("/everything"));
   EXPECT_EQ(few->Scsi().Inquiry(2, 3).value(), kDisk);
   EXPECT_THAT(*few->Scsi().BusNumbers(), ElementsAre(2));
   EXPECT_EQ(few->Scsi().Bus(0).absence().where, "not recorded");

@@ -1,23 +1,18 @@
-#include <CoreFoundation/recorded_facts.h>
 #include <fcntl.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 
-#include <cstdio>
 #include <fstream>
-#include <future>
 #include <map>
+#include <set>
 #include <sstream>
 #include <thread>
+#include <tuple>
 
-#include "machine/capture/capture.h"
-#include "machine/capture/recorder.h"
 #include "machine/live/worker.h"
-#include "tests/machine/recorded_tree.h"
+#include "tests/machine/recorded_capture.h"
+#include "tests/portable_inspectors/program_output.h"
 #include "tests/support/scripted_machine.h"
 #include "tests/support/scripted_volumes.h"
 
@@ -30,7 +25,6 @@ using machine::VolumeFacts;
 using machine::live::IsAnyCallAbandoned;
 using machine::live::RunWithin;
 using namespace std::chrono_literals;
-using SharedMachine = std::shared_ptr<machine::Machine const>;
 
 // "name mount-point", one after the other.
 std::vector<std::string> Listed(machine::Machine const& machine) {
@@ -39,13 +33,6 @@ std::vector<std::string> Listed(machine::Machine const& machine) {
   if (!volumes) return {std::string(NameOf(volumes.outcome()))};
   for (Volume const& volume : **volumes) listed.push_back(volume.name + " " + volume.mount_point);
   return listed;
-}
-
-std::string OutputOf(std::string const& command) {
-  std::string output;
-  FILE* const pipe = ::popen(command.c_str(), "r");
-  for (int c = std::fgetc(pipe); c != EOF; c = std::fgetc(pipe)) output += static_cast<char>(c);
-  return ::pclose(pipe) == 0 ? output : std::string();
 }
 
 TEST(MountedVolumes, AreTheMountsThatHoldFilesAndCanBeReached) {
@@ -183,12 +170,6 @@ int SeeMountsComeAndGo(RecordedTree const& tree) {
   return 0;
 }
 
-TEST(MountedVolumes, ComeAndGo) {
-  int const line = InChildWithMounts(SeeMountsComeAndGo);
-  if (line == kRefused) GTEST_SKIP() << "may not mount";
-  EXPECT_EQ(line, 0);
-}
-
 // A file system that never answers, as that of a server that is gone.
 bool MountADeadOne(std::string const& point) {
   int const device = ::open("/dev/fuse", O_RDWR | O_CLOEXEC);
@@ -215,12 +196,6 @@ int AskADeadVolume(RecordedTree const& tree) {
       std::count(log.entries.begin(), log.entries.end(), std::pair(dead, Outcome::kTimedOut)) == 5);
   CHECK_IN_CHILD(IsAnyCallAbandoned());
   return 0;
-}
-
-TEST(MountedVolumes, ADeadOneIsWaitedForOnce) {
-  int const line = InChildWithMounts(AskADeadVolume);
-  if (line == kRefused) GTEST_SKIP() << "may not mount";
-  EXPECT_EQ(line, 0);
 }
 
 // Whoever asks for a file there first waits for it, and nobody after.
@@ -256,16 +231,26 @@ int AskForFilesOfADeadVolume(RecordedTree const& tree) {
   return 0;
 }
 
-TEST(MountedVolumes, ADeadOneHangsNoQuestionForFiles) {
-  int const line = InChildWithMounts(AskForFilesOfADeadVolume);
+using MountCheck = std::pair<char const*, int (*)(RecordedTree const&)>;
+class MountsOfOnesOwn : public testing::TestWithParam<MountCheck> {};
+
+TEST_P(MountsOfOnesOwn, AreToldOfInTime) {
+  int const line = InChildWithMounts(GetParam().second);
   if (line == kRefused) GTEST_SKIP() << "may not mount";
   EXPECT_EQ(line, 0);
 }
 
+INSTANTIATE_TEST_SUITE_P(All, MountsOfOnesOwn,
+                         testing::Values(MountCheck("ComeAndGo", SeeMountsComeAndGo),
+                                         MountCheck("DeadOneIsWaitedForOnce", AskADeadVolume),
+                                         MountCheck("DeadOneHangsNoQuestionForFiles",
+                                                    AskForFilesOfADeadVolume)),
+                         [](auto const& info) { return info.param.first; });
+
 TEST(Worker, AbandonsWhatDoesNotReturn) {
   RecordedTree const tree;
   std::string const pipe = tree.At("/pipe");
-  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  tree.MakeFifo("/pipe");
   auto const hang = [pipe] { ::close(::open(pipe.c_str(), O_RDONLY | O_CLOEXEC)); };
   EXPECT_FALSE(RunWithin(20ms, pipe, hang));
   EXPECT_TRUE(IsAnyCallAbandoned());
@@ -280,27 +265,13 @@ TEST(Worker, AbandonsWhatDoesNotReturn) {
   EXPECT_EQ(machine::live::AskWithin(1h, pipe, [] { return 5; }), 5);
 }
 
-SharedMachine Open(RecordedTree const& tree) {
-  auto opened = machine::OpenCapture(tree.At("/"), {}, ReadRecordedFacts);
-  EXPECT_TRUE(opened) << machine::CaptureMessage(opened.absence());
-  return opened ? *opened : nullptr;
-}
-
-bool AreEqual(std::optional<machine::FileTime> const& a,
-              std::optional<machine::FileTime> const& b) {
-  return a.has_value() == b.has_value() &&
-         (!a || (a->seconds == b->seconds && a->nanoseconds == b->nanoseconds));
-}
-
-void ExpectEqual(VolumeFacts const& a, VolumeFacts const& b) {
-  EXPECT_EQ(a.total_bytes, b.total_bytes);
-  EXPECT_EQ(a.free_bytes, b.free_bytes);
-  EXPECT_EQ(a.block_bytes, b.block_bytes);
-  EXPECT_EQ(a.files, b.files);
-  EXPECT_EQ(a.folders, b.folders);
-  EXPECT_EQ(a.flags, b.flags);
-  EXPECT_TRUE(AreEqual(a.created, b.created));
-  EXPECT_TRUE(AreEqual(a.modified, b.modified));
+// All that is told of a volume, to compare.
+auto Members(VolumeFacts const& facts) {
+  auto const members = [](std::optional<machine::FileTime> const& time) {
+    return std::tuple(time.has_value(), time ? time->seconds : 0, time ? time->nanoseconds : 0);
+  };
+  return std::tuple(facts.total_bytes, facts.free_bytes, facts.block_bytes, facts.files,
+                    facts.folders, facts.flags, members(facts.created), members(facts.modified));
 }
 
 TEST(CapturedVolumes, AreWhatWasRecorded) {
@@ -326,8 +297,7 @@ TEST(CapturedVolumes, AreWhatWasRecorded) {
   recorder.RecordEverything();
   recorder.RecordingMachine()->Volumes().FactsOf(proc);
   RecordedTree const tree;
-  ASSERT_TRUE(recorder.Write(tree.At("/"), WriteRecordedFacts));
-  auto const capture = Open(tree);
+  auto const capture = Recorded(recorder, tree.At("/"));
   auto const again = capture->Volumes().Volumes();
   ASSERT_TRUE(again);
   ASSERT_EQ((*again)->size(), 2u);
@@ -339,17 +309,16 @@ TEST(CapturedVolumes, AreWhatWasRecorded) {
     EXPECT_EQ(read.device, asked.device);
     EXPECT_EQ(read.other_mounts, asked.other_mounts);
   }
-  ExpectEqual(*capture->Volumes().FactsOf(volumes->volumes[0]), whole);
+  EXPECT_EQ(Members(*capture->Volumes().FactsOf(volumes->volumes[0])), Members(whole));
   EXPECT_EQ(capture->Volumes().FactsOf(volumes->volumes[1]).absence().source, "/dead");
   EXPECT_EQ(capture->Volumes().FactsOf(volumes->volumes[1]).outcome(), Outcome::kTimedOut);
-  ExpectEqual(*capture->Volumes().FactsOf(proc), VolumeFacts());
+  EXPECT_EQ(Members(*capture->Volumes().FactsOf(proc)), Members(VolumeFacts()));
 }
 
 TEST(CapturedVolumes, AreNotKnownWhereNobodyAsked) {
   RecordedTree const tree;
   machine::Recorder recorder(std::make_shared<ScriptedMachine>());
-  ASSERT_TRUE(recorder.Write(tree.At("/"), WriteRecordedFacts));
-  EXPECT_EQ(Open(tree)->Volumes().Volumes().absence().where, "not recorded");
+  EXPECT_EQ(Recorded(recorder, tree.At("/"))->Volumes().Volumes().absence().where, "not recorded");
 }
 
 TEST(CapturedVolumes, MayBeWrittenByHand) {
@@ -379,18 +348,16 @@ TEST(CapturedVolumes, MayBeWrittenByHand) {
   for (auto const& row : rows) {
     SCOPED_TRACE(row.what);
     RecordedTree const tree;
-    tree.Write("/machine.plist",
-               "<plist><dict><key>Volumes</key><array>" + row.volumes + "</array></dict></plist>");
-    EXPECT_EQ(Listed(*Open(tree)), row.listed);
+    EXPECT_EQ(Listed(*Documented(tree, "<key>Volumes</key><array>" + row.volumes + "</array>")),
+              row.listed);
   }
   RecordedTree const tree;
-  tree.Write("/machine.plist",
-             "<plist><dict><key>Volumes</key><array><dict>" + name + point +
-                 "<key>TotalBytes</key><integer>1000</integer>"
-                 "<key>Created</key><date>2001-01-01T00:00:00Z</date></dict><dict>"
-                 "<key>Name</key><string>B</string><key>MountPoint</key><string>/B</string>"
-                 "<key>FreeBytes</key><integer>-1</integer></dict></array></dict></plist>");
-  auto const capture = Open(tree);
+  auto const capture =
+      Documented(tree, "<key>Volumes</key><array><dict>" + name + point +
+                           "<key>TotalBytes</key><integer>1000</integer>"
+                           "<key>Created</key><date>2001-01-01T00:00:00Z</date></dict><dict>"
+                           "<key>Name</key><string>B</string><key>MountPoint</key><string>/B"
+                           "</string><key>FreeBytes</key><integer>-1</integer></dict></array>");
   auto const facts = capture->Volumes().FactsOf({"A", "/Volumes/A", 0, 0, {}});
   EXPECT_EQ(facts->total_bytes, 1000u);
   EXPECT_EQ(facts->created->seconds, 978'307'200);
@@ -403,9 +370,9 @@ TEST(CapturedVolumes, ABareMacOSVolumeIsOne) {
   RecordedTree const tree;
   std::string const services = "/System/Library/CoreServices/";
   tree.Write(services + "SystemVersion.plist", "<plist><dict/></plist>");
-  EXPECT_THAT(Listed(*Open(tree)), testing::ElementsAre("System /"));
+  EXPECT_THAT(Listed(*OpenedCapture(tree.At(""))), testing::ElementsAre("System /"));
   tree.Write(services + ".disk_label.contentDetails", "Macintosh HD\n");
-  auto const volume = Open(tree);
+  auto const volume = OpenedCapture(tree.At(""));
   EXPECT_THAT(Listed(*volume), testing::ElementsAre("Macintosh HD /"));
   auto const facts = volume->Volumes().FactsOf((*volume->Volumes().Volumes())->front());
   ASSERT_TRUE(facts);

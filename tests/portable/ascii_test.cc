@@ -76,8 +76,7 @@ TEST(AsciiCase, WritesWhatFits) {
 
 TEST(AsciiComparison, GoesThroughTheTables) {
   struct {
-    char const* left;
-    char const* right;
+    char const *left, *right;
     int lower, upper;
   } const rows[] = {{"_", "a", -1, 1},   {"aBc", "AbC", 0, 0}, {"ab", "ABC", -1, -1},
                     {"\xFF", "z", 1, 1}, {"@", "`", -1, -1},   {"", "", 0, 0}};

@@ -31,8 +31,7 @@ struct Area {
 
 TEST(ConstData, FindsTheLeftmostOccurrenceAndItsEnds) {
   struct {
-    char const* text;
-    char const* pattern;
+    char const *text, *pattern;
     long position;
     bool is_start, is_end;
   } const rows[] = {{"abcabc", "bc", 1, false, true}, {"abc", "abc", 0, true, true},
@@ -62,10 +61,8 @@ TEST(ConstData, PositionsDoNotOverlap) {
 
 TEST(ConstData, Orders) {
   struct {
-    char const* left;
-    char const* right;
-    int order;
-    int reversed;
+    char const *left, *right;
+    int order, reversed;
   } const rows[] = {{"ab", "abc", -1, -1}, {"bc", "abc", 1, -1}, {"", "", 0, 0},  {"", "a", -1, -1},
                     {"ba", "ab", 1, -1},   {"\xFF", "a", 1, 1},  {"a", "a", 0, 0}};
   for (auto const& row : rows) {
@@ -85,11 +82,9 @@ TEST(ConstData, Orders) {
 
 TEST(Split, TellsPiecesApart) {
   struct {
-    char const* text;
-    char const* separator;
+    char const *text, *separator;
     bool trim;
-    std::vector<std::string> full;
-    std::vector<std::string> all;
+    std::vector<std::string> full, all;
   } const rows[] = {
       {"a,,b", ",", false, {"a", "b"}, {"a", "", "b"}},
       {" a , b ", ",", true, {"a", "b"}, {"a", "b"}},

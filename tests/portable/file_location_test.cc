@@ -89,18 +89,6 @@ class Locations : public ::testing::Test {
   MachineInUse use_{machine::MakeLiveMachine(tree_.At(""), machine::Changes::kAllowed)};
 };
 
-TEST_F(Locations, AreEqualByItem) {
-  struct {
-    char const *one, *other;
-    bool equal;
-  } const rows[] = {{"/folder/file", "/way/../folder/./file", true},
-                    {"/folder/file", "/link", false},
-                    {"/", "/folder/..", true}};
-  for (auto const& row : rows) {
-    EXPECT_EQ(MakeFileLocation(row.one) == MakeFileLocation(row.other), row.equal) << row.other;
-  }
-}
-
 TEST_F(Locations, TellWhatStandsThere) {
   struct {
     char const* path;

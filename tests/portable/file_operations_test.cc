@@ -1,8 +1,5 @@
 #include "portable/file_operations.h"
 
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include "portable/file_item.h"
 #include "tests/portable/temporary_folder.h"
 

@@ -1,4 +1,3 @@
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -57,17 +56,7 @@ TEST(FolderContents, AreDeletedWithoutFollowingLinks) {
 
 TEST(FolderContents, OfDeepTreesAreDeletedAndCopied) {
   TemporaryFolder folder;
-  constexpr int kDepth = 600;
-  std::string const name(10, 'd');
-  fs::create_directory(folder.Path("deep"));
-  int at = open(folder.Path("deep").c_str(), O_RDONLY | O_DIRECTORY);
-  for (int i = 0; i < kDepth; ++i) {
-    mkdirat(at, name.c_str(), 0700);
-    int const below = openat(at, name.c_str(), O_RDONLY | O_DIRECTORY);
-    close(at);
-    at = below;
-  }
-  close(at);
+  folder.MakeChain("deep", std::string(10, 'd'), 600, [](int) {});
   fs::create_directory(folder.Path("copy"));
   CopyDirectoryContents(folder.At("deep"), folder.At("copy"));
   for (char const* tree : {"deep", "copy"}) {

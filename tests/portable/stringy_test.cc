@@ -169,9 +169,7 @@ TEST(Stringy, ChangesInPlace) {
 
 TEST(Stringy, Strips) {
   struct {
-    char const* text;
-    char const* left;
-    char const* both;
+    char const *text, *left, *both;
   } const rows[] = {{" \t\r\na b \t", "a b \t", "a b"},
                     {"\va\f ", "\va\f ", "\va\f"},
                     {" \n ", "(null)", "(null)"},

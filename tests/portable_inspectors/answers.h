@@ -1,6 +1,9 @@
 // What the evaluator answers, as one text to compare.
 #pragma once
 
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
 #include <string>
 #include <string_view>
 

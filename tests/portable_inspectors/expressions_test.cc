@@ -1,8 +1,5 @@
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <ostream>
-#include <string>
 #include <vector>
 
 #include "answers.h"
@@ -12,8 +9,7 @@ namespace {
 using ::testing::HasSubstr;
 
 struct Row {
-  char const* expression;
-  char const* answer;
+  char const *expression, *answer;
 };
 
 // For the names of failed tests.
@@ -142,7 +138,6 @@ INSTANTIATE_TEST_SUITE_P(
               non release revision of it) of version "70000.2b3")",
          "70000, 2, 0, beta, 3"},
         {R"(maximum of (version "1.9"; version "1.10"; version "1.2"))", "1.10"},
-        {R"("1.1111111111.2222222222.3333333333.4444444444.555" as version)", "no such object"},
     }));
 
 INSTANTIATE_TEST_SUITE_P(
@@ -154,7 +149,6 @@ INSTANTIATE_TEST_SUITE_P(
         {R"("3 days, 04:00:00" as time interval = 76 * hour)", "true"},
         {R"("soon" as time interval)", "no such object"},
         {"3 * day + now > now + 2 * day", "true"},
-        {"week - 8 * day", "-1 day, 00:00:00.000000"},
         {"absolute value of (week - 8 * day) = day", "true"},
         {R"((time "2024-02-29T23:59:59.5Z" - time "2024-02-29T00:59:59.25+01:00") / millisecond)",
          "86400250"},
@@ -163,7 +157,6 @@ INSTANTIATE_TEST_SUITE_P(
              of (unix epoch + 1709251199 * second + 7 * microsecond))",
          "2024-02-29, Thursday, February, 60, 23, 7"},
         {R"((unix epoch - microsecond) as universal string)", "1969-12-31T23:59:59.999999Z"},
-        {R"((time "0001-01-01T00:00:00Z" - microsecond) as universal string)", "no such object"},
         {R"(universal time_of_day of unix epoch)", "00:00:00.000000"},
         {R"((now as string) as time <= now)", "true"},
         {R"(exists ("2024-13-01T00:00:00Z" as time))", "false"},

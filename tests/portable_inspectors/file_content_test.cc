@@ -1,5 +1,4 @@
 // What is in a file, against the strings of the vocabulary and against other programs.
-#include <gtest/gtest.h>
 
 #include <cstdint>
 #include <filesystem>
@@ -25,7 +24,7 @@ TEST(FileLines, AreThoseOfTheContent) {
         std::string("a\r\nb\rc\n\rd\r\n\r\ne"), near_end + "\r\nb", near_end + "\rb",
         near_end + "\r", near_end + "\nb", near_end + "x\r\nb", std::string(300'000, 'y') + "\nz",
         mixed}) {
-    folder.AddFile("f", content);
+    folder.Write("f", content);
     // Not shown when they differ: there are too many of them.
     EXPECT_TRUE(folder.Ask(R"(lines of file "%/f")") ==
                 folder.Ask(R"(lines of content of file "%/f")"))
@@ -34,7 +33,7 @@ TEST(FileLines, AreThoseOfTheContent) {
     EXPECT_EQ(folder.Ask(R"(number of lines of file "%/f")"),
               folder.Ask(R"(number of lines of content of file "%/f")"));
   }
-  folder.AddFile("f", "one\ntwo\n\nfour");
+  folder.Write("f", "one\ntwo\n\nfour");
   EXPECT_EQ(folder.Ask(R"((line 1 of it, line 2 of it, line 4 of it) of file "%/f")"),
             "one, two, four");
   EXPECT_EQ(folder.Ask(R"((exists line 0 of it, exists line 5 of it) of file "%/f")"),
@@ -47,7 +46,7 @@ TEST(FileDigests, AreThoseOfTheProgramsForThem) {
   std::mt19937 random(7);
   while (bytes.size() < 300'000) bytes += static_cast<char>(random());
   for (std::size_t size : {0, 1, 131'072, 300'000}) {
-    folder.AddFile("f", bytes.substr(0, size));
+    folder.Write("f", bytes.substr(0, size));
     for (std::string const algorithm : {"md5", "sha1", "sha256"}) {
       EXPECT_EQ(folder.Ask(algorithm + R"( of file "%/f")"),
                 FirstLineOf(algorithm + "sum " + folder.Path("f") + " | cut -d' ' -f1"));
@@ -58,8 +57,8 @@ TEST(FileDigests, AreThoseOfTheProgramsForThem) {
 // Nothing here may hang.
 TEST(FileContent, IsThatOfRegularFilesOnly) {
   TemporaryFolder folder;
-  folder.AddFifo("fifo");
-  folder.AddLink("to fifo", "fifo");
+  folder.MakeFifo("fifo");
+  folder.Link("to fifo", "fifo");
   for (char const* path : {"%/fifo", "%/to fifo", "/dev/zero", "/dev/null"}) {
     std::string const file = std::string(" of file \"") + path + '"';
     EXPECT_EQ(folder.Ask("exists" + file.substr(3)), "true") << path;
@@ -68,7 +67,7 @@ TEST(FileContent, IsThatOfRegularFilesOnly) {
     EXPECT_EQ(folder.Ask("number of lines" + file), "0") << path;
     EXPECT_EQ(folder.Ask("sha1" + file), "no such object") << path;
   }
-  folder.AddFile("sparse");
+  folder.Write("sparse");
   std::filesystem::resize_file(folder.Path("sparse"), std::uintmax_t{5} << 30);
   EXPECT_NE(folder.Ask(R"(content of file "%/sparse")").find("FileTooLarge"), std::string::npos);
   // Files without a size have content all the same.

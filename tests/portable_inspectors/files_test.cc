@@ -1,6 +1,5 @@
 // Files and folders of the machine at hand: finding them, listing them, and what is said of them.
 #include <fcntl.h>
-#include <gtest/gtest.h>
 #include <malloc.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -27,15 +26,15 @@ void ExpectAnswers(TemporaryFolder const& folder, Table const& table) {
 class Files : public testing::Test {
  protected:
   Files() {
-    folder_.AddFile("a.txt", "alpha\n");
-    folder_.AddFolder("sub/deep");
-    folder_.AddFile("sub/b.txt");
-    folder_.AddFile("sub/deep/c.conf");
-    folder_.AddLink("to file", "sub/../a.txt");
-    folder_.AddLink("to folder", "sub");
-    folder_.AddLink("sub/up", "..");
-    folder_.AddLink("broken", "a.txt/");
-    folder_.AddLink("loop", "loop");
+    folder_.Write("a.txt", "alpha\n");
+    folder_.MakeFolder("sub/deep");
+    folder_.Write("sub/b.txt");
+    folder_.Write("sub/deep/c.conf");
+    folder_.Link("to file", "sub/../a.txt");
+    folder_.Link("to folder", "sub");
+    folder_.Link("sub/up", "..");
+    folder_.Link("broken", "a.txt/");
+    folder_.Link("loop", "loop");
   }
 
   TemporaryFolder folder_;
@@ -94,10 +93,10 @@ TEST_F(Files, AreListed) {
 
 // What other systems leave beside a file belongs to that file.
 TEST_F(Files, HaveCompanionsThatAreNotListed) {
-  folder_.AddFile("._a.txt", std::string("\0\5\26\7\0\2\0\0", 8));
-  folder_.AddFile("._none", std::string("\0\5\26\7\0\2\0\0", 8));
-  folder_.AddFile("._sub", "plain text");
-  folder_.AddFile("._");
+  folder_.Write("._a.txt", std::string("\0\5\26\7\0\2\0\0", 8));
+  folder_.Write("._none", std::string("\0\5\26\7\0\2\0\0", 8));
+  folder_.Write("._sub", "plain text");
+  folder_.Write("._");
   EXPECT_EQ(folder_.Ask(R"(unique values of names of find files "._*" of folder "%")"),
             "._\n._none\n._sub");
 }
@@ -105,7 +104,7 @@ TEST_F(Files, HaveCompanionsThatAreNotListed) {
 TEST_F(Files, SayWhatTheStatProgramSays) {
   chmod(folder_.Path("a.txt").c_str(), 06751);
   chmod(folder_.Path("sub").c_str(), 01776);
-  folder_.AddFifo("fifo");
+  folder_.MakeFifo("fifo");
   for (char const* name : {"a.txt", "sub", "loop", "fifo"}) {
     std::string const path = folder_.Path(name);
     EXPECT_EQ(
@@ -125,9 +124,9 @@ TEST_F(Files, SayWhatTheStatProgramSays) {
 
 TEST_F(Files, MayHaveAnyName) {
   std::string const longest(255, 'n');
-  folder_.AddFile("sub/" + longest);
-  folder_.AddFile("sub/\xff\xfe\x80 x");
-  folder_.AddFolder("sub/line\nfeed");
+  folder_.Write("sub/" + longest);
+  folder_.Write("sub/\xff\xfe\x80 x");
+  folder_.MakeFolder("sub/line\nfeed");
   EXPECT_EQ(folder_.Ask("exists file \"" + longest + R"(" of folder "%/sub")"), "true");
   EXPECT_EQ(folder_.Ask("exists file \"" + longest + R"(n" of folder "%/sub")"), "false");
   EXPECT_EQ(folder_.Ask(R"(name of file "\xff\xfe\x80 x" of folder "%/sub" = "\xff\xfe\x80 x")"),
@@ -154,15 +153,8 @@ TEST(DeepFolders, AreWalkedToTheEnd) {
   constexpr int kDepth = 600;
   std::string const name(200, 'd');
   TemporaryFolder folder;
-  int at = open(folder.Path().c_str(), O_DIRECTORY);
-  for (int i = 0; i < kDepth; ++i) {
-    ASSERT_EQ(mkdirat(at, name.c_str(), 0700), 0);
-    close(openat(at, "x", O_CREAT | O_WRONLY, 0600));
-    int const next = openat(at, name.c_str(), O_DIRECTORY);
-    close(at);
-    at = next;
-  }
-  close(at);
+  folder.MakeChain("", name, kDepth,
+                   [](int at) { close(openat(at, "x", O_CREAT | O_WRONLY, 0600)); });
   EXPECT_EQ(folder.Ask(R"(number of descendants of folder "%")"), std::to_string(2 * kDepth));
   EXPECT_EQ(folder.Ask(R"(number of descendants whose (name of it = "x") of folder "%")"),
             std::to_string(kDepth));
@@ -184,7 +176,7 @@ TEST(Descendants, AreThoseThatFindFinds) {
 TEST(UnreadableFolders, DoNotPassForEmptyOnes) {
   if (geteuid() == 0) GTEST_SKIP() << "the superuser may read everything";
   TemporaryFolder folder;
-  folder.AddFolder("closed/inside");
+  folder.MakeFolder("closed/inside");
   chmod(folder.Path("closed").c_str(), 0);
   EXPECT_NE(folder.Ask(R"(number of items of folder "%/closed")").find("FileLoopFailed"),
             std::string::npos);

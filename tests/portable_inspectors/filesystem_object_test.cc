@@ -1,8 +1,6 @@
 // Files and folders as other rooms use them.
 #include "portable_inspectors/filesystem_object.h"
 
-#include <gtest/gtest.h>
-
 #include <filesystem>
 #include <set>
 #include <string>
@@ -20,12 +18,12 @@ FileLocation LocationOf(std::string const& path) { return MakeFileLocation(Const
 
 TEST(FilesystemObject, TakesItsItemWhenFirstAsked) {
   TemporaryFolder folder;
-  folder.AddFile("a", "12345");
+  folder.Write("a", "12345");
   file const a = file_of({reinterpret_cast<unsigned char const*>("a"), 1},
                          posix_folder_of_world(folder.Path()));
-  folder.AddFile("a", "123");
+  folder.Write("a", "123");
   EXPECT_EQ(a.Item().Length(), 3u);
-  folder.AddFile("a", "1");
+  folder.Write("a", "1");
   EXPECT_EQ(a.Item().Length(), 3u);
   EXPECT_EQ(a.Location().POSIXPath(), folder.Path("a"));
 
@@ -51,10 +49,10 @@ descendant_iterator::DescendAndAddFlags ApplicationsOnly(FileItem const& item) {
 TEST(DescendantIterator, WalksEveryStartAsTheFilterDecides) {
   TemporaryFolder folder;
   for (char const* name : {"one/A.app/Inner.app", "one/more/B.app", "two/C.app", "two/empty"}) {
-    folder.AddFolder(name);
+    folder.MakeFolder(name);
   }
-  folder.AddFile("two/file.app");
-  folder.AddLink("two/back", "../one");
+  folder.Write("two/file.app");
+  folder.Link("two/back", "../one");
 
   descendant_iterator walk;
   walk.Init();
@@ -72,10 +70,10 @@ TEST(DescendantIterator, WalksEveryStartAsTheFilterDecides) {
 
 TEST(FilesystemObjectIterator, BeginsAnewWithAnotherFolder) {
   TemporaryFolder folder;
-  folder.AddFolder("one");
-  folder.AddFolder("two");
-  folder.AddFile("one/a");
-  folder.AddFile("two/b");
+  folder.MakeFolder("one");
+  folder.MakeFolder("two");
+  folder.Write("one/a");
+  folder.Write("two/b");
   filesystem_object_iterator contents;
   ::folder const one = posix_folder_of_world(folder.Path("one"));
   ::folder const two = posix_folder_of_world(folder.Path("two"));

@@ -8,7 +8,6 @@
 #include <unistd.h>
 
 #include <string>
-#include <vector>
 
 #include "temporary_folder.h"
 #include "tests/machine/apple_double_text.h"
@@ -21,12 +20,12 @@ class Forbidden {
   static constexpr char kYear[] = "1991";
 
   Forbidden() {
-    folder_.AddFile("file", kContent);
-    folder_.AddFile("list", "<plist><array><string>the canary sang</string></array></plist>");
-    folder_.AddFile("double", AppleDoubleText({{2, kContent}, {9, std::string(32, '\xff')}}));
-    folder_.AddFolder("folder");
-    folder_.AddFile("folder/the canary sang");
-    folder_.AddFifo("fifo");
+    folder_.Write("file", kContent);
+    folder_.Write("list", "<plist><array><string>the canary sang</string></array></plist>");
+    folder_.Write("double", AppleDoubleText({{2, kContent}, {9, std::string(32, '\xff')}}));
+    folder_.MakeFolder("folder");
+    folder_.Write("folder/the canary sang");
+    folder_.MakeFifo("fifo");
     timespec const times[2] = {{.tv_sec = 678900000, .tv_nsec = 0},
                                {.tv_sec = 678900000, .tv_nsec = 0}};
     for (char const* name : {"file", "list", "double", "folder", "fifo"}) {
@@ -87,16 +86,7 @@ inline void AddOddItems(RecordedTree const& tree) {
   tree.Link("/here", ".");
   tree.Link("/nowhere", std::string(4000, 'n'));
   tree.Write("/proc/self/mountinfo", "1 1 0:1 / /\\ - \n\n - - - \xff\n99999999999999999999 -1\n");
-  std::string deep = "/deep";
-  for (int i = 0; i < 20; ++i) deep += '/' + std::string(255, 'd');
-  std::filesystem::current_path(tree.At("/"));
-  for (std::string rest = deep + "/end"; !rest.empty();) {
-    std::string const name = rest.substr(1, rest.find('/', 1) - 1);
-    rest.erase(0, name.size() + 1);
-    std::filesystem::create_directory(name);
-    std::filesystem::current_path(name);
-  }
-  std::filesystem::current_path("/");
+  tree.MakeChain("deep", std::string(255, 'd'), 20, [](int) {});
   for (char const* name : {"line\nfeed", "\xff\xfe", "...", ":", "\\", "\"", " ", "*", "._", "._._",
                            "\x1b[31m", "\xe2\x80\xae"}) {
     tree.Write("/names/" + std::string(name), "ordinary");
@@ -107,31 +97,4 @@ inline void AddOddItems(RecordedTree const& tree) {
   mknod(tree.At("/zeros").c_str(), S_IFCHR | 0600, makedev(1, 5));
   mknod(tree.At("/._behind a device").c_str(), S_IFCHR | 0600, makedev(1, 5));
   tree.Write("/behind a device", "ordinary");
-}
-
-// Adds files with companions that tell of more than they have.
-inline void AddWildCompanions(RecordedTree const& tree) {
-  std::string const sound = AppleDoubleText({{9, std::string(32, 'f')}, {2, "fork"}});
-  constexpr std::size_t kCount = 24, kFirst = 26, kSecond = 38;
-  struct {
-    std::size_t at;
-    std::string bytes;
-  } const changes[] = {
-      {kCount, "\xff\xff"},
-      {kFirst + 4, "\xff\xff\xff\xff"},
-      {kFirst + 8, "\xff\xff\xff\xff"},
-      {kSecond + 4, "\xff\xff\xff"},
-      {kSecond + 8, "\x7f\xff\xff\xff"},
-      {kSecond, std::string(4, '\0')},
-  };
-  int number = 0;
-  auto const add = [&](std::string const& companion) {
-    std::string const name = "wild " + std::to_string(++number);
-    tree.Write("/wild/" + name, "ordinary");
-    tree.Write("/wild/._" + name, companion);
-  };
-  for (auto const& change : changes) {
-    add(std::string(sound).replace(change.at, change.bytes.size(), change.bytes));
-  }
-  for (std::size_t const size : {3, 4, 25, 27, 49}) add(sound.substr(0, size));
 }

@@ -1,8 +1,6 @@
 // Asks all that there is to ask of every item of a recorded machine that was made to do harm.
 #include "hostile_tree.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <map>
 #include <set>
@@ -151,10 +149,9 @@ class HostileTree : public testing::Test {
 TEST_F(HostileTree, AnswersEveryQuestionFromWithin) {
   AddWaysOut(tree_, forbidden_);
   AddOddItems(tree_);
-  AddWildCompanions(tree_);
   Questions questions;
   std::vector<std::string> const paths = Descendants();
-  EXPECT_GT(paths.size(), 90U);
+  EXPECT_GT(paths.size(), 70U);
   std::size_t values = 0;
   for (std::string const& path : paths) {
     std::size_t const slash = path.rfind('/');
@@ -192,14 +189,14 @@ TEST(ChangingFiles, AreReadAsFarAsTheyAreThere) {
   TemporaryFolder folder;
   std::string text;
   for (std::size_t i = 0; i < kLines; ++i) text += "0123456789\n";
-  folder.AddFile("long", text);
+  folder.Write("long", text);
   std::string const path = folder.Path("long");
   std::size_t const read =
       CountWhile("lines of file \"" + path + '"', [&] { EXPECT_EQ(truncate(path.c_str(), 0), 0); });
   EXPECT_GT(read, 0U);
   EXPECT_LT(read, kLines);
 
-  for (int i = 0; i < 10; ++i) folder.AddFile("few " + std::to_string(i), "x");
+  for (int i = 0; i < 10; ++i) folder.Write("few " + std::to_string(i), "x");
   auto const remove_all = [&] {
     std::filesystem::remove_all(folder.Path());
     std::filesystem::create_symlink("/dev/zero", folder.Path());

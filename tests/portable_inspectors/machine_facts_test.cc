@@ -1,5 +1,4 @@
 // Times and environment of the machine at hand, against what GNU date says.
-#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <cstdint>

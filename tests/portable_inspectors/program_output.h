@@ -2,14 +2,19 @@
 #pragma once
 
 #include <cstdio>
-#include <memory>
 #include <string>
 
-// The first line that a shell command prints, without its end.
+// All that a shell command prints.
+inline std::string OutputOf(std::string const& command) {
+  std::string output;
+  FILE* const pipe = popen(command.c_str(), "r");
+  for (int c = fgetc(pipe); c != EOF; c = fgetc(pipe)) output += static_cast<char>(c);
+  pclose(pipe);
+  return output;
+}
+
+// The first line of it, without its end.
 inline std::string FirstLineOf(std::string const& command) {
-  std::unique_ptr<FILE, int (*)(FILE*)> const pipe(popen(command.c_str(), "r"), pclose);
-  char line[200] = "";
-  std::string text = fgets(line, sizeof(line), pipe.get()) == nullptr ? "" : line;
-  if (text.ends_with('\n')) text.pop_back();
-  return text;
+  std::string const output = OutputOf(command);
+  return output.substr(0, output.find('\n'));
 }

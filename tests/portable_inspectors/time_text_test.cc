@@ -16,10 +16,7 @@ constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
 constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 
 TEST(TimeIntervalText, IsReadBack) {
-  struct {
-    std::int64_t microseconds;
-    char const* text;
-  } const rows[] = {
+  std::pair<std::int64_t, char const*> const rows[] = {
       {0, "00:00:00.000000"},
       {1, "00:00:00.000001"},
       {-1, "-00:00:00.000001"},
@@ -30,9 +27,9 @@ TEST(TimeIntervalText, IsReadBack) {
       {kLargest, "106751991 days, 04:00:54.775807"},
       {kSmallest, "-106751991 days, 04:00:54.775808"},
   };
-  for (auto const& row : rows) {
-    EXPECT_EQ(TimeIntervalToText(time_interval(row.microseconds)), row.text);
-    EXPECT_EQ(TextToTimeInterval(row.text), time_interval(row.microseconds)) << row.text;
+  for (auto const& [microseconds, text] : rows) {
+    EXPECT_EQ(TimeIntervalToText(time_interval(microseconds)), text);
+    EXPECT_EQ(TextToTimeInterval(text), time_interval(microseconds)) << text;
   }
 }
 

@@ -33,10 +33,7 @@ TEST(VersionText, FillsTheNumbers) {
 }
 
 TEST(VersionText, ShowsNumbersSoThatTheyAreReadBackEqual) {
-  struct {
-    inspector_version version;
-    char const* text;
-  } const rows[] = {
+  std::pair<inspector_version, char const*> const rows[] = {
       {{10, 2, 0, 0x80, 0}, "10.2"},
       {{10, 2, 1, 0, 0}, "10.2.1"},
       {{1, 0, 0, 0x20, 3}, "1.0d3"},
@@ -45,9 +42,9 @@ TEST(VersionText, ShowsNumbersSoThatTheyAreReadBackEqual) {
       {{1, 0, 0, 0x80, 5}, "1.0-5"},
       {{65535, 65535, 65535, 0x60, 65535}, "65535.65535.65535b65535"},
   };
-  for (auto const& row : rows) {
-    EXPECT_EQ(AsString(row.version), row.text);
-    EXPECT_TRUE(Compare(row.version, Read(row.text)) == 0) << row.text;
+  for (auto const& [version, text] : rows) {
+    EXPECT_EQ(AsString(version), text);
+    EXPECT_TRUE(Compare(version, Read(text)) == 0) << text;
   }
   // A stage that was cleared compares as the release.
   EXPECT_TRUE(Compare({1, 2, 3, 0, 0}, {1, 2, 3, 0x80, 0}) == 0);

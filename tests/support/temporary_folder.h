@@ -1,7 +1,9 @@
 // A folder for one test, gone with all that is in it at the end.
 #pragma once
 
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <filesystem>
@@ -30,7 +32,7 @@ class TemporaryFolder {
   std::string Path(std::string_view name) const { return path_ + "/" + std::string(name); }
 
   // Each makes the folders above too.
-  void Write(std::string_view name, std::string_view content) const {
+  void Write(std::string_view name, std::string_view content = "") const {
     std::ofstream(Ready(name), std::ios::binary) << content;
   }
   void Link(std::string_view name, std::string_view target) const {
@@ -40,6 +42,21 @@ class TemporaryFolder {
     if (::mkfifo(Ready(name).c_str(), 0600) != 0) std::abort();
   }
   void MakeFolder(std::string_view name) const { std::filesystem::create_directories(Path(name)); }
+
+  // Folders of one name within each other, also where their path is longer than the kernel takes.
+  // `visit` gets each, opened.
+  template <typename Visit>
+  void MakeChain(std::string_view top, std::string const& name, int depth, Visit&& visit) const {
+    MakeFolder(top);
+    int at = ::open(Path(top).c_str(), O_RDONLY | O_DIRECTORY);
+    for (int i = 0; i < depth; ++i) {
+      if (::mkdirat(at, name.c_str(), 0700) != 0) std::abort();
+      int const below = ::openat(at, name.c_str(), O_RDONLY | O_DIRECTORY);
+      ::close(at);
+      visit(at = below);
+    }
+    ::close(at);
+  }
 
   // "" for what is no file.
   std::string Read(std::string_view name) const {

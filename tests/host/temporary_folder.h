@@ -1,4 +1,0 @@
-// A folder of a test's own.
-#pragma once
-
-#include "tests/support/temporary_folder.h"
