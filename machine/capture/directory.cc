@@ -62,27 +62,32 @@ Fact<DirectoryRecord> RecordIn(std::string const& type, Field const& field) {
   return record;
 }
 
-// Those that the document has of a type; none is no failure.
-Fact<std::vector<DirectoryRecord>> RecordsIn(std::string const& type, Field const& directory) {
+// By the numbers that the answers tell: one that is malformed has its number too.
+using NumberedRecords = std::vector<Fact<DirectoryRecord>>;
+
+// Those that the document has of a type; none is no failure, but nothing else than malformed ones.
+Fact<NumberedRecords> RecordsIn(std::string const& type, Field const& directory) {
   if (directory.exists() && directory.As<RecordDictionary>() == nullptr) {
     return directory.Malformed("not a dictionary");
   }
   Field const field = directory[type];
   if (field.exists() && field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
-  std::vector<DirectoryRecord> records;
+  NumberedRecords records;
   for (std::size_t i = 0; i < field.count(); ++i) {
-    Fact<DirectoryRecord> record = RecordIn(type, field[i]);
-    if (!record) return record.absence();
-    records.push_back(std::move(record).value());
+    records.push_back(RecordIn(type, field[i]));
+    if (!records.back()) AnnounceLeftOut(records.back().absence());
   }
+  auto const is_malformed = [](Fact<DirectoryRecord> const& record) { return !record; };
+  bool const is_lost = !records.empty() && std::ranges::all_of(records, is_malformed);
+  if (is_lost) return records.front().absence();
   return records;
 }
 
-void Offer(std::vector<DirectoryRecord> const& records, DirectoryQuery const& query, bool is_local,
+void Offer(NumberedRecords const& records, DirectoryQuery const& query, bool is_local,
            DirectoryAnswer& answer) {
-  for (DirectoryRecord const& record : records) {
-    bool const is_of_node = (record.node == kLocalNode) == is_local;
-    if (is_of_node && Matches(record, query)) answer.Offer(record);
+  for (Fact<DirectoryRecord> const& record : records) {
+    bool const is_of_node = record && (record->node == kLocalNode) == is_local;
+    if (is_of_node && Matches(*record, query)) answer.Offer(*record);
   }
 }
 
@@ -117,8 +122,8 @@ std::string WithNamesChanged(std::string_view key,
 
 // By the numbers that the records have within their type.
 Directory::Records Directory::Recorded(DirectoryQuery const& query, std::string const& key) const {
-  Records const known = RecordsIn(query.type, facts_[kDirectory]);
-  if (!known) return known;
+  auto const known = RecordsIn(query.type, facts_[kDirectory]);
+  if (!known) return known.absence();
   return facts_.Ask(kDirectoryAnswers, key, [&](Field const& field) -> Records {
     if (field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
     DirectoryAnswer answer(query);
@@ -126,7 +131,8 @@ Directory::Records Directory::Recorded(DirectoryQuery const& query, std::string 
       Fact<std::uint64_t> const number = field[i].Unsigned(UINT32_MAX);
       if (!number) return number.absence();
       if (*number >= known->size()) return field[i].Malformed("no such record");
-      answer.Offer((*known)[*number]);
+      Fact<DirectoryRecord> const& record = (*known)[*number];
+      if (record) answer.Offer(*record);
     }
     return answer.Take();
   });
@@ -144,9 +150,9 @@ Fact<std::vector<DirectoryRecord>> Directory::Find(DirectoryQuery const& query) 
   if (facts_.Knows(kDirectoryAnswers, key)) return Recorded(query, key);
   bool const was_recorded = facts_.Knows(kDirectoryAnswers);
   Field const directory = facts_[kDirectory];
-  Records const known = RecordsIn(query.type, directory);
+  auto const known = RecordsIn(query.type, directory);
   if (directory.exists()) Announce(directory.path(), known.outcome());
-  if (!known) return known;
+  if (!known) return known.absence();
   DirectoryAnswer answer(query);
   Offer(*known, query, true, answer);
   Fact<Done> const files = was_recorded ? Fact<Done>(Done{}) : OfferFiles(query, answer);
