@@ -203,5 +203,14 @@ TEST(Output, AFullDiskIsReported) {
   EXPECT_EQ(run.status, 1);
 }
 
+TEST(Output, IsReportedAsClosedWhateverElseIsOpened) {
+  for (char const* machines : {"", "--machine live --machine live "}) {
+    ProcessResult const run =
+        RunShell("timeout 20 " GATOTU_COMMAND " " + std::string(machines) + "1 <&- >&-");
+    EXPECT_EQ(run.errors, "gatotu: standard output: Bad file descriptor\n") << machines;
+    EXPECT_EQ(run.status, 1) << machines;
+  }
+}
+
 }  // namespace
 }  // namespace gatotu::tests
