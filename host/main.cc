@@ -28,12 +28,12 @@ bool OccupyStandardStreams() {
 ExitStatus Leave(Farewell const& farewell) {
   if (farewell.status != ExitStatus::kAnswered) {
     Complain(farewell.text);
-  } else {
-    Output output(STDOUT_FILENO);
-    output.Write(farewell.text);
-    output.Flush();
+    return farewell.status;
   }
-  return farewell.status;
+  Output output(STDOUT_FILENO);
+  output.Write(farewell.text);
+  output.Flush();
+  return EndOfAnswers(output.Error());
 }
 
 ExitStatus Main(int argc, char** argv) {

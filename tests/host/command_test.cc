@@ -198,9 +198,11 @@ TEST(Output, ABrokenPipeEndsQuietly) {
 }
 
 TEST(Output, AFullDiskIsReported) {
-  ProcessResult const run = RunShell(GATOTU_COMMAND " 1 >/dev/full");
-  EXPECT_EQ(run.errors, "gatotu: standard output: No space left on device\n");
-  EXPECT_EQ(run.status, 1);
+  for (char const* asked : {"1", "vocabulary", "--help"}) {
+    ProcessResult const run = RunShell(GATOTU_COMMAND " " + std::string(asked) + " >/dev/full");
+    EXPECT_EQ(run.errors, "gatotu: standard output: No space left on device\n") << asked;
+    EXPECT_EQ(run.status, 1) << asked;
+  }
 }
 
 TEST(Output, IsReportedAsClosedWhateverElseIsOpened) {
