@@ -166,6 +166,7 @@ void Identities::LearnDirectory(RecordDictionary const& document) {
       }
     }
   }
+  if (Record const* questions = document.Find("DirectoryAnswers")) LearnQuestions(*questions);
   for (Record const& group : records_of(kGroupRecords)) {
     for (std::string_view const attribute : kMembers) {
       for (std::string_view const name : ValuesIn(Member(&group, attribute))) {
@@ -175,6 +176,23 @@ void Identities::LearnDirectory(RecordDictionary const& document) {
   }
   for (Record const& computer : records_of(kComputerRecords)) {
     LearnHost(std::string(FirstOf(Member(&computer, kRecordName))));
+  }
+}
+
+// Somebody asked for these, found or not: "/Search TYPE ATTRIBUTE=NAME,NAME, REQUESTED,".
+void Identities::LearnQuestions(Record const& questions) {
+  auto const* members = questions.As<RecordDictionary>();
+  if (members == nullptr) return;
+  for (auto const& [key, answer] : members->entries()) {
+    std::string_view rest = key;
+    TakeField(rest, ' ');
+    std::string_view const type = TakeField(rest, ' ');
+    std::string_view names = TakeField(rest, ' ');
+    bool const is_by_name = type == kUserRecords && TakeField(names, '=') == kRecordName;
+    while (is_by_name && !names.empty()) {
+      std::string const name = BytesOfKey(TakeField(names, ','));
+      users_.insert(name.starts_with('=') ? name.substr(1) : name);
+    }
   }
 }
 

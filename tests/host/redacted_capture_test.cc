@@ -41,6 +41,11 @@ constexpr char kDocument[] = R"(<plist version="1.0"><dict>
       <key>dsAttrTypeStandard:RecordName</key><string>anneliese</string>
       <key>dsAttrTypeStandard:GroupMembership</key><array><string>zacharias</string>
         <string>CN=Bart Vandermeer,DC=intern</string></array></dict></array></dict>
+  <key>DirectoryAnswers</key><dict>
+    <key>/Search dsRecTypeStandard:Users dsAttrTypeStandard:RecordName==kunigunde, dsAttributesAll, 1</key>
+    <array/>
+    <key>/Local/Default dsRecTypeStandard:Users dsAttributesAll,</key>
+    <array><integer>0</integer></array></dict>
   <key>SystemVersion</key><dict><key>ProductName</key><string>Debian</string></dict>
 </dict></plist>)";
 
@@ -57,7 +62,8 @@ constexpr char kDevices[] = R"(<plist version="1.0"><dict>
   </dict></array></dict></plist>)";
 
 constexpr char kNames[] =
-    "ZD7Q3499|zacharias|oberhuber|vandermeer|anneliese|webserver7|musterfrau|C02XG0FDJG5H|564D3A0F|"
+    "ZD7Q3499|zacharias|kunigunde|oberhuber|vandermeer|anneliese|webserver7|musterfrau|"
+    "C02XG0FDJG5H|564D3A0F|"
     "c2:41:ff|0123456789abcdef|corp."
     "example";
 
