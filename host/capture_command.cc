@@ -145,6 +145,8 @@ machine::RecordingLimits LimitsOf(CaptureRequest const& request) {
   machine::RecordingLimits limits;
   if (request.most_bytes) limits.content_bytes = *request.most_bytes;
   if (request.most_file_bytes) limits.file_bytes = *request.most_file_bytes;
+  // Names in a text are found as a whole or not at all.
+  limits.has_parts = !request.is_redacted;
   return limits;
 }
 

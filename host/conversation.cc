@@ -2,8 +2,6 @@
 
 #include <unistd.h>
 
-#include <cerrno>
-#include <cstring>
 #include <memory>
 
 #include "host/expression_file.h"
@@ -83,9 +81,7 @@ class Conversation {
 
   ExitStatus End() {
     answers_.Flush();
-    if (!answers_.IsBroken() || answers_.Error() == EPIPE) return status_;
-    Complain(std::string("standard output: ") + std::strerror(answers_.Error()));
-    return Worse(status_, ExitStatus::kNoAnswer);
+    return Worse(status_, EndOfAnswers(answers_.Error()));
   }
 
   CommandLine const& line_;

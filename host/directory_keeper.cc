@@ -5,6 +5,7 @@
 
 #include "evaluator/plugin/entry_points.h"
 #include "evaluator/plugin/exceptions.h"
+#include "portable/ascii.h"
 
 namespace gatotu::host {
 namespace {
@@ -13,9 +14,7 @@ namespace {
 constexpr std::size_t kMostRecords = 2 * kMostKnownUsers;
 
 AccountName KeyOf(AccountName user) {
-  for (char& character : user.domain) {
-    if (character >= 'A' && character <= 'Z') character = static_cast<char>(character - 'A' + 'a');
-  }
+  user.domain = Ascii::LowerCase(ConstData(user.domain));
   return user;
 }
 
@@ -83,6 +82,7 @@ void DirectoryKeeper::ForgetOtherMachine() {
   users_.clear();
   numbers_.clear();
   listed_.clear();
+  listed_numbers_.clear();
   has_listed_ = has_requested_listed_ = false;
 }
 
@@ -153,11 +153,9 @@ void DirectoryKeeper::Prepare(Account& record) const {
   }
 }
 
-// Not before it was prepared: an interruption leaves by way of an exception that is nobody's here.
 template <class Account>
 Account* DirectoryKeeper::Handed(Kept<Account>& kept) const {
-  if (!kept.is_handed_out) Prepare(kept.record);
-  kept.is_handed_out = true;
+  if (!std::exchange(kept.is_handed_out, true)) Prepare(kept.record);
   return &kept.record;
 }
 
@@ -186,6 +184,17 @@ ActiveDirectoryLocalUser* DirectoryKeeper::UserAt(std::size_t index) {
   return Handed(users_[listed_[index]]);
 }
 
+ActiveDirectoryLocalUser* DirectoryKeeper::ListedUser(std::string const& name) {
+  ForgetOtherMachine();
+  if (!has_listed_) ListUsers();
+  auto const found = listed_numbers_.find(Ascii::LowerCase(ConstData(name)));
+  if (found == listed_numbers_.end()) {
+    RequestListed();
+    return nullptr;
+  }
+  return Handed(users_[found->second]);
+}
+
 std::optional<std::size_t> DirectoryKeeper::FindOrAdd(AccountName const& user) {
   AccountName const key = KeyOf(user);
   // Without a domain this is the first of that name.
@@ -208,6 +217,7 @@ std::size_t DirectoryKeeper::Add(ActiveDirectoryLocalUser user) {
 void DirectoryKeeper::ListUsers() {
   for (std::size_t const number : listed_) users_[number].is_listed = false;
   listed_.clear();
+  listed_numbers_.clear();
   machine::Machine const& machine = machine::CurrentMachine();
   if (IsAtHand()) {
     for (ActiveDirectoryLocalUser& user : cache_.LoadUsers()) {
@@ -224,7 +234,9 @@ void DirectoryKeeper::ListUsers() {
 
 void DirectoryKeeper::List(AccountName const& user) {
   auto const number = FindOrAdd(user);
-  if (number && !std::exchange(users_[*number].is_listed, true)) listed_.push_back(*number);
+  if (!number || std::exchange(users_[*number].is_listed, true)) return;
+  listed_.push_back(*number);
+  listed_numbers_.emplace(Ascii::LowerCase(ConstData(user.name)), *number);
 }
 
 void DirectoryKeeper::RequestListed() {

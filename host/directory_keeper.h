@@ -10,6 +10,8 @@
 #include <deque>
 #include <map>
 #include <optional>
+#include <string>
+#include <unordered_map>
 #include <vector>
 
 #include "host/directory_cache.h"
@@ -60,6 +62,9 @@ class DirectoryKeeper {
   // Those that were kept, those of sessions, the local ones, those of the settings. To go beyond
   // the last is to ask for all of them.
   ActiveDirectoryLocalUser* UserAt(std::size_t index);
+  // The first of them of that name, whatever its letter case; the others are left alone. Who has
+  // missed has gone beyond the last.
+  ActiveDirectoryLocalUser* ListedUser(std::string const& name);
 
  private:
   template <class Account>
@@ -67,7 +72,7 @@ class DirectoryKeeper {
 
   bool IsAtHand() const { return &machine::CurrentMachine() == at_hand_; }
   // Once an evaluation says what it rests on, and reads it first where the machine is not the one
-  // at hand: who looks for a name walks over all of them, for each name.
+  // at hand.
   template <class Account>
   Account* Handed(Kept<Account>& kept) const;
   template <class Account>
@@ -98,6 +103,7 @@ class DirectoryKeeper {
   std::deque<Kept<ActiveDirectoryLocalUser>> users_;  // numbered for the refresher by their places
   std::map<AccountName, std::size_t> numbers_;        // by name and domain in lower case
   std::vector<std::size_t> listed_;
+  std::unordered_map<std::string, std::size_t> listed_numbers_;  // by name in lower case
   bool has_listed_ = false, has_requested_listed_ = false;
 };
 

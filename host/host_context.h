@@ -48,6 +48,9 @@ class HostContext final : public ActiveDirectoryInspectorContext, public Inspect
   ActiveDirectoryLocalUser* LocalUserAt(std::uint32_t index) const override {
     return directory_.UserAt(index);
   }
+  std::optional<ActiveDirectoryLocalUser*> FirstLocalUser(std::string const& name) const override {
+    return directory_.ListedUser(name);
+  }
 
  private:
   static SettingStore<CFPreferenceSettingIterator>& StoreOf(InspectorSettingsContext& context);

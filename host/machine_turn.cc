@@ -73,6 +73,11 @@ void MachineTurn::Finish() {
   answers_.DropRest();
   messages_.DropRest();
   if (failure_) return;
+  // It was told to end before it could say so itself.
+  if (is_interrupted_ && WIFSIGNALED(wait_status) && WTERMSIG(wait_status) == SIGINT) {
+    status_ = ExitStatus::kInterrupted;
+    return;
+  }
   End("worker-ended", "the process that asked it ended by " + InWords(wait_status),
       ExitStatus::kUnusable);
 }
@@ -89,6 +94,7 @@ void MachineTurn::End(std::string_view code, std::string const& why, ExitStatus 
 }
 
 void MachineTurn::Interrupt() {
+  is_interrupted_ = true;
   if (worker_ != nullptr) worker_->Signal(SIGINT);
 }
 

@@ -55,6 +55,7 @@ class MachineTurn {
   KeptOutput answers_;
   KeptOutput messages_;
   std::optional<MachineFailure> failure_;
+  bool is_interrupted_ = false;
   ExitStatus status_ = ExitStatus::kAnswered;
 };
 

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -13,15 +14,26 @@ namespace {
 
 using namespace gatotu::host;
 
+// Else a file that is opened takes the place of a stream that we were started without, and is read
+// or written as if it were that. What is put there fails like a closed one.
+bool OccupyStandardStreams() {
+  for (int const stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+    if (::fcntl(stream, F_GETFD) >= 0) continue;
+    int const wrong_way = stream == STDIN_FILENO ? O_WRONLY : O_RDONLY;
+    if (::open("/dev/null", wrong_way) != stream) return false;
+  }
+  return true;
+}
+
 ExitStatus Leave(Farewell const& farewell) {
   if (farewell.status != ExitStatus::kAnswered) {
     Complain(farewell.text);
-  } else {
-    Output output(STDOUT_FILENO);
-    output.Write(farewell.text);
-    output.Flush();
+    return farewell.status;
   }
-  return farewell.status;
+  Output output(STDOUT_FILENO);
+  output.Write(farewell.text);
+  output.Flush();
+  return EndOfAnswers(output.Error());
 }
 
 ExitStatus Main(int argc, char** argv) {
@@ -44,6 +56,7 @@ int End(ExitStatus status) {
 int main(int argc, char** argv) {
   // A reader that went away is seen by the write that fails.
   ::signal(SIGPIPE, SIG_IGN);
+  if (!OccupyStandardStreams()) return End(ExitStatus::kNoAnswer);
   try {
     return End(Main(argc, argv));
   } catch (std::exception const& failure) {

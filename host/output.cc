@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstring>
 
 #include "evaluator/diagnostic.h"
 
@@ -55,6 +56,12 @@ void Complain(std::string_view message) {
   Output errors(STDERR_FILENO);
   errors.Write(ComplaintLine(message));
   errors.Flush();
+}
+
+ExitStatus EndOfAnswers(int error) {
+  if (error == 0 || error == EPIPE) return ExitStatus::kAnswered;
+  Complain(std::string("standard output: ") + std::strerror(error));
+  return ExitStatus::kNoAnswer;
 }
 
 }  // namespace gatotu::host

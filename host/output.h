@@ -6,6 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/exit_status.h"
+
 namespace gatotu::host {
 
 class Output {
@@ -40,5 +42,9 @@ std::string ComplaintLine(std::string_view message);
 
 // The same, to standard error.
 void Complain(std::string_view message);
+
+// All answers are written, `error` being what their output says of it. A reader that went away had
+// what it wanted; other answers that are lost are complained about.
+ExitStatus EndOfAnswers(int error);
 
 }  // namespace gatotu::host

@@ -78,7 +78,7 @@ ExitStatus Run(CommandLine const& line) {
   if (line.command == CommandLine::Command::kVocabulary) {
     Output output(STDOUT_FILENO);
     WriteVocabulary(line.vocabulary, line.format, output);
-    return ExitStatus::kAnswered;
+    return EndOfAnswers(output.Error());
   }
   SetInspectorContext(&context);
   ExitStatus const status = Answer(line, std::move(machine));

@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <utility>
 #include <vector>
 
@@ -175,9 +174,7 @@ ExitStatus Survey::End() {
     Complain("interrupted");
     return Worse(status_, ExitStatus::kInterrupted);
   }
-  if (!answers_.IsBroken() || answers_.Error() == EPIPE) return status_;
-  Complain(std::string("standard output: ") + std::strerror(answers_.Error()));
-  return Worse(status_, ExitStatus::kNoAnswer);
+  return Worse(status_, EndOfAnswers(answers_.Error()));
 }
 
 }  // namespace gatotu::host

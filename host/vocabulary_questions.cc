@@ -65,7 +65,8 @@ std::vector<std::string> QuestionsOf(std::vector<VocabularyEntry> const& vocabul
         if (type == kDomain && property->result == kFolder) {
           ask_folder(property->singular + " of " + root->singular);
         } else if (property->result == kFolder) {
-          questions.push_back("number of pathnames of (" + names + ")");
+          questions.push_back("number of pathnames of parent folders of (" + names + ")");
+          questions.push_back("number of volumes of (" + names + ")");
         } else {
           questions.push_back("number of (" + names + ")");
         }

@@ -34,6 +34,7 @@ bool CopyOrRequest(Account* record, Account& out) {
 }
 
 ActiveDirectoryLocalUser* FindUser(Context const& context, std::string const& name) {
+  if (auto const known = context.FirstLocalUser(name)) return *known;
   for (std::uint32_t index = 0;; ++index) {
     ActiveDirectoryLocalUser* const user = context.LocalUserAt(index);
     if (user == nullptr || IsSameName(user->GetName(), name)) return user;

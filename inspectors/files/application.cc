@@ -2,7 +2,6 @@
 
 #include <chrono>
 #include <optional>
-#include <set>
 #include <string>
 
 #include "evaluator/plugin/entry_points.h"
@@ -31,31 +30,26 @@ moment Now() {
   }
 }
 
-// The path of the folder in a user's home; empty where there is none. What is no absolute path is
-// no home.
-std::string FolderOf(user const& user) {
+// Nothing where a user has no home, or no such folder in it. What is no absolute path is no home.
+void AddFolderOf(user const& user, descendant_iterator& walk) {
   try {
     std::string const path = user.HomeDirPath();
-    if (!IsAbsolutePath(path.c_str()) || path.find('\0') != std::string::npos) return {};
+    if (!IsAbsolutePath(path.c_str()) || path.find('\0') != std::string::npos) return;
     FileLocation const home = MakeFileLocation(ConstData(path));
-    if (!home.Exists()) return {};
+    if (!home.Exists()) return;
     FileLocation const applications = home.Child(sApplications);
-    return applications.Exists() ? applications.POSIXPath() : std::string();
+    if (applications.Exists()) walk.AddLocation(applications);
   } catch (NoSuchObject const&) {
   } catch (FileIOError const&) {
   }
-  return {};
 }
 
-// Some accounts share a home, or have the machine's root for one: each folder counts once.
+// Each user counts: what lies in a home that two accounts share is found twice.
 void AddFoldersOfUsers(descendant_iterator& walk) {
-  std::set<std::string> known = {kMachineFolder};
   try {
     user_iterator users;
     for (user each = users.First();; each = users.Next()) {
-      std::string const path = FolderOf(each);
-      bool const is_new = !path.empty() && known.insert(path).second;
-      if (is_new) walk.AddLocation(MakeFileLocation(ConstData(path)));
+      AddFolderOf(each, walk);
       Check_For_Inspector_Interruption();
     }
   } catch (NoSuchObject const&) {

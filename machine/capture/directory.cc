@@ -1,6 +1,8 @@
 #include "machine/capture/directory.h"
 
 #include <algorithm>
+#include <numeric>
+#include <unordered_map>
 
 #include "machine/capture/directory_volume.h"
 #include "machine/capture/values.h"
@@ -62,27 +64,72 @@ Fact<DirectoryRecord> RecordIn(std::string const& type, Field const& field) {
   return record;
 }
 
-// Those that the document has of a type; none is no failure.
-Fact<std::vector<DirectoryRecord>> RecordsIn(std::string const& type, Field const& directory) {
+// By the numbers that the answers tell: one that is malformed has its number too.
+using NumberedRecords = std::vector<Fact<DirectoryRecord>>;
+
+}  // namespace
+
+struct RecordsOfType {
+  Fact<NumberedRecords> records;
+  std::vector<Absence> left_out;
+  std::unordered_map<std::string, std::vector<std::size_t>> numbers;  // by names in lower case
+};
+
+namespace {
+
+// Those that the document has of a type; none is no failure, but nothing else than malformed ones.
+RecordsOfType RecordsIn(std::string const& type, Field const& directory) {
   if (directory.exists() && directory.As<RecordDictionary>() == nullptr) {
-    return directory.Malformed("not a dictionary");
+    return {directory.Malformed("not a dictionary"), {}, {}};
   }
   Field const field = directory[type];
-  if (field.exists() && field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
-  std::vector<DirectoryRecord> records;
-  for (std::size_t i = 0; i < field.count(); ++i) {
-    Fact<DirectoryRecord> record = RecordIn(type, field[i]);
-    if (!record) return record.absence();
-    records.push_back(std::move(record).value());
+  if (field.exists() && field.As<RecordArray>() == nullptr) {
+    return {field.Malformed("not an array"), {}, {}};
   }
-  return records;
+  NumberedRecords records;
+  RecordsOfType known = {NumberedRecords(), {}, {}};
+  for (std::size_t i = 0; i < field.count(); ++i) {
+    Fact<DirectoryRecord> const& record = records.emplace_back(RecordIn(type, field[i]));
+    if (!record) {
+      known.left_out.push_back(record.absence());
+      continue;
+    }
+    for (std::string const& name : record->Find(kRecordName)->values) {
+      known.numbers[LowerCase(name)].push_back(i);
+    }
+  }
+  bool const is_lost = !records.empty() && known.left_out.size() == records.size();
+  if (is_lost) return {known.left_out.front(), std::move(known.left_out), {}};
+  known.records = std::move(records);
+  return known;
 }
 
-void Offer(std::vector<DirectoryRecord> const& records, DirectoryQuery const& query, bool is_local,
+// Of those that may match, in their order: a host asks for each of its users by name.
+std::vector<std::size_t> Candidates(RecordsOfType const& known, DirectoryQuery const& query) {
+  std::vector<std::size_t> numbers;
+  bool const is_by_name =
+      !query.values.empty() && query.attribute == kRecordName && query.type != kComputerRecords;
+  if (!is_by_name) {
+    numbers.resize(known.records->size());
+    std::iota(numbers.begin(), numbers.end(), std::size_t{0});
+    return numbers;
+  }
+  for (std::string const& name : query.values) {
+    auto const found = known.numbers.find(LowerCase(name));
+    if (found == known.numbers.end()) continue;
+    numbers.insert(numbers.end(), found->second.begin(), found->second.end());
+  }
+  std::ranges::sort(numbers);
+  numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
+  return numbers;
+}
+
+void Offer(RecordsOfType const& known, DirectoryQuery const& query, bool is_local,
            DirectoryAnswer& answer) {
-  for (DirectoryRecord const& record : records) {
-    bool const is_of_node = (record.node == kLocalNode) == is_local;
-    if (is_of_node && Matches(record, query)) answer.Offer(record);
+  for (std::size_t const number : Candidates(known, query)) {
+    Fact<DirectoryRecord> const& record = (*known.records)[number];
+    bool const is_of_node = record && (record->node == kLocalNode) == is_local;
+    if (is_of_node && Matches(*record, query)) answer.Offer(*record);
   }
 }
 
@@ -115,10 +162,26 @@ std::string WithNamesChanged(std::string_view key,
   return changed;
 }
 
+// The document stays as it is, so that each type is read once. What was left out is said each time.
+std::shared_ptr<RecordsOfType const> Directory::Known(std::string const& type) const {
+  std::shared_ptr<RecordsOfType const> known;
+  {
+    std::lock_guard lock(guard_);
+    std::shared_ptr<RecordsOfType const>& kept = known_[type];
+    if (kept == nullptr) {
+      kept = std::make_shared<RecordsOfType const>(RecordsIn(type, facts_[kDirectory]));
+    }
+    known = kept;
+  }
+  for (Absence const& absence : known->left_out) AnnounceLeftOut(absence);
+  return known;
+}
+
 // By the numbers that the records have within their type.
 Directory::Records Directory::Recorded(DirectoryQuery const& query, std::string const& key) const {
-  Records const known = RecordsIn(query.type, facts_[kDirectory]);
-  if (!known) return known;
+  auto const of_type = Known(query.type);
+  auto const& known = of_type->records;
+  if (!known) return known.absence();
   return facts_.Ask(kDirectoryAnswers, key, [&](Field const& field) -> Records {
     if (field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
     DirectoryAnswer answer(query);
@@ -126,7 +189,8 @@ Directory::Records Directory::Recorded(DirectoryQuery const& query, std::string 
       Fact<std::uint64_t> const number = field[i].Unsigned(UINT32_MAX);
       if (!number) return number.absence();
       if (*number >= known->size()) return field[i].Malformed("no such record");
-      answer.Offer((*known)[*number]);
+      Fact<DirectoryRecord> const& record = (*known)[*number];
+      if (record) answer.Offer(*record);
     }
     return answer.Take();
   });
@@ -144,9 +208,9 @@ Fact<std::vector<DirectoryRecord>> Directory::Find(DirectoryQuery const& query) 
   if (facts_.Knows(kDirectoryAnswers, key)) return Recorded(query, key);
   bool const was_recorded = facts_.Knows(kDirectoryAnswers);
   Field const directory = facts_[kDirectory];
-  Records const known = RecordsIn(query.type, directory);
-  if (directory.exists()) Announce(directory.path(), known.outcome());
-  if (!known) return known;
+  auto const known = Known(query.type);
+  if (directory.exists()) Announce(directory.path(), known->records.outcome());
+  if (!known->records) return known->records.absence();
   DirectoryAnswer answer(query);
   Offer(*known, query, true, answer);
   Fact<Done> const files = was_recorded ? Fact<Done>(Done{}) : OfferFiles(query, answer);

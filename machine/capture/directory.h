@@ -6,6 +6,9 @@
 #pragma once
 
 #include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -23,6 +26,8 @@ std::string KeyOfQuery(DirectoryQuery const& query);
 std::string WithNamesChanged(std::string_view key,
                              std::function<std::string(std::string_view)> const& change);
 
+struct RecordsOfType;
+
 class Directory final : public DirectorySource {
  public:
   Directory(Facts const& facts, FileSource const& files, RecordReader reader)
@@ -33,11 +38,15 @@ class Directory final : public DirectorySource {
   using Records = Fact<std::vector<DirectoryRecord>>;
 
   Records Recorded(DirectoryQuery const& query, std::string const& key) const;
+  // Kept, since a host asks once and again for each of many users. For any thread.
+  std::shared_ptr<RecordsOfType const> Known(std::string const& type) const;
   Fact<Done> OfferFiles(DirectoryQuery const& query, DirectoryAnswer& answer) const;
 
   Facts const& facts_;
   FileSource const& files_;
   RecordReader const reader_;
+  mutable std::mutex guard_;
+  mutable std::map<std::string, std::shared_ptr<RecordsOfType const>> known_;
 };
 
 }  // namespace machine::capture

@@ -85,6 +85,11 @@ void AnnounceMissing(Absence const& absence) {
            absence.reason);
 }
 
+void AnnounceLeftOut(Absence const& absence) {
+  if (CurrentSourceObserver() == nullptr) return;
+  Announce(absence.source + " (" + absence.where + ")", absence.reason);
+}
+
 Record RecordOf(Absence const& absence) {
   RecordDictionary entries;
   entries.Add(kReason, std::string(NameOf(absence.reason)));

@@ -49,6 +49,9 @@ inline constexpr char kDocumentPlace[] = "machine.plist: ";
 // With the reason where the capture lacks something that the machine may have had.
 void AnnounceMissing(Absence const& absence);
 
+// Of an item of a list that is left out of it as malformed: with what is wrong.
+void AnnounceLeftOut(Absence const& absence);
+
 // An absence as it was recorded: a text, or a dictionary with "Reason" and more.
 Record RecordOf(Absence const& absence);
 bool IsAbsence(Field const& field);

@@ -58,6 +58,33 @@ class RecordedFile final : public OpenFile {
   Fork fork_;
 };
 
+// Reads what was read when it was recorded, and nothing else.
+class PartlyRecordedFile final : public OpenFile {
+ public:
+  PartlyRecordedFile(std::string path, ItemStatus const& status, RecordedParts parts, Absence rest)
+      : path_(std::move(path)), status_(status), parts_(std::move(parts)), rest_(std::move(rest)) {}
+
+  ItemStatus const& Status() const override { return status_; }
+  Fact<std::uint64_t> Size() override { return status_.bytes; }
+  Fact<std::size_t> ReadAt(std::uint64_t offset, void* buffer, std::size_t size) override {
+    auto const got = parts_.Read(offset, static_cast<char*>(buffer), size);
+    if (!got) return Announced(rest_, path_);
+    Announce(path_, Outcome::kAnswered, *got);
+    return *got;
+  }
+  Fact<std::size_t> WriteAt(std::uint64_t, void const*, std::size_t) override { return ReadOnly(); }
+  Fact<std::uint64_t> SetSize(std::uint64_t) override { return ReadOnly(); }
+  Fact<bool> Flush() override { return ReadOnly(); }
+
+ private:
+  Absence ReadOnly() const { return {Outcome::kNotSupported, path_, "read-only", EROFS}; }
+
+  std::string const path_;
+  ItemStatus const status_;
+  RecordedParts const parts_;
+  Absence const rest_;
+};
+
 }  // namespace
 
 Absence Files::NotRecorded(std::string const& path) const {
@@ -151,6 +178,14 @@ Fact<std::string> Files::TargetAt(std::string const& path) const {
   return copies_.ReadLink(*place);
 }
 
+std::optional<Fact<RecordedParts>> Files::PartsAt(std::string const& path) const {
+  auto const field = records_.Find(path);
+  if (!field) return std::nullopt;
+  Fact<RecordedItem> item = ItemIn(*field, Known::kAll, {});
+  if (!item) return Fact<RecordedParts>(item.absence());
+  return std::move(item.value().parts);
+}
+
 Fact<std::unique_ptr<Folder>> Files::OpenFolder(std::string const& path) const {
   if (records_.is_empty()) return copies_.OpenFolder(path);
   Fact<std::string> const place = Walk(path, Links::kFollow);
@@ -192,6 +227,12 @@ Fact<std::unique_ptr<OpenFile>> Files::OpenFork(std::string const& path, Fork fo
     return live::AnnounceError(status.kind == ItemKind::kFolder ? EISDIR : EINVAL, path);
   }
   auto const& recorded = fork == Fork::kData ? item->content : item->resource_fork;
+  bool const has_all = recorded && *recorded;
+  if (fork == Fork::kData && !has_all && item->parts && *item->parts) {
+    Absence const rest = recorded ? recorded->absence() : NotRecorded(*place);
+    return std::unique_ptr<OpenFile>(
+        std::make_unique<PartlyRecordedFile>(path, status, **item->parts, rest));
+  }
   if (recorded && !*recorded) return Announced(recorded->absence(), path);
   if (!recorded && records_.is_partial()) return Announced(NotRecorded(path), path);
   auto copy = copies_.OpenFork(*place, fork, access);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "machine/capture/facts.h"
@@ -36,6 +37,8 @@ class Files final : public FileSource {
   // What was recorded of an item over what its copy says.
   Fact<RecordedItem> Over(std::string const& path, RecordedItem copy) const;
   Fact<std::string> TargetAt(std::string const& path) const;
+  // Nothing where no parts of a content were recorded.
+  std::optional<Fact<RecordedParts>> PartsAt(std::string const& path) const;
   Fact<std::unique_ptr<Folder>> OpenFolderAt(std::string const& path) const;
 
  private:

@@ -16,6 +16,7 @@ class CapturedFolder : public Folder {
 
   ItemStatus const& Status() const override { return status_; }
   Fact<std::unique_ptr<Folder>> OpenFolder(std::string_view name) override;
+  Fact<std::size_t> ReadStart(std::string_view name, void* buffer, std::size_t size) override;
   void Rest() override {}
 
  protected:
@@ -41,6 +42,18 @@ Fact<std::unique_ptr<Folder>> CapturedFolder::OpenFolder(std::string_view name) 
   if (!folder) return Failure(folder.absence(), path);
   Announce(path, Outcome::kAnswered);
   return folder;
+}
+
+// Of what was recorded or copied as a whole, the start is read like the rest.
+Fact<std::size_t> CapturedFolder::ReadStart(std::string_view name, void* buffer, std::size_t size) {
+  std::string const path = live::PathIn(path_, name);
+  auto const parts = files_.PartsAt(path);
+  if (!parts) return Folder::ReadStart(name, buffer, size);
+  if (!*parts) return Failure(parts->absence(), path);
+  auto const got = (*parts)->Read(0, static_cast<char*>(buffer), size);
+  if (!got) return Failure({Outcome::kAbsent, path, kNotRecorded}, path);
+  Announce(path, Outcome::kAnswered, *got);
+  return *got;
 }
 
 class ListedFolder final : public CapturedFolder {

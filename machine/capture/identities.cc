@@ -14,6 +14,12 @@ namespace {
 constexpr std::string_view kDeviceKeys[] = {"serial", "uuid",       "uniq",        "wwid",
                                             "wwn",    "macaddress", "mac-address", "cid"};
 constexpr char const* kUserVariables[] = {"USER", "LOGNAME", "USERNAME", "SUDO_USER"};
+// What a directory has of users, and groups of their members.
+constexpr std::string_view kFullNames[] = {kRecordName, "dsAttrTypeStandard:RealName",
+                                           "dsAttrTypeNative:cn", "dsAttrTypeNative:displayName",
+                                           "dsAttrTypeNative:distinguishedName"};
+constexpr std::string_view kMembers[] = {"dsAttrTypeStandard:GroupMembership",
+                                         "dsAttrTypeNative:member"};
 constexpr char const* kHostVariables[] = {"HOST", "HOSTNAME"};
 constexpr std::string_view kHomeFolders[] = {"/home/", "/Users/"};
 constexpr std::string_view kNobodysFolders[] = {"Shared", "Guest", "lost+found"};
@@ -42,6 +48,24 @@ std::string_view FirstOf(Record const* values) {
   auto const* array = values == nullptr ? nullptr : values->As<RecordArray>();
   if (array == nullptr) return BytesIn(values);
   return array->empty() ? std::string_view() : BytesIn(&array->front());
+}
+
+std::vector<std::string_view> ValuesIn(Record const* values) {
+  auto const* array = values == nullptr ? nullptr : values->As<RecordArray>();
+  if (array == nullptr) return {BytesIn(values)};
+  std::vector<std::string_view> texts;
+  for (Record const& value : *array) texts.push_back(BytesIn(&value));
+  return texts;
+}
+
+// Of "CN=Lee\, Ann,OU=People" the name as it stands there; of what is no distinguished name, all.
+std::string_view NameIn(std::string_view distinguished) {
+  std::size_t const start = Lowered(distinguished.substr(0, 3)) == "cn=" ? 3 : 0;
+  std::size_t end = start;
+  while (start != 0 && end < distinguished.size() && distinguished[end] != ',') {
+    end += distinguished[end] == '\\' ? 2 : 1;
+  }
+  return distinguished.substr(start, start == 0 ? std::string_view::npos : end - start);
 }
 
 bool IsDeviceKey(std::string_view key) {
@@ -135,12 +159,40 @@ void Identities::LearnDirectory(RecordDictionary const& document) {
     return array == nullptr ? RecordArray() : *array;
   };
   for (Record const& user : records_of(kUserRecords)) {
-    LearnAccount(FirstOf(Member(&user, kRecordName)),
-                 FirstOf(Member(&user, "dsAttrTypeStandard:UniqueID")),
-                 FirstOf(Member(&user, "dsAttrTypeStandard:RealName")));
+    std::string_view const number = FirstOf(Member(&user, "dsAttrTypeStandard:UniqueID"));
+    for (std::string_view const attribute : kFullNames) {
+      for (std::string_view const name : ValuesIn(Member(&user, attribute))) {
+        LearnAccount(FirstOf(Member(&user, kRecordName)), number, NameIn(name));
+      }
+    }
+  }
+  if (Record const* questions = document.Find("DirectoryAnswers")) LearnQuestions(*questions);
+  for (Record const& group : records_of(kGroupRecords)) {
+    for (std::string_view const attribute : kMembers) {
+      for (std::string_view const name : ValuesIn(Member(&group, attribute))) {
+        users_.emplace(NameIn(name));
+      }
+    }
   }
   for (Record const& computer : records_of(kComputerRecords)) {
     LearnHost(std::string(FirstOf(Member(&computer, kRecordName))));
+  }
+}
+
+// Somebody asked for these, found or not: "/Search TYPE ATTRIBUTE=NAME,NAME, REQUESTED,".
+void Identities::LearnQuestions(Record const& questions) {
+  auto const* members = questions.As<RecordDictionary>();
+  if (members == nullptr) return;
+  for (auto const& [key, answer] : members->entries()) {
+    std::string_view rest = key;
+    TakeField(rest, ' ');
+    std::string_view const type = TakeField(rest, ' ');
+    std::string_view names = TakeField(rest, ' ');
+    bool const is_by_name = type == kUserRecords && TakeField(names, '=') == kRecordName;
+    while (is_by_name && !names.empty()) {
+      std::string const name = BytesOfKey(TakeField(names, ','));
+      users_.insert(name.starts_with('=') ? name.substr(1) : name);
+    }
   }
 }
 

@@ -35,6 +35,7 @@ class Identities {
   void LearnSessions(Record const* sessions);
   void LearnMachine(RecordDictionary const& document);
   void LearnDirectory(RecordDictionary const& document);
+  void LearnQuestions(Record const& questions);
   void LearnInquiries(Record const& buses);
   void LearnDevices(Record const& record, std::string_view key, int depth);
   void LearnAccount(std::string_view name, std::string_view number, std::string_view full_name);

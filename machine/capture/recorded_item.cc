@@ -147,6 +147,7 @@ Fact<VolumeSpace> SpaceIn(Field const& field) {
 void ItemReader::ReadContents() {
   TakeFact("Content", item_.content, DoneIn);
   TakeFact("ResourceFork", item_.resource_fork, DoneIn);
+  TakeFact("Parts", item_.parts, PartsIn);
   TakeFact("Space", item_.space, SpaceIn);
 }
 

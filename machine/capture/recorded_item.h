@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "machine/capture/facts.h"
+#include "machine/capture/recorded_parts.h"
 #include "machine/files.h"
 
 namespace machine::capture {
@@ -30,6 +31,8 @@ struct RecordedItem {
   std::optional<Fact<RecordedListing>> listing;
   // A value: the copy holds it.
   std::optional<Fact<Done>> content, resource_fork;
+  // Of a content that nobody read as a whole.
+  std::optional<Fact<RecordedParts>> parts;
   // The content is still to be copied, which the capture's owner wanted to have.
   bool is_to_take = false;
   std::optional<Fact<VolumeSpace>> space;

@@ -63,6 +63,8 @@ Record RecordOf(RecordedItem const& recorded) {
   }
   AddFact(entries, "Content", recorded.content, done);
   AddFact(entries, "ResourceFork", recorded.resource_fork, done);
+  AddFact(entries, "Parts", recorded.parts,
+          [](RecordedParts const& parts) { return RecordOf(parts); });
   AddFact(entries, "Space", recorded.space, SpaceRecord);
   return entries;
 }

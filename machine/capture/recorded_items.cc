@@ -136,6 +136,7 @@ void RecordedItems::KeepContent(std::string const& place, Fork fork, Content con
   RecordedItem* const recorded = At(place);
   if (recorded == nullptr) return;
   DropContent(place, fork);
+  if (fork == Fork::kData) DropParts(*recorded);
   content_bytes_ += content->size();
   ContentsOf(fork)[place] = std::move(content);
   (fork == Fork::kData ? recorded->content : recorded->resource_fork).emplace(Done());
@@ -154,6 +155,35 @@ void RecordedItems::KeepContentTooLarge(std::string const& place, Fork fork) {
   KeepContentAbsence(place, fork,
                      {Outcome::kAbsent, place,
                       std::string(kNotRecorded) + ": larger than " + limit + " bytes in all"});
+}
+
+void RecordedItems::DropParts(RecordedItem& item) {
+  if (item.parts && *item.parts) content_bytes_ -= (*item.parts)->bytes();
+  item.parts.reset();
+}
+
+bool RecordedItems::KeepPart(std::string const& place, std::uint64_t offset, std::string_view bytes,
+                             std::size_t wanted) {
+  std::lock_guard lock(guard_);
+  if (ContentOf(place, Fork::kData) != nullptr) return true;
+  RecordedItem* const recorded = At(place);
+  if (recorded == nullptr) return true;
+  bool const has_parts = recorded->parts && *recorded->parts;
+  std::size_t const had = has_parts ? (*recorded->parts)->bytes() : 0;
+  if (bytes.size() > room() || had + bytes.size() > kLargestParts) return false;
+  if (!has_parts) recorded->parts.emplace(RecordedParts());
+  RecordedParts& parts = recorded->parts->value();
+  parts.Keep(offset, bytes, wanted);
+  content_bytes_ += parts.bytes() - had;
+  return true;
+}
+
+bool RecordedItems::HasParts(std::string const& place, std::uint64_t bytes) const {
+  std::lock_guard lock(guard_);
+  if (!limits_.has_parts || ContentOf(place, Fork::kData) != nullptr) return false;
+  auto const found = items_.find(place);
+  bool const was_passed = found != items_.end() && found->second.parts && !found->second.content;
+  return was_passed || bytes > kLargestParts;
 }
 
 void RecordedItems::KeepToTake(std::string const& place) {

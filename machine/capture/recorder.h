@@ -19,6 +19,8 @@ struct RecordingLimits {
   std::uint64_t content_bytes = std::uint64_t{64} << 20;
   // Of the content of each file that is taken along.
   std::uint64_t file_bytes = UINT64_MAX;
+  // Whether of large files that were not read to their end only what was read is kept.
+  bool has_parts = true;
   // Of the items looked at. What does not fit is "not recorded", and so is what a folder holds when
   // some of it does not.
   std::uint64_t items = 100'000;

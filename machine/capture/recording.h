@@ -72,6 +72,11 @@ class RecordedItems {
   void KeepContent(std::string const& place, Fork fork, Content content);
   void KeepContentAbsence(std::string const& place, Fork fork, Absence absence);
   void KeepContentTooLarge(std::string const& place, Fork fork);
+  // What was read of a content that is not kept whole. False where it is too much to be a part.
+  bool KeepPart(std::string const& place, std::uint64_t offset, std::string_view bytes,
+                std::size_t wanted);
+  // Whether parts will do of a file of that size: nobody has wanted all of it so far.
+  bool HasParts(std::string const& place, std::uint64_t bytes) const;
   std::uint64_t RoomForContent(std::string const& place, Fork fork) const;
   // The content is copied when the capture is laid down, unless it was read already.
   void KeepToTake(std::string const& place);
@@ -91,6 +96,7 @@ class RecordedItems {
   // Null when there are too many.
   RecordedItem* At(std::string const& place);
   bool HasAll(std::string const& place, RecordedListing const& listing) const;
+  void DropParts(RecordedItem& item);
   void DropContent(std::string const& place, Fork fork);
   std::map<std::string, Content>& ContentsOf(Fork fork) {
     return fork == Fork::kData ? contents_ : resource_forks_;

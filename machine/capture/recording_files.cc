@@ -1,8 +1,8 @@
 // Files that are asked through a recorder.
-#include <algorithm>
 #include <cerrno>
 
 #include "machine/capture/recording.h"
+#include "machine/capture/recording_content.h"
 #include "machine/capture/values.h"
 #include "machine/live/item.h"
 
@@ -35,6 +35,19 @@ class RecordingFolder final : public Folder {
     return next;
   }
 
+  Fact<std::size_t> ReadStart(std::string_view name, void* buffer, std::size_t size) override {
+    if (!items_.limits().has_parts) return Folder::ReadStart(name, buffer, size);
+    Fact<std::size_t> const got = asked_->ReadStart(name, buffer, size);
+    std::string const place = live::PathIn(place_, name);
+    if (got) {
+      std::string_view const start(static_cast<char const*>(buffer), *got);
+      if (!items_.KeepPart(place, 0, start, size)) items_.KeepContentTooLarge(place, Fork::kData);
+    } else if (got.outcome() != Outcome::kNotSupported) {
+      items_.KeepContentAbsence(place, Fork::kData, got.absence());
+    }
+    return got;
+  }
+
   Fact<std::unique_ptr<Folder>> OpenFolder(std::string_view name) override {
     return Recorded(items_, live::PathIn(place_, name), asked_->OpenFolder(name));
   }
@@ -52,40 +65,6 @@ class RecordingFolder final : public Folder {
   std::unique_ptr<Folder> const asked_;
   RecordedListing listing_;
 };
-
-// What was read when the file was opened: the answers and the recording are the same.
-class RecordedContent final : public OpenFile {
- public:
-  RecordedContent(std::unique_ptr<OpenFile> asked, Content content)
-      : asked_(std::move(asked)), content_(std::move(content)) {}
-
-  ItemStatus const& Status() const override { return asked_->Status(); }
-  Fact<std::uint64_t> Size() override { return asked_->Size(); }
-  Fact<std::size_t> ReadAt(std::uint64_t offset, void* buffer, std::size_t size) override {
-    if (offset >= content_->size()) return std::size_t{0};
-    return content_->copy(static_cast<char*>(buffer), size, static_cast<std::size_t>(offset));
-  }
-  Fact<std::size_t> WriteAt(std::uint64_t offset, void const* bytes, std::size_t size) override {
-    return asked_->WriteAt(offset, bytes, size);
-  }
-  Fact<std::uint64_t> SetSize(std::uint64_t size) override { return asked_->SetSize(size); }
-  Fact<bool> Flush() override { return asked_->Flush(); }
-
- private:
-  std::unique_ptr<OpenFile> const asked_;
-  Content const content_;
-};
-
-// Does not begin with what is far too long. Of small files the size may say too much: in /sys it is
-// that of a page.
-Fact<std::string> ReadWithin(OpenFile& file, std::string const& path, std::uint64_t most) {
-  constexpr std::uint64_t kLargestPage = 1 << 16;
-  Fact<std::uint64_t> const size = file.Size();
-  if (size && *size > std::max(most, kLargestPage)) {
-    return Absence{Outcome::kMalformed, path, "too long", EFBIG};
-  }
-  return ReadWhole(file, path, most);
-}
 
 class RecordingFiles final : public FileSource {
  public:
@@ -205,15 +184,7 @@ Fact<std::unique_ptr<OpenFile>> RecordingFiles::OpenFork(std::string const& path
   Item item;
   item.status = (*file)->Status();
   items_.KeepItem(*place, Known::kStatus, item);
-  Fact<std::string> text = ReadWithin(**file, path, items_.RoomForContent(*place, fork));
-  bool const is_too_large = !text && text.absence().error == EFBIG;
-  if (is_too_large) items_.KeepContentTooLarge(*place, fork);
-  if (!text && !is_too_large) items_.KeepContentAbsence(*place, fork, text.absence());
-  if (!text) return file;
-  auto const content = std::make_shared<std::string const>(std::move(text).value());
-  items_.KeepContent(*place, fork, content);
-  return std::unique_ptr<OpenFile>(
-      std::make_unique<RecordedContent>(std::move(file).value(), content));
+  return RecordContent(items_, {path, *place, fork}, std::move(file).value());
 }
 
 Fact<std::string> RecordingFiles::ReadFile(std::string const& path, std::size_t most) const {

@@ -122,6 +122,8 @@ RecordedItem Redaction::Item(RecordedItem item) {
   redact(item.listing);
   redact(item.content);
   redact(item.resource_fork);
+  // A name may be cut off where a part ends.
+  item.parts.reset();
   redact(item.space);
   if (item.target && *item.target) item.target.emplace(Text(**item.target));
   if (item.listing && *item.listing) {

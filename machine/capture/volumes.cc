@@ -1,5 +1,7 @@
 #include "machine/capture/volumes.h"
 
+#include <algorithm>
+
 #include "machine/capture/recorded_time.h"
 #include "machine/capture/values.h"
 
@@ -115,7 +117,7 @@ Fact<CapturedVolumes::List> CapturedVolumes::ReadList() const {
   if (!facts_.Knows(kVolumes) && has_files_) {
     Fact<std::string> const label = mac_volume_.Label();
     Volume root = {label ? *label : "System", "/", 0, 0, {}};
-    return List{std::make_shared<std::vector<Volume> const>(1, std::move(root)), {}};
+    return List{std::make_shared<std::vector<Volume> const>(1, std::move(root)), {}, {}};
   }
   Field const field = facts_[kVolumes];
   if (!field.exists()) return facts_.Missing(kVolumes);
@@ -125,12 +127,14 @@ Fact<CapturedVolumes::List> CapturedVolumes::ReadList() const {
   std::vector<Volume> volumes;
   for (Field const& item : field.Items()) {
     Fact<Volume> volume = VolumeIn(item);
-    if (!volume) return volume.absence();
+    if (!volume) list.malformed.push_back(volume.absence());
+    if (!volume) continue;
     bool const is_first = list.records.emplace(volume->mount_point, item).second;
     if (!is_first || item[kLeftOut].exists()) continue;
     auto const place = volume->mount_point == "/" ? volumes.begin() : volumes.end();
     volumes.insert(place, *std::move(volume));
   }
+  if (list.records.empty() && !list.malformed.empty()) return list.malformed.front();
   list.volumes = std::make_shared<std::vector<Volume> const>(std::move(volumes));
   return list;
 }
@@ -138,6 +142,7 @@ Fact<CapturedVolumes::List> CapturedVolumes::ReadList() const {
 Fact<CapturedVolumes::List> const& CapturedVolumes::TheList() const {
   std::call_once(is_read_, [this] { list_.emplace(ReadList()); });
   Announce(kVolumes, list_->outcome());
+  if (*list_) std::ranges::for_each((*list_)->malformed, AnnounceLeftOut);
   return *list_;
 }
 

@@ -40,6 +40,7 @@ class CapturedVolumes final : public VolumeSource {
   struct List {
     SharedVolumes volumes;
     std::map<std::string, Field> records;  // by mount point, those that were left out too
+    std::vector<Absence> malformed;        // why some are on neither
   };
 
   Fact<List> ReadList() const;

@@ -60,13 +60,33 @@ Fact<VolumeFacts> RecordingVolumes::FactsOf(Volume const& volume) const {
   return facts;
 }
 
+namespace {
+
+// Where pseudo file systems are usually mounted, which no list of volumes has.
+constexpr char const* kPseudoMounts[] = {"/dev", "/proc", "/run", "/sys"};
+
 // The folder of a volume that does not answer is left alone.
+void AskVolume(Machine const& machine, Volume const& volume) {
+  if (machine.Volumes().FactsOf(volume)) {
+    machine.Files().Describe(volume.mount_point, Links::kKeep);
+  }
+}
+
+}  // namespace
+
 void AskVolumes(Machine const& machine) {
   Fact<SharedVolumes> const volumes = machine.Volumes().Volumes();
   if (!volumes) return;
-  for (Volume const& volume : **volumes) {
-    if (!machine.Volumes().FactsOf(volume)) continue;
-    machine.Files().Describe(volume.mount_point, Links::kKeep);
+  for (Volume const& volume : **volumes) AskVolume(machine, volume);
+  Fact<ItemStatus> const root = machine.Files().Status("/", Links::kKeep);
+  for (std::string const path : kPseudoMounts) {
+    Fact<ItemStatus> const status = machine.Files().Status(path, Links::kKeep);
+    bool const is_mounted = root && status && status->mount != root->mount;
+    bool const is_listed =
+        std::ranges::find(**volumes, path, &Volume::mount_point) != (*volumes)->end();
+    if (is_mounted && !is_listed) {
+      AskVolume(machine, {path.substr(1), path, status->mount, status->device, {}});
+    }
   }
 }
 

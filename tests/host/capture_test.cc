@@ -166,6 +166,25 @@ TEST_F(FileCapture, LeavesOutWhatIsOverTheLimit) {
   }
 }
 
+TEST_F(FileCapture, KeepsOfApplicationsWhatWasReadOfThem) {
+  std::string const header =
+      std::string("\xFE\xED\xFA\xCE\0\0\0\x12\0\0\0\0\0\0\0\2", 16) + std::string(12, '\0');
+  std::string const universal("\xCA\xFE\xBA\xBE\0\0\0\1\0\0\0\x12\0\0\0\0\0\0\x20\0", 20);
+  folder_.Write("tree/program", header + std::string(100'000, '\0'));
+  folder_.Write("tree/universal",
+                universal + std::string(8172, '\0') + header + std::string(100'000, '\0'));
+  fs::create_symlink("../program", At("inner/program"));
+  std::string const capture = folder_.Path("capture");
+  std::string const names = Of("pathnames of applications", "folder", "");
+  auto const live = Answer("live", names);
+  EXPECT_EQ(live["values"].size(), 3U) << live;
+  ProcessResult const run = Gatotu({"capture", capture, "--limit-bytes", "4K", "--for", names});
+  EXPECT_THAT(run.output, Not(HasSubstr("left out"))) << run.errors;
+  EXPECT_EQ(Answer(capture, names), live);
+  EXPECT_THAT(Answer(capture, Of("sha1", "file", "program"))["error"]["reasons"].dump(),
+              HasSubstr("not recorded"));
+}
+
 TEST_F(FileCapture, RemembersWhatMayNotBeReadAndIsAskedByAnother) {
   std::string const text = Of("line 1", "file", "text");
   ::chmod(At("text").c_str(), 0);

@@ -195,9 +195,20 @@ TEST(Output, ABrokenPipeEndsQuietly) {
 }
 
 TEST(Output, AFullDiskIsReported) {
-  ProcessResult const run = RunShell(GATOTU_COMMAND " 1 >/dev/full");
-  EXPECT_EQ(run.errors, "gatotu: standard output: No space left on device\n");
-  EXPECT_EQ(run.status, 1);
+  for (char const* asked : {"1", "vocabulary", "--help"}) {
+    ProcessResult const run = RunShell(GATOTU_COMMAND " " + std::string(asked) + " >/dev/full");
+    EXPECT_EQ(run.errors, "gatotu: standard output: No space left on device\n") << asked;
+    EXPECT_EQ(run.status, 1) << asked;
+  }
+}
+
+TEST(Output, IsReportedAsClosedWhateverElseIsOpened) {
+  for (char const* machines : {"", "--machine live --machine live "}) {
+    ProcessResult const run =
+        RunShell("timeout 20 " GATOTU_COMMAND " " + std::string(machines) + "1 <&- >&-");
+    EXPECT_EQ(run.errors, "gatotu: standard output: Bad file descriptor\n") << machines;
+    EXPECT_EQ(run.status, 1) << machines;
+  }
 }
 
 }  // namespace

@@ -146,6 +146,8 @@ TEST_F(Keeper, ListsEachUserOnce) {
   auto keeper = Make();
   EXPECT_THAT(Listed(*keeper), ElementsAre("CORP/eve", "/ann", "/bob", "/set"));
   EXPECT_TRUE(AwaitLong(*keeper)) << "who walks beyond the end asks for all";
+  EXPECT_EQ(keeper->ListedUser("EVE"), keeper->UserAt(2));
+  EXPECT_EQ(keeper->ListedUser("root"), nullptr);
   EXPECT_EQ(keeper->UserAt(3)->GetCacheState(), kFilledFromDirectory);
 
   keeper = Make();

@@ -88,7 +88,8 @@ class ListFile : public testing::Test {
     std::string const path = folder_.Path(name);
     std::string const text = expression + " of file \"" + path + "\"";
     Launch launch;
-    launch.arguments = {"--format", "json", text};
+    // What is to end by itself has the time for that on a busy machine too.
+    launch.arguments = {"--format", "json", "--time-limit", "10m", text};
     launch.environment = {"LSAN_OPTIONS=suppressions=" LEAKS_ON_PURPOSE};
     ProcessResult const run = RunCommand(launch);
     EXPECT_LE(run.status, 2) << run.errors;

@@ -30,6 +30,22 @@ constexpr char kDocument[] = R"(<plist version="1.0"><dict>
     <key>Targets</key><array><dict><key>Target</key><integer>0</integer><key>Inquiry</key>
     <data>AAACAiAAAABTRUFHQVRFIFNUMzI0MDA0OVMgICAgICAwMDAzWkQ3UTM0OTkgICAgICAgICAgICA=</data>
     </dict></array></dict></array>
+  <key>ConsoleUser</key><dict><key>Name</key><string>zacharias</string></dict>
+  <key>Directory</key><dict>
+    <key>dsRecTypeStandard:Users</key><array><dict>
+      <key>dsAttrTypeStandard:RecordName</key><string>anneliese</string>
+      <key>dsAttrTypeStandard:AppleMetaNodeLocation</key><string>/LDAPv3/dc1</string>
+      <key>dsAttrTypeNative:distinguishedName</key>
+      <string>CN=Anneliese Q. Oberhuber,OU=Sales,DC=intern</string></dict></array>
+    <key>dsRecTypeStandard:Groups</key><array><dict>
+      <key>dsAttrTypeStandard:RecordName</key><string>anneliese</string>
+      <key>dsAttrTypeStandard:GroupMembership</key><array><string>zacharias</string>
+        <string>CN=Bart Vandermeer,DC=intern</string></array></dict></array></dict>
+  <key>DirectoryAnswers</key><dict>
+    <key>/Search dsRecTypeStandard:Users dsAttrTypeStandard:RecordName==kunigunde, dsAttributesAll, 1</key>
+    <array/>
+    <key>/Local/Default dsRecTypeStandard:Users dsAttributesAll,</key>
+    <array><integer>0</integer></array></dict>
   <key>SystemVersion</key><dict><key>ProductName</key><string>Debian</string></dict>
 </dict></plist>)";
 
@@ -46,7 +62,9 @@ constexpr char kDevices[] = R"(<plist version="1.0"><dict>
   </dict></array></dict></plist>)";
 
 constexpr char kNames[] =
-    "ZD7Q3499|anneliese|webserver7|musterfrau|C02XG0FDJG5H|564D3A0F|c2:41:ff|0123456789abcdef|corp."
+    "ZD7Q3499|zacharias|kunigunde|oberhuber|vandermeer|anneliese|webserver7|musterfrau|"
+    "C02XG0FDJG5H|564D3A0F|"
+    "c2:41:ff|0123456789abcdef|corp."
     "example";
 
 class RedactedCapture : public testing::Test {
@@ -104,9 +122,9 @@ TEST_F(RedactedCapture, HasNoNameInData) {
 TEST_F(RedactedCapture, AnswersAsBeforeButForNames) {
   for (char const* expression :
        {"pids of processes", "name of process 7", "name of operating system", "length of hostname",
-        "number of variables of environment", "size of file \"/etc/passwd\"",
-        "line 1 of file \"/etc/passwd\"", "number of descendants of folder \"/home\"",
-        "exists current user folder",
+        "number of variables of environment", "lengths of names of users",
+        "size of file \"/etc/passwd\"", "line 1 of file \"/etc/passwd\"",
+        "number of descendants of folder \"/home\"", "exists current user folder",
         "string \"model\" of dictionary of node \"IODeviceTree:/\" of iokit registry",
         "sizes of files of folders of folder \"/home\""}) {
     EXPECT_EQ(Redacted(expression), Ask("m", expression)) << expression;

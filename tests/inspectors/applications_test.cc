@@ -172,7 +172,7 @@ class MachineApplications : public Applications {
     Install("/Applications/Tools/Example.app");
     Install("/home/a/Applications/Own.app");
     Install("/home/z/Applications/Last.app");
-    for (char const* home : {"/home/a", "/", "home/a", "/home/a/", "/home/none", "/home/z"}) {
+    for (char const* home : {"/home/a", "/home/none", "home/a", "", "/home/z", "/home/z"}) {
       directory_->Add(kUsersRecordType, home, {{"dsAttrTypeStandard:NFSHomeDirectory", {home}}});
     }
     directory_->Add("without home", {});
@@ -189,7 +189,7 @@ class MachineApplications : public Applications {
 };
 
 TEST_F(MachineApplications, AreLookedForEveryThreeMinutes) {
-  EXPECT_THAT(NamesOf(), UnorderedElementsAre("Example.app", "Own.app", "Last.app"));
+  EXPECT_THAT(NamesOf(), UnorderedElementsAre("Example.app", "Own.app", "Last.app", "Last.app"));
   Install("/Applications/New.app");
   Remove("/home/z");
   SetSeconds(179);
@@ -215,7 +215,7 @@ TEST_F(MachineApplications, StayAsTheyWereWhenAScanIsInterrupted) {
   };
   EXPECT_THROW(NamesOf(), Stop);
   SetSeconds(1179);
-  EXPECT_THAT(NamesOf(), UnorderedElementsAre("Example.app", "Own.app", "Last.app"));
+  EXPECT_THAT(NamesOf(), UnorderedElementsAre("Example.app", "Own.app", "Last.app", "Last.app"));
   Remove("/Applications");
   Remove("/home");
   SetSeconds(1180);

@@ -102,6 +102,8 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
   std::string const known = item + "<dict><key>Known</key><string>all</string>";
   std::string const mode = known + "<key>Mode</key><integer>65536</integer></dict></dict>";
   std::string const time = known + "<key>Born</key><string>1.5</string></dict></dict>";
+  std::string const parts =
+      item + "<dict><key>Parts</key><dict><key>-1</key><data/></dict></dict></dict>";
   std::string const text = item + "<string>x</string></dict>";
   MalformedCase const cases[] = {
       {"<key>Processes</key><array><dict><key>pid</key><string>1</string></dict></array>", process,
@@ -121,6 +123,7 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
        "TimeZoneRules"},
       {mode.c_str(), status, "Files./f.Mode"},
       {time.c_str(), status, "Files./f.Born"},
+      {parts.c_str(), status, "Files./f.Parts.-1"},
       {text.c_str(), status, "Files./f"},
   };
   for (MalformedCase const& row : cases) {

@@ -200,6 +200,8 @@ TEST_F(CapturedDirectory, JoinsItsRecordsAndThoseOfAVolume) {
         "<dict><key>dsAttrTypeStandard:RecordName</key><array><string>ann</string></array>"
         "<key>dsAttrTypeStandard:AppleMetaNodeLocation</key><string>/LDAPv3/dc1</string>"
         "<key>dsAttrTypeNative:tokenGroups</key><array><data>AQIA</data></array></dict>"
+        // One that has no name is left out.
+        "<dict><key>dsAttrTypeStandard:UniqueID</key><string>7</string></dict>"
         "</array></dict>");
   std::string const users = "/root/var/db/dslocal/nodes/Default/users/";
   Write(users + "ann.plist",

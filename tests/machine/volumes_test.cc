@@ -339,6 +339,7 @@ TEST(CapturedVolumes, MayBeWrittenByHand) {
        {"A /A"}},
       {"none", "", {}},
       {"no name", "<dict>" + point + "</dict>", {"malformed"}},
+      {"no name beside one", "<dict>" + point + "</dict>" + root, {"R /"}},
       {"no place", "<dict>" + name + "</dict>", {"malformed"}},
       {"relative",
        "<dict>" + name + "<key>MountPoint</key><string>a</string></dict>",

@@ -47,7 +47,10 @@ class Questions {
           entry.kind == VocabularyKind::kProperty || entry.kind == VocabularyKind::kIterated;
       if (!is_property || (entry.object != type && entry.object != BaseOf(type))) continue;
       std::string const question = entry.plural + Parameter(entry.parameter) + rest;
-      if (gatotu::Check(question + " of " + start + " \"/\"").empty()) {
+      std::string const whole = question + " of " + start + " \"/\"";
+      // What is not understood is not by what follows it either, and to say why takes long.
+      if (!gatotu::Compile(whole, gatotu::Purpose::kUse).expression) continue;
+      if (gatotu::Check(whole).empty()) {
         questions.push_back(question);
       } else {
         Collect(start, entry.result, " of " + question, depth - 1, questions);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "evaluator/plugin/context.h"
@@ -34,6 +35,11 @@ class GATOTU_API ActiveDirectoryInspectorContext : public InspectorContext {
   // From 0 on, null after the last.
   virtual ActiveDirectoryLocalUser* LocalUserAt(std::uint32_t index) const = 0;
   virtual bool ShouldStop() const = 0;
+  // The first by index of that name, whatever its letter case, or null: what a walk over all finds.
+  // A host that does not know better answers nothing, and inspectors walk.
+  virtual std::optional<ActiveDirectoryLocalUser*> FirstLocalUser(std::string const&) const {
+    return std::nullopt;
+  }
 
   static constexpr std::uint32_t kNeverRefresh = 0xFFFFFFFF;
 };
