@@ -9,8 +9,8 @@
 #include <thread>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
 #include "tests/machine/apple_double_text.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

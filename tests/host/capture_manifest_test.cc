@@ -5,7 +5,7 @@
 #include <filesystem>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

@@ -13,7 +13,7 @@
 #include "host/directory_options.h"
 #include "host/known_users.h"
 #include "host/refresh_context.h"
-#include "tests/host/temporary_folder.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
 #include "tests/support/directory_server.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

@@ -10,8 +10,8 @@
 
 #include "host/host_context.h"
 #include "tests/host/refreshed_machine.h"
-#include "tests/host/temporary_folder.h"
 #include "tests/support/scripted_machine.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

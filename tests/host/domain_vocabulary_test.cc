@@ -5,8 +5,8 @@
 #include <cstdlib>
 
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
 #include "tests/support/domain_controller.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {

@@ -8,8 +8,8 @@
 
 #include "host/kept_output.h"
 #include "tests/host/child_process.h"
-#include "tests/host/temporary_folder.h"
 #include "tests/support/sanitized.h"
+#include "tests/support/temporary_folder.h"
 
 namespace gatotu::tests {
 namespace {
