@@ -97,11 +97,12 @@ std::string Joined(std::set<std::string> const& lines) {
   return text;
 }
 
+// Nothing is kept of this machine's directory, so that nothing of it stays behind.
 Answers AnswersOf(std::string const& machine, std::set<std::string> const& expressions) {
   Answers answers;
-  ProcessResult const run =
-      Gatotu({"--machine", machine, "--time-limit", "5m", "--format", "json", "--file", "-"},
-             Joined(expressions));
+  ProcessResult const run = Gatotu({"--setting", "Directory:CacheFolder=", "--machine", machine,
+                                    "--time-limit", "5m", "--format", "json", "--file", "-"},
+                                   Joined(expressions));
   for (std::string const& line : Lines(run.output)) {
     auto const answer = nlohmann::json::parse(line);
     std::string const error = answer.contains("error") ? answer["error"]["code"] : "";
