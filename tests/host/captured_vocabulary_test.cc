@@ -97,10 +97,23 @@ std::string Joined(std::set<std::string> const& lines) {
   return text;
 }
 
-// Nothing is kept of this machine's directory, so that nothing of it stays behind.
+// Directory records that were read before anything is asked, since nobody waits for them then.
+class KeptRecords {
+ public:
+  KeptRecords() {
+    Gatotu({"--setting", Setting(), "--wait-for-directory", "10s",
+            "exists local computer of active directory", "exists local users of active directory"});
+  }
+  std::string Setting() const { return "Directory:CacheFolder=" + folder_.Path("records"); }
+
+ private:
+  TemporaryFolder const folder_;
+};
+
 Answers AnswersOf(std::string const& machine, std::set<std::string> const& expressions) {
+  static KeptRecords const records;
   Answers answers;
-  ProcessResult const run = Gatotu({"--setting", "Directory:CacheFolder=", "--machine", machine,
+  ProcessResult const run = Gatotu({"--setting", records.Setting(), "--machine", machine,
                                     "--time-limit", "5m", "--format", "json", "--file", "-"},
                                    Joined(expressions));
   for (std::string const& line : Lines(run.output)) {
