@@ -52,8 +52,8 @@ class DirectoryAnswer {
   DirectoryQuery const& query_;
   std::vector<DirectoryRecord> records_;
   std::size_t count_of_earlier_nodes_ = 0;
-  // In lower case, of as many of the first records. Collected when a later node is asked, which most
-  // lists never need.
+  // In lower case, of as many of the first records. Collected when a later node is asked, which
+  // most lists never need.
   mutable std::size_t named_count_ = 0;
   mutable std::set<std::string> names_of_earlier_nodes_;
 };
