@@ -33,9 +33,9 @@ void References::Remove(Reference const& reference) {
   auto kept_end = open_.begin() + (&reference - open_.data());
   for (auto at = kept_end + 1; at != open_.end(); ++at) {
     UInt32 const parent = ParentOf(*at->entry);
-    std::ranges::subrange const kept(open_.begin(), kept_end);
     bool const is_orphan =
-        parent != 0 && !std::ranges::binary_search(kept, parent, {}, &Reference::number);
+        parent != 0 &&
+        !std::ranges::binary_search(open_.begin(), kept_end, parent, {}, &Reference::number);
     if (!is_orphan) *kept_end++ = std::move(*at);
   }
   open_.erase(kept_end, open_.end());
