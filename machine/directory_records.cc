@@ -112,12 +112,12 @@ DirectoryAttribute const* DirectoryRecord::Find(std::string_view attribute) cons
 void DirectoryRecord::Add(std::string_view attribute, std::string value) {
   auto* const known = const_cast<DirectoryAttribute*>(Find(attribute));
   if (known != nullptr) return known->values.push_back(std::move(value));
-  attributes.push_back({std::string(attribute), {std::move(value)}});
+  attributes.push_back({std::string(attribute), {}});
+  attributes.back().values.push_back(std::move(value));
 }
 
 void DirectoryAnswer::Offer(DirectoryRecord record) {
-  std::string name = LowerCase(record.name);
-  if (is_full() || names_of_earlier_nodes_.contains(name)) return;
+  if (is_full() || IsOfEarlierNode(record.name)) return;
   std::erase_if(record.attributes, [this](DirectoryAttribute const& attribute) {
     return !IsRequested(query_, attribute.name);
   });
@@ -125,19 +125,24 @@ void DirectoryAnswer::Offer(DirectoryRecord record) {
       record.attributes,
       [](DirectoryAttribute const& attribute) { return IsNative(attribute.name); });
   if (RequestsNative(query_) && !has_native) return;
-  names_of_this_node_.insert(std::move(name));
   records_.push_back(std::move(record));
 }
 
-void DirectoryAnswer::EndNode() { names_of_earlier_nodes_.merge(names_of_this_node_); }
+void DirectoryAnswer::EndNode() { count_of_earlier_nodes_ = records_.size(); }
+
+bool DirectoryAnswer::IsOfEarlierNode(std::string_view name) const {
+  for (; named_count_ < count_of_earlier_nodes_; ++named_count_) {
+    names_of_earlier_nodes_.insert(LowerCase(records_[named_count_].name));
+  }
+  return !names_of_earlier_nodes_.empty() && names_of_earlier_nodes_.contains(LowerCase(name));
+}
 
 // Names that were asked for are taken for unique, other values are not.
 bool DirectoryAnswer::is_complete() const {
   if (is_full()) return true;
   if (query_.values.empty() || query_.attribute != kRecordName) return false;
-  return std::ranges::all_of(query_.values, [this](std::string const& value) {
-    return names_of_earlier_nodes_.contains(LowerCase(value));
-  });
+  return std::ranges::all_of(query_.values,
+                             [this](std::string const& value) { return IsOfEarlierNode(value); });
 }
 
 }  // namespace machine

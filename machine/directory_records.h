@@ -1,6 +1,7 @@
 // Choosing among the records of a directory's nodes, whatever they come from.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <set>
 #include <string>
@@ -46,10 +47,15 @@ class DirectoryAnswer {
   bool is_full() const { return query_.limit != 0 && records_.size() >= query_.limit; }
 
  private:
+  bool IsOfEarlierNode(std::string_view name) const;
+
   DirectoryQuery const& query_;
   std::vector<DirectoryRecord> records_;
-  // In lower case.
-  std::set<std::string> names_of_earlier_nodes_, names_of_this_node_;
+  std::size_t count_of_earlier_nodes_ = 0;
+  // In lower case, of as many of the first records. Collected when a later node is asked, which
+  // most lists never need.
+  mutable std::size_t named_count_ = 0;
+  mutable std::set<std::string> names_of_earlier_nodes_;
 };
 
 }  // namespace machine

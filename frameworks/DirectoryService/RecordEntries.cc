@@ -57,9 +57,9 @@ tDirStatus dsGetRecordEntry(tDirNodeReference node, tDataBufferPtr buffer, UInt3
                                     name.size() + type.size() + 2 * sizeof(UInt16));
   if (entry == nullptr) return eDSAllocationFailed;
   PutShortText(PutShortText(DataOf(entry->fRecordNameAndType), name), type);
-  entry->fRecordAttributeCount = record.value->attribute_count;
+  entry->fRecordAttributeCount = record.value->attributes.count;
   *result = entry;
-  *list = References::Shared().Add(OpenAttributeList{node, index});
+  *list = References::Shared().Add(OpenAttributeList{node, record.value->attributes});
   return eDSNoErr;
 }
 
@@ -72,25 +72,19 @@ tDirStatus dsGetAttributeEntry(tDirNodeReference node, tDataBufferPtr buffer,
   if (list->node != node) return eDSInvalidAttrListRef;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (values == nullptr || result == nullptr) return eDSNullParameter;
-  auto const record = RecordIn(*buffer, list->record);
-  if (!record.value) return record.status;
-  auto const attribute = AttributeIn(*record.value, index);
+  auto attribute = AttributeIn(*buffer, list->attributes, index);
   if (!attribute.value) return attribute.status;
   auto* const entry =
       AllocateEntry(&tAttributeEntry::fAttributeSignature, attribute.value->name.size());
   if (entry == nullptr) return eDSAllocationFailed;
   std::ranges::copy(attribute.value->name, DataOf(entry->fAttributeSignature));
   entry->fAttributeValueCount = static_cast<UInt32>(attribute.value->values.size());
-  OpenValueList opened = {node, {}};
-  for (std::string_view const value : attribute.value->values) {
-    auto const size = static_cast<UInt32>(value.size());
-    auto const start = static_cast<UInt32>(value.data() - ContentOf(*buffer).data());
-    opened.values.push_back({start, size});
-    entry->fAttributeDataSize += size;
-    entry->fAttributeValueMaxSize = std::max(entry->fAttributeValueMaxSize, size);
+  for (PlaceInBuffer const& value : attribute.value->values) {
+    entry->fAttributeDataSize += value.length;
+    entry->fAttributeValueMaxSize = std::max(entry->fAttributeValueMaxSize, value.length);
   }
   *result = entry;
-  *values = References::Shared().Add(std::move(opened));
+  *values = References::Shared().Add(OpenValueList{node, std::move(attribute.value->values)});
   return eDSNoErr;
 }
 
@@ -104,13 +98,11 @@ tDirStatus dsGetAttributeValue(tDirNodeReference node, tDataBufferPtr buffer, UI
   if (buffer == nullptr) return eDSNullDataBuff;
   if (result == nullptr) return eDSNullParameter;
   if (index == 0 || index > list->values.size()) return eDSIndexOutOfRange;
-  auto const [start, length] = list->values[index - 1];
-  std::string_view const content = ContentOf(*buffer);
-  if (content.size() < start || content.size() - start < length) return eDSCorruptBuffer;
-  std::string_view const value = content.substr(start, length);
-  auto* const entry = AllocateEntry(&tAttributeValueEntry::fAttributeValueData, value.size());
+  auto const value = TextAt(*buffer, list->values[index - 1]);
+  if (!value) return eDSCorruptBuffer;
+  auto* const entry = AllocateEntry(&tAttributeValueEntry::fAttributeValueData, value->size());
   if (entry == nullptr) return eDSAllocationFailed;
-  std::ranges::copy(value, DataOf(entry->fAttributeValueData));
+  std::ranges::copy(*value, DataOf(entry->fAttributeValueData));
   entry->fAttributeValueID = index;
   *result = entry;
   return eDSNoErr;

@@ -57,11 +57,24 @@ Expected<std::string_view> ItemIn(tDataBuffer const& buffer, Content content, UI
   return {item, eDSNoErr};
 }
 
+PlaceInBuffer PlaceOf(tDataBuffer const& buffer, std::string_view text) {
+  return {static_cast<UInt32>(text.data() - ContentOf(buffer).data()),
+          static_cast<UInt32>(text.size())};
+}
+
 }  // namespace
 
 std::string_view ContentOf(tDataBuffer const& buffer) {
   if (buffer.fBufferLength > buffer.fBufferSize) return {};
   return {reinterpret_cast<char const*>(&buffer) + kData, buffer.fBufferLength};
+}
+
+std::optional<std::string_view> TextAt(tDataBuffer const& buffer, PlaceInBuffer place) {
+  std::string_view const content = ContentOf(buffer);
+  bool const is_inside =
+      place.start <= content.size() && place.length <= content.size() - place.start;
+  if (!is_inside) return {};
+  return content.substr(place.start, place.length);
 }
 
 AnswerWriter::AnswerWriter(tDataBuffer& buffer, Content content) : buffer_(buffer) {
@@ -146,19 +159,26 @@ Expected<RecordInBuffer> RecordIn(tDataBuffer const& buffer, UInt32 index) {
   RecordInBuffer record;
   record.name = cursor.Text();
   record.type = cursor.Text();
-  record.attribute_count = cursor.Number();
-  record.attributes = cursor.rest();
+  record.attributes.count = cursor.Number();
   if (!cursor.is_good()) return {{}, eDSCorruptBuffer};
+  record.attributes.place = PlaceOf(buffer, cursor.rest());
   return {record, eDSNoErr};
 }
 
-Expected<AttributeInBuffer> AttributeIn(RecordInBuffer const& record, UInt32 index) {
-  if (index == 0 || index > record.attribute_count) return {{}, eDSIndexOutOfRange};
-  Cursor cursor(Cursor(record.attributes).TextAt(index));
+Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer,
+                                        AttributesInBuffer const& attributes, UInt32 index) {
+  if (index == 0 || index > attributes.count) return {{}, eDSIndexOutOfRange};
+  auto const text = TextAt(buffer, attributes.place);
+  if (!text) return {{}, eDSCorruptBuffer};
+  Cursor cursor(Cursor(*text).TextAt(index));
   AttributeInBuffer attribute;
   attribute.name = cursor.Text();
   UInt32 const count = cursor.Number();
-  for (UInt32 i = 0; i < count && cursor.is_good(); ++i) attribute.values.push_back(cursor.Text());
+  for (UInt32 i = 0; i < count; ++i) {
+    std::string_view const value = cursor.Text();
+    if (!cursor.is_good()) return {{}, eDSCorruptBuffer};
+    attribute.values.push_back(PlaceOf(buffer, value));
+  }
   if (!cursor.is_good()) return {{}, eDSCorruptBuffer};
   return {std::move(attribute), eDSNoErr};
 }

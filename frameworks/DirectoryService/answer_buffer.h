@@ -37,15 +37,24 @@ class AnswerWriter {
   bool is_full_ = false;
 };
 
+// Where in the buffer's content something is: what is opened is found again without counting up to
+// it, and each time without trust.
+struct PlaceInBuffer {
+  UInt32 start = 0, length = 0;
+};
+struct AttributesInBuffer {
+  UInt32 count = 0;
+  PlaceInBuffer place;
+};
+
 // Texts are in the buffer. Nothing where it does not hold what is asked for.
 struct RecordInBuffer {
   std::string_view name, type;
-  UInt32 attribute_count = 0;
-  std::string_view attributes;  // in the form of the buffer
+  AttributesInBuffer attributes;
 };
 struct AttributeInBuffer {
   std::string_view name;
-  std::vector<std::string_view> values;
+  std::vector<PlaceInBuffer> values;
 };
 
 // `Expected<T>` is a value or a status.
@@ -57,10 +66,12 @@ struct Expected {
 
 // What the buffer holds; empty where it says that it holds more than it can.
 std::string_view ContentOf(tDataBuffer const& buffer);
+std::optional<std::string_view> TextAt(tDataBuffer const& buffer, PlaceInBuffer place);
 
 // Indices count from 1.
 Expected<std::string_view> NodeNameIn(tDataBuffer const& buffer, UInt32 index);
 Expected<RecordInBuffer> RecordIn(tDataBuffer const& buffer, UInt32 index);
-Expected<AttributeInBuffer> AttributeIn(RecordInBuffer const& record, UInt32 index);
+Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer,
+                                        AttributesInBuffer const& attributes, UInt32 index);
 
 }  // namespace directory_service

@@ -1,5 +1,7 @@
 #include "frameworks/DirectoryService/references.h"
 
+#include <algorithm>
+
 #include "machine/never_destroyed.h"
 
 namespace directory_service {
@@ -21,15 +23,22 @@ UInt32 References::ParentOf(Entry const& entry) {
   return 0;
 }
 
+References::Reference const* References::Locate(UInt32 number) const {
+  auto const found = std::ranges::lower_bound(open_, number, {}, &Reference::number);
+  return found == open_.end() || found->number != number ? nullptr : &*found;
+}
+
 // What is opened later has the higher number, so one pass finds the lists of a service's nodes too.
-void References::Remove(UInt32 number) {
-  std::lock_guard lock(guard_);
-  open_.erase(number);
-  for (auto at = open_.upper_bound(number); at != open_.end();) {
-    UInt32 const parent = ParentOf(*at->second);
-    bool const is_orphan = parent != 0 && !open_.contains(parent);
-    at = is_orphan ? open_.erase(at) : std::next(at);
+void References::Remove(Reference const& reference) {
+  auto kept_end = open_.begin() + (&reference - open_.data());
+  for (auto at = kept_end + 1; at != open_.end(); ++at) {
+    UInt32 const parent = ParentOf(*at->entry);
+    bool const is_orphan =
+        parent != 0 &&
+        !std::ranges::binary_search(open_.begin(), kept_end, parent, {}, &Reference::number);
+    if (!is_orphan) *kept_end++ = std::move(*at);
   }
+  open_.erase(kept_end, open_.end());
 }
 
 std::shared_ptr<OpenNode> References::NodeOfContinued(UInt32 number) const {

@@ -11,6 +11,7 @@
 #include <variant>
 #include <vector>
 
+#include "frameworks/DirectoryService/answer_buffer.h"
 #include "machine/directory.h"
 
 namespace directory_service {
@@ -37,16 +38,13 @@ struct OpenNode {
 
 struct OpenAttributeList {
   tDirNodeReference node = 0;
-  UInt32 record = 0;
+  AttributesInBuffer attributes;
 };
 
 // Where the values are in the buffer: an attribute may have thousands, each of them asked for.
 struct OpenValueList {
-  struct Place {
-    UInt32 start = 0, length = 0;
-  };
   tDirNodeReference node = 0;
-  std::vector<Place> values;
+  std::vector<PlaceInBuffer> values;
 };
 
 class References {
@@ -56,7 +54,7 @@ class References {
   template <typename Opened>
   UInt32 Add(Opened opened) {
     std::lock_guard lock(guard_);
-    open_.emplace(++last_, std::make_shared<Entry>(std::move(opened)));
+    open_.push_back({++last_, std::make_shared<Entry>(std::move(opened))});
     return last_;
   }
 
@@ -65,17 +63,18 @@ class References {
   template <typename Opened>
   std::shared_ptr<Opened> Find(UInt32 number, tDirStatus& status) const {
     std::lock_guard lock(guard_);
-    auto const found = open_.find(number);
-    Opened* const opened = found == open_.end() ? nullptr : std::get_if<Opened>(&*found->second);
-    if (opened != nullptr) return {found->second, opened};
-    status = found == open_.end() ? eDSInvalidReference : eDSInvalidRefType;
-    return nullptr;
+    auto const* const reference = Locate(number);
+    status = StatusAs<Opened>(reference);
+    if (status != eDSNoErr) return nullptr;
+    return {reference->entry, std::get_if<Opened>(&*reference->entry)};
   }
 
   template <typename Opened>
   tDirStatus Close(UInt32 number) {
-    tDirStatus status = eDSNoErr;
-    if (Find<Opened>(number, status) != nullptr) Remove(number);
+    std::lock_guard lock(guard_);
+    auto const* const reference = Locate(number);
+    tDirStatus const status = StatusAs<Opened>(reference);
+    if (status == eDSNoErr) Remove(*reference);
     return status;
   }
 
@@ -87,12 +86,26 @@ class References {
  private:
   using Entry = std::variant<OpenService, OpenNode, OpenAttributeList, OpenValueList>;
 
+  struct Reference {
+    UInt32 number;
+    std::shared_ptr<Entry> entry;
+  };
+
+  template <typename Opened>
+  static tDirStatus StatusAs(Reference const* reference) {
+    if (reference == nullptr) return eDSInvalidReference;
+    return std::holds_alternative<Opened>(*reference->entry) ? eDSNoErr : eDSInvalidRefType;
+  }
   static UInt32 ParentOf(Entry const& entry);
+
+  // For who holds the guard. Null when the number is not open.
+  Reference const* Locate(UInt32 number) const;
   // With all that was opened of it.
-  void Remove(UInt32 number);
+  void Remove(Reference const& reference);
 
   mutable std::mutex guard_;
-  std::map<UInt32, std::shared_ptr<Entry>> open_;
+  // By ascending number, as they were opened. What was opened last is mostly closed first.
+  std::vector<Reference> open_;
   UInt32 last_ = 0;
 };
 

@@ -15,25 +15,30 @@ inspector_string Copied(std::string const& text) { return CopyToInspectorString(
 
 }  // namespace
 
-user_attribute user::NamedAttr(std::string const& attribute) const {
-  std::string value;
-  if (!GetODRecordSingleValue(record_, attribute, value)) throw NoSuchObject();
-  return {attribute, std::move(value)};
+std::string_view user::ValueOf(std::string_view attribute) const {
+  std::string_view value;
+  if (!GetODRecordSingleValue(*record_, attribute, value)) throw NoSuchObject();
+  return value;
 }
 
-std::string user::Name() const { return NamedAttr("dsAttrTypeStandard:RecordName").value; }
+user_attribute user::NamedAttr(std::string_view attribute) const {
+  return {std::string(attribute), std::string(ValueOf(attribute))};
+}
 
-std::string user::ID() const { return NamedAttr("dsAttrTypeStandard:UniqueID").value; }
+std::string user::Name() const { return std::string(ValueOf("dsAttrTypeStandard:RecordName")); }
+
+std::string user::ID() const { return std::string(ValueOf("dsAttrTypeStandard:UniqueID")); }
 
 std::string user::PrimaryGroupID() const {
-  return NamedAttr("dsAttrTypeStandard:PrimaryGroupID").value;
+  return std::string(ValueOf("dsAttrTypeStandard:PrimaryGroupID"));
 }
 
 std::string user::HomeDirPath() const {
-  return NamedAttr("dsAttrTypeStandard:NFSHomeDirectory").value;
+  return std::string(ValueOf("dsAttrTypeStandard:NFSHomeDirectory"));
 }
 
-user_iterator::user_iterator() try : records_(GetODObjectListOfType(kUsersRecordType)) {
+user_iterator::user_iterator() try
+    : records_(std::make_shared<std::vector<ODRecord>>(GetODObjectListOfType(kUsersRecordType))) {
 } catch (...) {
   throw NoSuchObject();
 }
@@ -44,20 +49,21 @@ user user_iterator::First() {
 }
 
 user user_iterator::Next() {
-  if (position_ == records_.size()) throw NoSuchObject();
-  return user(records_[position_++]);
+  if (position_ == records_->size()) throw NoSuchObject();
+  return user(std::shared_ptr<ODRecord const>(records_, &(*records_)[position_++]));
 }
 
 user_attribute user_attr_iterator::First(user const& user) {
   attributes_ = user.Record();
-  position_ = attributes_.begin();
+  position_ = 0;
   return Next(user);
 }
 
 user_attribute user_attr_iterator::Next(user const&) {
-  if (position_ == attributes_.end()) throw NoSuchObject();
-  auto const& [key, values] = *position_++;
-  return {key, values.empty() ? std::string() : values.front()};
+  if (!attributes_ || position_ == attributes_->attribute_count()) throw NoSuchObject();
+  std::string_view value;
+  attributes_->FirstValueAt(position_, value);
+  return {std::string(attributes_->NameAt(position_++)), std::string(value)};
 }
 
 user named_user(unsigned char const* name, unsigned long length) {

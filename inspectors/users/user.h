@@ -2,7 +2,9 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "evaluator/plugin/type_name.h"
@@ -23,13 +25,16 @@ struct InspectorTypeName<user_attribute> {
   static constexpr char const* kName = "user attribute";
 };
 
-// A copy of one record of the directory. What the record lacks is `NoSuchObject`.
+// One record of the directory as it was read; copies share it. What the record lacks is
+// `NoSuchObject`.
 class user {
  public:
-  explicit user(ODRecord record) : record_(std::move(record)) {}
+  explicit user(ODRecord record) : user(std::make_shared<ODRecord>(std::move(record))) {}
+  // Of a list, the record may keep the whole list.
+  explicit user(std::shared_ptr<ODRecord const> record) : record_(std::move(record)) {}
 
-  ODRecord const& Record() const { return record_; }
-  user_attribute NamedAttr(std::string const& attribute) const;
+  std::shared_ptr<ODRecord const> const& Record() const { return record_; }
+  user_attribute NamedAttr(std::string_view attribute) const;
 
   std::string Name() const;
   // Numbers stay the text that the record has.
@@ -38,7 +43,9 @@ class user {
   std::string HomeDirPath() const;
 
  private:
-  ODRecord record_;
+  std::string_view ValueOf(std::string_view attribute) const;
+
+  std::shared_ptr<ODRecord const> record_;
 };
 
 template <>
@@ -56,7 +63,7 @@ class user_iterator {
   user Next();
 
  private:
-  std::vector<ODRecord> records_;
+  std::shared_ptr<std::vector<ODRecord> const> records_;
   std::size_t position_ = 0;
 };
 
@@ -68,8 +75,8 @@ class user_attr_iterator {
   user_attribute Next(user const& user);
 
  private:
-  ODRecord attributes_;
-  ODRecord::const_iterator position_ = attributes_.end();
+  std::shared_ptr<ODRecord const> attributes_;
+  std::size_t position_ = 0;
 };
 
 // `NoSuchObject` for every failure of the directory.

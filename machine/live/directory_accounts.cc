@@ -15,34 +15,36 @@ namespace machine::live {
 namespace {
 
 DirectoryRecord LocalRecord(std::string_view type, std::string_view name) {
+  constexpr std::size_t kMostAttributes = 8;
   DirectoryRecord record = {std::string(type), std::string(name), kLocalNode, {}};
+  record.attributes.reserve(kMostAttributes);
   record.Add(kRecordName, record.name);
   record.Add(kRecordType, record.type);
   record.Add(kRecordNode, record.node);
   return record;
 }
 
-void AddStandard(DirectoryRecord& record, std::string_view name, std::string_view value) {
-  if (!value.empty()) record.Add(std::string(kStandardPrefix).append(name), std::string(value));
+void AddUnlessEmpty(DirectoryRecord& record, std::string_view attribute, std::string_view value) {
+  if (!value.empty()) record.Add(attribute, std::string(value));
 }
 
 // The comment's first part is the name, then come rooms and telephones.
 DirectoryRecord RecordOf(passwd const& user) {
   DirectoryRecord record = LocalRecord(kUserRecords, user.pw_name);
   std::string_view const comment = user.pw_gecos == nullptr ? "" : user.pw_gecos;
-  AddStandard(record, "UniqueID", std::to_string(user.pw_uid));
-  AddStandard(record, "PrimaryGroupID", std::to_string(user.pw_gid));
-  AddStandard(record, "NFSHomeDirectory", user.pw_dir);
-  AddStandard(record, "RealName", comment.substr(0, comment.find(',')));
-  AddStandard(record, "UserShell", user.pw_shell);
+  record.Add("dsAttrTypeStandard:UniqueID", std::to_string(user.pw_uid));
+  record.Add("dsAttrTypeStandard:PrimaryGroupID", std::to_string(user.pw_gid));
+  AddUnlessEmpty(record, "dsAttrTypeStandard:NFSHomeDirectory", user.pw_dir);
+  AddUnlessEmpty(record, "dsAttrTypeStandard:RealName", comment.substr(0, comment.find(',')));
+  AddUnlessEmpty(record, "dsAttrTypeStandard:UserShell", user.pw_shell);
   return record;
 }
 
 DirectoryRecord RecordOf(group const& group) {
   DirectoryRecord record = LocalRecord(kGroupRecords, group.gr_name);
-  AddStandard(record, "PrimaryGroupID", std::to_string(group.gr_gid));
+  record.Add("dsAttrTypeStandard:PrimaryGroupID", std::to_string(group.gr_gid));
   for (char* const* member = group.gr_mem; *member != nullptr; ++member) {
-    AddStandard(record, "GroupMembership", *member);
+    AddUnlessEmpty(record, "dsAttrTypeStandard:GroupMembership", *member);
   }
   return record;
 }

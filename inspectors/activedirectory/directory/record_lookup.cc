@@ -8,19 +8,23 @@ void List(DirectorySearch& search, RecordLists const& lists, UInt32 limit) {
   if (search.ListRecordsInGrowingBuffer(lists, limit) != eDSNoErr) throw DSGetRecordListFailed();
 }
 
-std::string NameOf(tAttributeEntry const& attribute) {
+std::string_view NameOf(tAttributeEntry const& attribute) {
   tDataNode const& name = attribute.fAttributeSignature;
-  return {static_cast<char const*>(name.fBufferData), name.fBufferLength};
+  return {name.fBufferData, name.fBufferLength};
 }
 
-ODRecord RecordAt(DirectorySearch const& search, UInt32 index) {
-  ODRecord record;
+std::string_view TextOf(ConstData bytes) {
+  return {reinterpret_cast<char const*>(bytes.begin), bytes.Length()};
+}
+
+// Over what the record held before.
+void ReadRecord(DirectorySearch const& search, UInt32 index, ODRecord& record) {
+  record.Clear();
   search.ForEachAttribute(index, [&](AutoODAttrEntryAttrValueList const& attribute) {
-    std::vector<std::string>& values = record[NameOf(*attribute.entry.Get())];
-    search.ForEachValue(attribute,
-                        [&values](ConstData value) { values.push_back(MakeString(value)); });
+    record.AddAttribute(NameOf(*attribute.entry.Get()));
+    search.ForEachValue(attribute, [&record](ConstData value) { record.AddValue(TextOf(value)); });
   });
-  return record;
+  record.SortAttributes();
 }
 
 }  // namespace
@@ -29,10 +33,12 @@ std::vector<ODRecord> GetODObjectListOfType(std::string const& type) {
   DirectorySearch search(ODGetLocalHostedNode);
   RecordLists const lists = search.ListsForAll(type, kDSAttributesAll);
   std::vector<ODRecord> records;
+  ODRecord record;
   do {
     List(search, lists, 0);
     for (UInt32 index = 1; index <= search.count(); ++index) {
-      records.push_back(RecordAt(search, index));
+      ReadRecord(search, index, record);
+      records.push_back(record);
     }
   } while (search.has_more());
   return records;
@@ -42,13 +48,13 @@ ODRecord GetODObjectOfType(std::string const& type, std::string const& name) {
   DirectorySearch search(ODGetSearchDirNode);
   List(search, search.ListsForName(name, type, kDSAttributesAll), 1);
   if (search.count() == 0) throw DSGetRecordListFailed();
-  return RecordAt(search, 1);
+  ODRecord record;
+  ReadRecord(search, 1, record);
+  return record;
 }
 
-bool GetODRecordSingleValue(ODRecord const& record, std::string const& attribute,
-                            std::string& value) {
-  auto const found = record.find(attribute);
-  if (found == record.end() || found->second.empty()) return false;
-  value = found->second.front();
-  return true;
+bool GetODRecordSingleValue(ODRecord const& record, std::string_view attribute,
+                            std::string_view& value) {
+  std::size_t const found = record.Find(attribute);
+  return found != record.attribute_count() && record.FirstValueAt(found, value);
 }

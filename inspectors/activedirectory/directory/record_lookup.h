@@ -1,14 +1,12 @@
 // Whole records of the directory, for whoever shows all that it has.
 #pragma once
 
-#include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "evaluator/plugin/export.h"
-
-// An attribute's directory name ("dsAttrTypeStandard:RecordName") to its values, bytes of any kind.
-using ODRecord = std::map<std::string, std::vector<std::string>>;
+#include "inspectors/activedirectory/directory/od_record.h"
 
 // All records of a type that this machine keeps itself, in the directory's order. This and the next
 // throw the exceptions of the directory's calls.
@@ -18,6 +16,6 @@ GATOTU_API std::vector<ODRecord> GetODObjectListOfType(std::string const& type);
 GATOTU_API ODRecord GetODObjectOfType(std::string const& type, std::string const& name);
 
 // Of several values the one that stands for all: the first. False when the record has no such
-// attribute or that has no value.
-GATOTU_API bool GetODRecordSingleValue(ODRecord const& record, std::string const& attribute,
-                                       std::string& value);
+// attribute or that has no value. The value lies in the record.
+GATOTU_API bool GetODRecordSingleValue(ODRecord const& record, std::string_view attribute,
+                                       std::string_view& value);
