@@ -45,7 +45,7 @@ class ManyGroups final : public machine::DirectorySource {
         Record(machine::kUserRecords, "ann", {{"dsAttrTypeNative:tokenGroups", std::move(sids)}})};
   }
 
-  machine::Fact<std::vector<DirectoryRecord>> Find(
+  machine::Fact<machine::DirectoryRecords> Find(
       machine::DirectoryQuery const& query) const override {
     if (query.type == machine::kGroupRecords) return std::vector{groups_.at(query.values[0])};
     if (query.values.empty()) return accounts_;

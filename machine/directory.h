@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "machine/directory_record.h"
 #include "machine/export.h"
 #include "machine/fact.h"
 
@@ -31,21 +32,6 @@ inline constexpr std::string_view kAllNativeAttributes = "dsAttributesNativeAll"
 
 inline constexpr char kLocalNode[] = "/Local/Default";
 inline constexpr char kSearchNode[] = "/Search";
-
-struct DirectoryAttribute {
-  std::string name;
-  std::vector<std::string> values;  // bytes of any kind, at least one value
-};
-
-struct DirectoryRecord {
-  std::string type, name, node;
-  std::vector<DirectoryAttribute> attributes;  // each name once
-
-  // Letter case does not count. Null when there is no such attribute.
-  MACHINE_API DirectoryAttribute const* Find(std::string_view attribute) const;
-  // Behind the values that the attribute has.
-  MACHINE_API void Add(std::string_view attribute, std::string value);
-};
 
 enum class DirectoryNode { kLocal, kSearch };
 enum class DirectoryMatch { kExact, kIgnoringCase };
@@ -72,7 +58,7 @@ class MACHINE_API DirectorySource {
   // An empty answer is one: nobody is known by that name. Of records of one name the first node's
   // counts, but a node does not answer for a record of which it has none of the requested native
   // attributes: the next node is asked. An absence when a node failed and no other answered.
-  virtual Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const;
+  virtual Fact<DirectoryRecords> Find(DirectoryQuery const& query) const;
 };
 
 // How the live machine reaches the network's directory, beyond the ordinary configuration of LDAP

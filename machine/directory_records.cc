@@ -21,20 +21,48 @@ bool Covers(std::string_view requested, std::string_view attribute) {
   return EqualIgnoringCase(requested, attribute);
 }
 
-bool HasValue(DirectoryRecord const& record, std::string_view attribute, std::string_view wanted,
-              DirectoryMatch match) {
+std::span<std::string const> ValuesOf(DirectoryRecord const& record, std::string_view attribute) {
   DirectoryAttribute const* const found = record.Find(attribute);
-  return found != nullptr && std::ranges::any_of(found->values, [&](std::string const& value) {
-           return IsEqual(value, wanted, match);
-         });
+  return found == nullptr ? std::span<std::string const>() : found->values;
+}
+
+std::span<std::string_view const> ValuesOf(DirectoryRecordView const& record,
+                                           std::string_view attribute) {
+  std::size_t start = 0;
+  for (auto const& [name, count] : record.attributes) {
+    if (EqualIgnoringCase(name, attribute)) return record.values.subspan(start, count);
+    start += count;
+  }
+  return {};
+}
+
+template <typename Record>
+bool HasValue(Record const& record, std::string_view attribute, std::string_view wanted,
+              DirectoryMatch match) {
+  return std::ranges::any_of(ValuesOf(record, attribute),
+                             [&](std::string_view value) { return IsEqual(value, wanted, match); });
 }
 
 // Its account's name has a "$" at the end.
-bool IsComputerNamed(DirectoryRecord const& record, std::string const& wanted,
-                     DirectoryMatch match) {
+template <typename Record>
+bool IsComputerNamed(Record const& record, std::string const& wanted, DirectoryMatch match) {
   return HasValue(record, kRecordName, wanted + "$", match) ||
          HasValue(record, "dsAttrTypeNative:cn", wanted, match) ||
          HasValue(record, "dsAttrTypeNative:dNSHostName", wanted, match);
+}
+
+template <typename Record>
+bool IsWanted(Record const& record, DirectoryQuery const& query) {
+  if (record.type != query.type) return false;
+  if (query.values.empty()) return true;
+  bool const is_computer_name = query.type == kComputerRecords && query.attribute == kRecordName;
+  return std::ranges::any_of(query.values, [&](std::string const& wanted) {
+    if (HasValue(record, query.attribute, wanted, query.match)) return true;
+    if (is_computer_name) return IsComputerNamed(record, wanted, query.match);
+    if (!EqualIgnoringCase(query.attribute, kSecurityIdentifier)) return false;
+    auto const sid = BinarySid(wanted);
+    return sid && HasValue(record, kSecurityIdentifier, *sid, DirectoryMatch::kExact);
+  });
 }
 
 }  // namespace
@@ -66,16 +94,10 @@ bool RequestsNative(DirectoryQuery const& query) {
 }
 
 bool Matches(DirectoryRecord const& record, DirectoryQuery const& query) {
-  if (record.type != query.type) return false;
-  if (query.values.empty()) return true;
-  bool const is_computer_name = query.type == kComputerRecords && query.attribute == kRecordName;
-  return std::ranges::any_of(query.values, [&](std::string const& wanted) {
-    if (HasValue(record, query.attribute, wanted, query.match)) return true;
-    if (is_computer_name) return IsComputerNamed(record, wanted, query.match);
-    if (!EqualIgnoringCase(query.attribute, kSecurityIdentifier)) return false;
-    auto const sid = BinarySid(wanted);
-    return sid && HasValue(record, kSecurityIdentifier, *sid, DirectoryMatch::kExact);
-  });
+  return IsWanted(record, query);
+}
+bool Matches(DirectoryRecordView const& record, DirectoryQuery const& query) {
+  return IsWanted(record, query);
 }
 
 std::optional<std::string> BinarySid(std::string_view text) {
@@ -101,38 +123,39 @@ std::optional<std::string> BinarySid(std::string_view text) {
   return sid;
 }
 
-DirectoryAttribute const* DirectoryRecord::Find(std::string_view attribute) const {
-  auto const found =
-      std::ranges::find_if(attributes, [attribute](DirectoryAttribute const& candidate) {
-        return EqualIgnoringCase(candidate.name, attribute);
-      });
-  return found == attributes.end() ? nullptr : &*found;
+DirectoryAnswer::DirectoryAnswer(DirectoryQuery const& query)
+    : query_(query),
+      requests_all_(std::ranges::count(query.requested, kAllAttributes) != 0),
+      requests_native_(RequestsNative(query)) {}
+
+void DirectoryAnswer::Offer(DirectoryRecord const& record) {
+  DirectoryRecordParts parts;
+  if (!is_full()) Offer(ViewOf(record, parts));
 }
 
-void DirectoryRecord::Add(std::string_view attribute, std::string value) {
-  auto* const known = const_cast<DirectoryAttribute*>(Find(attribute));
-  if (known != nullptr) return known->values.push_back(std::move(value));
-  attributes.push_back({std::string(attribute), {}});
-  attributes.back().values.push_back(std::move(value));
-}
-
-void DirectoryAnswer::Offer(DirectoryRecord record) {
+void DirectoryAnswer::Offer(DirectoryRecordView record) {
   if (is_full() || IsOfEarlierNode(record.name)) return;
-  std::erase_if(record.attributes, [this](DirectoryAttribute const& attribute) {
-    return !IsRequested(query_, attribute.name);
-  });
-  bool const has_native = std::ranges::any_of(
-      record.attributes,
-      [](DirectoryAttribute const& attribute) { return IsNative(attribute.name); });
-  if (RequestsNative(query_) && !has_native) return;
-  records_.push_back(std::move(record));
+  if (!requests_all_) record = RequestedOf(record);
+  bool const has_native = !requests_native_ || std::ranges::any_of(record.attributes, IsNative,
+                                                                   &DirectoryAttributeView::name);
+  if (has_native) records_.Add(record);
+}
+
+DirectoryRecordView DirectoryAnswer::RequestedOf(DirectoryRecordView const& record) {
+  requested_.Clear();
+  std::size_t start = 0;
+  for (auto const& [name, count] : record.attributes) {
+    if (IsRequested(query_, name)) requested_.Add(name, record.values.subspan(start, count));
+    start += count;
+  }
+  return {record.type, record.name, record.node, requested_.attributes, requested_.values};
 }
 
 void DirectoryAnswer::EndNode() { count_of_earlier_nodes_ = records_.size(); }
 
 bool DirectoryAnswer::IsOfEarlierNode(std::string_view name) const {
   for (; named_count_ < count_of_earlier_nodes_; ++named_count_) {
-    names_of_earlier_nodes_.insert(LowerCase(records_[named_count_].name));
+    names_of_earlier_nodes_.insert(LowerCase(records_.NameAt(named_count_)));
   }
   return !names_of_earlier_nodes_.empty() && names_of_earlier_nodes_.contains(LowerCase(name));
 }

@@ -24,6 +24,7 @@ bool RequestsNative(DirectoryQuery const& query);
 // Whether the record is of the type and has the value. Computers have two names more, and a
 // security identifier may be asked for by its text.
 bool Matches(DirectoryRecord const& record, DirectoryQuery const& query);
+bool Matches(DirectoryRecordView const& record, DirectoryQuery const& query);
 bool IsEqual(std::string_view left, std::string_view right, DirectoryMatch match);
 
 inline constexpr std::string_view kSecurityIdentifier = "dsAttrTypeNative:objectSid";
@@ -33,24 +34,28 @@ std::optional<std::string> BinarySid(std::string_view text);
 // Collects the answer to one query, node by node.
 class DirectoryAnswer {
  public:
-  explicit DirectoryAnswer(DirectoryQuery const& query) : query_(query) {}
+  explicit DirectoryAnswer(DirectoryQuery const& query);
 
   // Takes what was requested of a record that matches, where its node answers for it. Records of a
   // node may have equal names.
-  void Offer(DirectoryRecord record);
+  void Offer(DirectoryRecord const& record);
+  void Offer(DirectoryRecordView record);
   void EndNode();
   // So that no further node need be asked.
   bool is_complete() const;
 
-  std::vector<DirectoryRecord> Take() { return std::move(records_); }
+  DirectoryRecords Take() { return std::move(records_); }
   bool is_empty() const { return records_.empty(); }
   bool is_full() const { return query_.limit != 0 && records_.size() >= query_.limit; }
 
  private:
   bool IsOfEarlierNode(std::string_view name) const;
+  DirectoryRecordView RequestedOf(DirectoryRecordView const& record);
 
   DirectoryQuery const& query_;
-  std::vector<DirectoryRecord> records_;
+  bool const requests_all_, requests_native_;
+  DirectoryRecords records_;
+  DirectoryRecordParts requested_;  // of the record that is offered
   std::size_t count_of_earlier_nodes_ = 0;
   // In lower case, of as many of the first records. Collected when a later node is asked, which
   // most lists never need.

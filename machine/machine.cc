@@ -111,7 +111,7 @@ Fact<std::string> ScsiSource::Inquiry(std::uint8_t, std::uint8_t) const {
 }
 Fact<SharedComponents> ComponentSource::Components() const { return NotSupported("components"); }
 Fact<std::vector<std::string>> UserSource::UserNames() const { return NotSupported("users"); }
-Fact<std::vector<DirectoryRecord>> DirectorySource::Find(DirectoryQuery const&) const {
+Fact<DirectoryRecords> DirectorySource::Find(DirectoryQuery const&) const {
   return NotSupported("directory");
 }
 Fact<RecordDictionary> SessionSource::ConsoleUser() const { return NotSupported("sessions"); }

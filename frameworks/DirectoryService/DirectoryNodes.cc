@@ -44,8 +44,8 @@ tDirStatus dsCloseDirService(tDirReference reference) {
 
 tDirStatus dsFindDirNodes(tDirReference reference, tDataBufferPtr buffer, tDataListPtr pattern,
                           tDirPatternMatch kind, UInt32* count, tContextData*) {
-  tDirStatus status = eDSNoErr;
-  if (References::Shared().Find<OpenService>(reference, status) == nullptr) return status;
+  tDirStatus const status = References::Shared().StatusOf<OpenService>(reference);
+  if (status != eDSNoErr) return status;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (count == nullptr) return eDSNullParameter;
   if (!IsKind(kind) && kind != eDSExact && kind != eDSiExact) return eDSUnSupportedMatchType;
@@ -54,14 +54,14 @@ tDirStatus dsFindDirNodes(tDirReference reference, tDataBufferPtr buffer, tDataL
   for (NodeName const& node : kNodes) {
     if (IsOfKind(node, kind, pattern) && !writer.Append(node.path)) return eDSBufferTooSmall;
   }
-  *count = writer.count();
-  return writer.count() == 0 ? eDSNodeNotFound : eDSNoErr;
+  *count = writer.Finish();
+  return *count == 0 ? eDSNodeNotFound : eDSNoErr;
 }
 
 tDirStatus dsGetDirNodeName(tDirReference reference, tDataBufferPtr buffer, UInt32 index,
                             tDataListPtr* list) {
-  tDirStatus status = eDSNoErr;
-  if (References::Shared().Find<OpenService>(reference, status) == nullptr) return status;
+  tDirStatus const status = References::Shared().StatusOf<OpenService>(reference);
+  if (status != eDSNoErr) return status;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (list == nullptr) return eDSNullParameter;
   Expected<std::string_view> const name = NodeNameIn(*buffer, index);
@@ -73,17 +73,17 @@ tDirStatus dsGetDirNodeName(tDirReference reference, tDataBufferPtr buffer, UInt
 }
 
 tDirStatus dsOpenDirNode(tDirReference reference, tDataListPtr name, tDirNodeReference* node) {
-  tDirStatus status = eDSNoErr;
-  if (References::Shared().Find<OpenService>(reference, status) == nullptr) return status;
+  tDirStatus const status = References::Shared().StatusOf<OpenService>(reference);
+  if (status != eDSNoErr) return status;
   if (name == nullptr) return eDSNullNodeName;
   if (node == nullptr) return eDSNullParameter;
   std::string const path = PathOf(*name);
   for (NodeName const& known : kNodes) {
     if (path != known.path) continue;
-    OpenNode opened;
-    opened.service = reference;
-    opened.node = known.node;
-    *node = References::Shared().Add(std::move(opened));
+    auto const opened = std::make_shared<Node>();
+    opened->service = reference;
+    opened->node = known.node;
+    *node = References::Shared().Add(opened);
     return eDSNoErr;
   }
   return eDSOpenNodeFailed;

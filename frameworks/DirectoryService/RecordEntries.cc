@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
-#include <utility>
+#include <new>
 
 #include "frameworks/DirectoryService/answer_buffer.h"
 #include "frameworks/DirectoryService/references.h"
@@ -14,18 +14,19 @@ using namespace directory_service;
 
 namespace {
 
-// An entry that ends with a node, in which there is room for some bytes; zeroed, with a NUL behind
-// them.
-template <typename Entry>
-Entry* AllocateEntry(tDataNode Entry::*node, std::size_t size) {
-  auto* const entry = static_cast<Entry*>(std::calloc(1, sizeof(Entry) + size + 1));
-  if (entry == nullptr) return nullptr;
-  (entry->*node).fBufferSize = (entry->*node).fBufferLength = static_cast<UInt32>(size);
-  return entry;
-}
-
 char* DataOf(tDataNode& node) {
   return reinterpret_cast<char*>(&node) + offsetof(tDataNode, fBufferData);
+}
+
+// An entry that ends with a node, in which there is room for some bytes and a NUL behind them.
+template <typename Entry>
+Entry* AllocateEntry(tDataNode Entry::*node, std::size_t size) {
+  void* const memory = std::malloc(sizeof(Entry) + size + 1);
+  if (memory == nullptr) return nullptr;
+  auto* const entry = new (memory) Entry();
+  (entry->*node).fBufferSize = (entry->*node).fBufferLength = static_cast<UInt32>(size);
+  DataOf(entry->*node)[size] = '\0';
+  return entry;
 }
 
 char* PutShortText(char* to, std::string_view text) {
@@ -45,8 +46,8 @@ tDirStatus Free(void* entry) {
 
 tDirStatus dsGetRecordEntry(tDirNodeReference node, tDataBufferPtr buffer, UInt32 index,
                             tAttributeListRef* list, tRecordEntryPtr* result) {
-  tDirStatus status = eDSNoErr;
-  if (References::Shared().Find<OpenNode>(node, status) == nullptr) return status;
+  tDirStatus const status = References::Shared().StatusOf<OpenNode>(node);
+  if (status != eDSNoErr) return status;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (list == nullptr || result == nullptr) return eDSNullParameter;
   auto record = RecordIn(*buffer, index);
@@ -68,7 +69,7 @@ tDirStatus dsGetAttributeEntry(tDirNodeReference node, tDataBufferPtr buffer,
                                tAttributeValueListRef* values, tAttributeEntryPtr* result) {
   tDirStatus status = eDSNoErr;
   auto const list = References::Shared().Find<OpenAttributeList>(list_number, status);
-  if (list == nullptr) return status;
+  if (!list) return status;
   if (list->node != node) return eDSInvalidAttrListRef;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (values == nullptr || result == nullptr) return eDSNullParameter;
@@ -78,13 +79,11 @@ tDirStatus dsGetAttributeEntry(tDirNodeReference node, tDataBufferPtr buffer,
       AllocateEntry(&tAttributeEntry::fAttributeSignature, attribute.value->name.size());
   if (entry == nullptr) return eDSAllocationFailed;
   std::ranges::copy(attribute.value->name, DataOf(entry->fAttributeSignature));
-  entry->fAttributeValueCount = static_cast<UInt32>(attribute.value->values.size());
-  for (PlaceInBuffer const& value : attribute.value->values) {
-    entry->fAttributeDataSize += value.length;
-    entry->fAttributeValueMaxSize = std::max(entry->fAttributeValueMaxSize, value.length);
-  }
+  entry->fAttributeValueCount = attribute.value->values.count;
+  entry->fAttributeDataSize = attribute.value->data_size;
+  entry->fAttributeValueMaxSize = attribute.value->largest_size;
   *result = entry;
-  *values = References::Shared().Add(OpenValueList{node, std::move(attribute.value->values)});
+  *values = References::Shared().Add(OpenValueList{node, attribute.value->values});
   return eDSNoErr;
 }
 
@@ -92,17 +91,19 @@ tDirStatus dsGetAttributeValue(tDirNodeReference node, tDataBufferPtr buffer, UI
                                tAttributeValueListRef list_number,
                                tAttributeValueEntryPtr* result) {
   tDirStatus status = eDSNoErr;
-  auto const list = References::Shared().Find<OpenValueList>(list_number, status);
-  if (list == nullptr) return status;
+  auto list = References::Shared().Find<OpenValueList>(list_number, status);
+  if (!list) return status;
   if (list->node != node) return eDSInvalidAttrValueRef;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (result == nullptr) return eDSNullParameter;
-  if (index == 0 || index > list->values.size()) return eDSIndexOutOfRange;
-  auto const value = TextAt(*buffer, list->values[index - 1]);
-  if (!value) return eDSCorruptBuffer;
-  auto* const entry = AllocateEntry(&tAttributeValueEntry::fAttributeValueData, value->size());
+  UInt32 const known = list->values.known_index;
+  auto const found = ValueIn(*buffer, list->values, index);
+  if (!found.value) return found.status;
+  if (list->values.known_index != known) References::Shared().Replace(list_number, *list);
+  auto* const entry =
+      AllocateEntry(&tAttributeValueEntry::fAttributeValueData, found.value->size());
   if (entry == nullptr) return eDSAllocationFailed;
-  std::ranges::copy(*value, DataOf(entry->fAttributeValueData));
+  std::ranges::copy(*found.value, DataOf(entry->fAttributeValueData));
   entry->fAttributeValueID = index;
   *result = entry;
   return eDSNoErr;

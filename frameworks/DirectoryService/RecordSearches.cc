@@ -56,55 +56,93 @@ tDirStatus Check(Search const& search) {
 }
 
 // `limit` is of all types together; 0: none.
-tDirStatus Ask(std::vector<DirectoryQuery> const& queries, std::size_t limit, Records& records) {
+tDirStatus Ask(std::vector<DirectoryQuery> const& queries, std::size_t limit,
+               std::unique_ptr<machine::DirectoryRecords>& records) {
   for (DirectoryQuery query : queries) {
-    query.limit = limit == 0 ? 0 : limit - records.size();
+    query.limit = limit == 0 || records == nullptr ? limit : limit - records->size();
     auto found = machine::CurrentMachine().Directory().Find(query);
     if (!found) return StatusOf(found.absence());
-    std::ranges::move(found.value(), std::back_inserter(records));
-    if (limit != 0 && records.size() >= limit) break;
+    if (records == nullptr) {
+      records = std::make_unique<machine::DirectoryRecords>(std::move(found).value());
+    } else {
+      for (machine::DirectoryRecord const& record : *found) records->Add(record);
+    }
+    if (limit != 0 && records->size() >= limit) break;
   }
   return eDSNoErr;
 }
 
+bool IsContinued(Search const& search) {
+  return search.context != nullptr && *search.context != nullptr;
+}
+
+// `pattern` says which records, but for node, type and attributes.
+Node::Kept QuestionOf(Search const& search, Node const& node, DirectoryQuery pattern) {
+  pattern.node = node.node;
+  pattern.requested = search.attributes == nullptr ? std::vector<std::string>{kDSAttributesAll}
+                                                   : StringsOf(*search.attributes);
+  pattern.limit = *search.count;
+  Node::Kept question;
+  question.machine = machine::CurrentMachineNumber();
+  for (std::string& type : StringsOf(*search.types)) {
+    question.queries.push_back(pattern);
+    question.queries.back().type = std::move(type);
+  }
+  return question;
+}
+
 // The records to hand out next: those that were left, those kept for a larger buffer, or new ones.
-tDirStatus TakeRecords(Search const& search, OpenNode& node, OpenNode::Kept question,
-                       std::size_t limit, OpenNode::Kept& taken) {
-  if (search.context != nullptr && *search.context != nullptr) {
+tDirStatus TakeRecords(Search const& search, Node& node, DirectoryQuery pattern,
+                       Node::Kept& taken) {
+  if (IsContinued(search)) {
     auto const left = node.continued.find(NumberOf(*search.context));
     if (left == node.continued.end()) return eDSInvalidContinueData;
     taken.records = std::move(left->second);
     node.continued.erase(left);
     return eDSNoErr;
   }
+  Node::Kept question = QuestionOf(search, node, std::move(pattern));
   taken = std::exchange(node.kept, {});
   bool const is_same = !taken.records.empty() && taken.queries == question.queries &&
                        taken.machine == question.machine;
   if (is_same) return eDSNoErr;
   taken = std::move(question);
-  return Ask(taken.queries, limit, taken.records);
+  return Ask(taken.queries, *search.count, taken.records.found);
+}
+
+// As many records as fit.
+UInt32 Write(Search const& search, Records& records, std::size_t& needed_size) {
+  AnswerWriter writer(*search.buffer, Content::kRecords);
+  std::vector<std::string_view> values;
+  while (!records.empty() &&
+         writer.Append(records.found->ViewAt(records.next, values), search.has_values)) {
+    ++records.next;
+  }
+  if (records.found != nullptr) records.found->Forget(records.next);
+  needed_size = writer.needed_size();
+  return writer.Finish();
 }
 
 // What does not fit is kept for the next call.
-tDirStatus HandOut(Search const& search, OpenNode& node, OpenNode::Kept taken) {
+tDirStatus HandOut(Search const& search, Node& node, Node::Kept taken) {
   // Whoever asks again with a little more each time is not made to wait for attempts.
   if (search.buffer->fBufferSize < taken.needed_size) {
     node.kept = std::move(taken);
     return eDSBufferTooSmall;
   }
   Records& records = taken.records;
-  AnswerWriter writer(*search.buffer, Content::kRecords);
-  while (!records.empty() && writer.Append(records.front(), search.has_values)) {
-    records.pop_front();
-  }
-  bool const is_continued = search.context != nullptr && *search.context != nullptr;
-  if (!records.empty() && writer.count() == 0) {
-    taken.needed_size = writer.needed_size();
-    if (is_continued) node.continued[NumberOf(*search.context)] = std::move(records);
-    if (!is_continued) node.kept = std::move(taken);
+  std::size_t needed_size = 0;
+  UInt32 const count = Write(search, records, needed_size);
+  if (!records.empty() && count == 0) {
+    taken.needed_size = needed_size;
+    if (IsContinued(search)) {
+      node.continued[NumberOf(*search.context)] = std::move(records);
+    } else {
+      node.kept = std::move(taken);
+    }
     return eDSBufferTooSmall;
   }
-  *search.count = writer.count();
+  *search.count = count;
   if (search.context == nullptr) return eDSNoErr;
   *search.context = nullptr;
   if (records.empty()) return eDSNoErr;
@@ -114,26 +152,14 @@ tDirStatus HandOut(Search const& search, OpenNode& node, OpenNode::Kept taken) {
   return eDSNoErr;
 }
 
-// `pattern` says which records, but for node, type and attributes.
 tDirStatus Run(Search const& search, DirectoryQuery pattern) {
   tDirStatus status = Check(search);
   if (status != eDSNoErr) return status;
   auto const node = References::Shared().Find<OpenNode>(search.node, status);
-  if (node == nullptr) return status;
-  pattern.node = node->node;
-  pattern.requested = search.attributes == nullptr ? std::vector<std::string>{kDSAttributesAll}
-                                                   : StringsOf(*search.attributes);
-  std::size_t const limit = *search.count;
-  pattern.limit = limit;
-  OpenNode::Kept question;
-  question.machine = machine::CurrentMachineNumber();
-  for (std::string& type : StringsOf(*search.types)) {
-    question.queries.push_back(pattern);
-    question.queries.back().type = std::move(type);
-  }
-  OpenNode::Kept taken;
-  status = TakeRecords(search, *node, std::move(question), limit, taken);
-  return status == eDSNoErr ? HandOut(search, *node, std::move(taken)) : status;
+  if (!node) return status;
+  Node::Kept taken;
+  status = TakeRecords(search, **node, std::move(pattern), taken);
+  return status == eDSNoErr ? HandOut(search, **node, std::move(taken)) : status;
 }
 
 std::optional<machine::DirectoryMatch> MatchOf(tDirPatternMatch match) {
@@ -186,8 +212,8 @@ tDirStatus dsDoAttributeValueSearch(tDirNodeReference node, tDataBufferPtr buffe
 }
 
 tDirStatus dsReleaseContinueData(tDirReference reference, tContextData context) {
-  tDirStatus status = eDSNoErr;
-  if (References::Shared().Find<OpenService>(reference, status) == nullptr) return status;
+  tDirStatus const status = References::Shared().StatusOf<OpenService>(reference);
+  if (status != eDSNoErr) return status;
   auto const node = References::Shared().NodeOfContinued(NumberOf(context));
   if (node == nullptr || node->service != reference) return eDSInvalidContinueData;
   node->continued.erase(NumberOf(context));

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
@@ -17,12 +18,13 @@ enum class Content : UInt32 { kNodeNames = 0x6E6F6465, kRecords = 0x72656373 };
 
 class AnswerWriter {
  public:
-  // The buffer is empty then. False from `Append` when the buffer is too small for it: it holds
-  // what it held.
+  // The buffer holds nothing until the end. False from `Append` when it is too small for that too.
   AnswerWriter(tDataBuffer& buffer, Content content);
   bool Append(std::string_view node_name);
-  bool Append(machine::DirectoryRecord const& record, bool has_values);
-  UInt32 count() const { return count_; }
+  // Attributes that were appended stay where they are: equal ones are told by their place.
+  bool Append(machine::DirectoryRecordView const& record, bool has_values);
+  // How much the buffer holds then.
+  UInt32 Finish();
   // How large the buffer has to be for all that was appended and what did not fit.
   std::size_t needed_size() const { return needed_; }
 
@@ -30,9 +32,19 @@ class AnswerWriter {
   void PutNumber(std::size_t number);
   void PutText(std::string_view text);
   bool Keep(UInt32 length_before);
+  template <typename Put>
+  void PutNested(Put const& put);
+  UInt32 PutKind(machine::DirectoryRecordView const& record, bool has_values);
+
+  // What records of one kind have in common, and where the buffer has it.
+  struct Kind {
+    machine::DirectoryAttributeView const* attributes = nullptr;
+    UInt32 start = 0;
+  };
 
   tDataBuffer& buffer_;
-  UInt32 count_ = 0;
+  Kind kind_;                   // of the record before
+  std::vector<UInt32> starts_;  // of what was appended
   std::size_t needed_ = 0;
   bool is_full_ = false;
 };
@@ -44,7 +56,7 @@ struct PlaceInBuffer {
 };
 struct AttributesInBuffer {
   UInt32 count = 0;
-  PlaceInBuffer place;
+  PlaceInBuffer attributes, values;
 };
 
 // Texts are in the buffer. Nothing where it does not hold what is asked for.
@@ -52,9 +64,17 @@ struct RecordInBuffer {
   std::string_view name, type;
   AttributesInBuffer attributes;
 };
+// An attribute may have thousands of values, each of them asked for: the search for one begins at
+// the last that was far from where it began.
+struct ValuesInBuffer {
+  UInt32 count = 0;
+  PlaceInBuffer place;
+  UInt32 known_index = 1, known_start = 0;  // counted from the place's start
+};
 struct AttributeInBuffer {
   std::string_view name;
-  std::vector<PlaceInBuffer> values;
+  ValuesInBuffer values;
+  UInt32 data_size = 0, largest_size = 0;  // of all values together, of the longest
 };
 
 // `Expected<T>` is a value or a status.
@@ -66,12 +86,12 @@ struct Expected {
 
 // What the buffer holds; empty where it says that it holds more than it can.
 std::string_view ContentOf(tDataBuffer const& buffer);
-std::optional<std::string_view> TextAt(tDataBuffer const& buffer, PlaceInBuffer place);
 
 // Indices count from 1.
 Expected<std::string_view> NodeNameIn(tDataBuffer const& buffer, UInt32 index);
 Expected<RecordInBuffer> RecordIn(tDataBuffer const& buffer, UInt32 index);
 Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer,
                                         AttributesInBuffer const& attributes, UInt32 index);
+Expected<std::string_view> ValueIn(tDataBuffer const& buffer, ValuesInBuffer& values, UInt32 index);
 
 }  // namespace directory_service

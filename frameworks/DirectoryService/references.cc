@@ -16,14 +16,15 @@ UInt32 References::NewNumber() {
   return ++last_;
 }
 
-UInt32 References::ParentOf(Entry const& entry) {
-  if (auto const* node = std::get_if<OpenNode>(&entry)) return node->service;
-  if (auto const* list = std::get_if<OpenAttributeList>(&entry)) return list->node;
-  if (auto const* list = std::get_if<OpenValueList>(&entry)) return list->node;
+UInt32 References::ParentOf(Reference const& reference) {
+  if (auto const* node = std::get_if<OpenNode>(&reference.opened)) return (*node)->service;
+  if (auto const* list = std::get_if<OpenAttributeList>(&reference.opened)) return list->node;
+  if (auto const* list = std::get_if<OpenValueList>(&reference.opened)) return list->node;
   return 0;
 }
 
 References::Reference const* References::Locate(UInt32 number) const {
+  if (!open_.empty() && open_.back().number == number) return &open_.back();
   auto const found = std::ranges::lower_bound(open_, number, {}, &Reference::number);
   return found == open_.end() || found->number != number ? nullptr : &*found;
 }
@@ -32,7 +33,7 @@ References::Reference const* References::Locate(UInt32 number) const {
 void References::Remove(Reference const& reference) {
   auto kept_end = open_.begin() + (&reference - open_.data());
   for (auto at = kept_end + 1; at != open_.end(); ++at) {
-    UInt32 const parent = ParentOf(*at->entry);
+    UInt32 const parent = ParentOf(*at);
     bool const is_orphan =
         parent != 0 &&
         !std::ranges::binary_search(open_.begin(), kept_end, parent, {}, &Reference::number);
@@ -41,11 +42,11 @@ void References::Remove(Reference const& reference) {
   open_.erase(kept_end, open_.end());
 }
 
-std::shared_ptr<OpenNode> References::NodeOfContinued(UInt32 number) const {
+OpenNode References::NodeOfContinued(UInt32 number) const {
   std::lock_guard lock(guard_);
-  for (auto const& [key, entry] : open_) {
-    auto* const node = std::get_if<OpenNode>(&*entry);
-    if (node != nullptr && node->continued.contains(number)) return {entry, node};
+  for (Reference const& reference : open_) {
+    auto const* const node = std::get_if<OpenNode>(&reference.opened);
+    if (node != nullptr && (*node)->continued.contains(number)) return *node;
   }
   return nullptr;
 }

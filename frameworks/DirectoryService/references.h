@@ -3,10 +3,10 @@
 
 #include <DirectoryService/DirServicesTypes.h>
 
-#include <deque>
 #include <map>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <variant>
 #include <vector>
@@ -18,10 +18,16 @@ namespace directory_service {
 
 struct OpenService {};
 
-// What a search has found and not handed out yet. It ends with its node at the latest.
-using Records = std::deque<machine::DirectoryRecord>;
+// What a search has found, and how much of it was handed out.
+struct Records {
+  std::unique_ptr<machine::DirectoryRecords> found;
+  std::size_t next = 0;
 
-struct OpenNode {
+  bool empty() const { return found == nullptr || next == found->size(); }
+};
+
+// A search's records end with their node at the latest.
+struct Node {
   tDirReference service = 0;
   machine::DirectoryNode node = machine::DirectoryNode::kSearch;
   std::map<UInt32, Records> continued;  // by the number that the continue data is
@@ -35,16 +41,16 @@ struct OpenNode {
   };
   Kept kept;
 };
+using OpenNode = std::shared_ptr<Node>;
 
 struct OpenAttributeList {
   tDirNodeReference node = 0;
   AttributesInBuffer attributes;
 };
 
-// Where the values are in the buffer: an attribute may have thousands, each of them asked for.
 struct OpenValueList {
   tDirNodeReference node = 0;
-  std::vector<PlaceInBuffer> values;
+  ValuesInBuffer values;
 };
 
 class References {
@@ -54,25 +60,40 @@ class References {
   template <typename Opened>
   UInt32 Add(Opened opened) {
     std::lock_guard lock(guard_);
-    open_.push_back({++last_, std::make_shared<Entry>(std::move(opened))});
+    open_.push_back({++last_, std::move(opened)});
     return last_;
   }
 
-  // Null when the number is not open or stands for something else; `status` is then set. Holds what
-  // it finds open. Several threads may not use one node at once.
+  // A copy of what the number stands for, which keeps a node there; nothing when the number is not
+  // open or stands for something else, and `status` is then set. Several threads may not use one
+  // node at once.
   template <typename Opened>
-  std::shared_ptr<Opened> Find(UInt32 number, tDirStatus& status) const {
+  std::optional<Opened> Find(UInt32 number, tDirStatus& status) const {
     std::lock_guard lock(guard_);
-    auto const* const reference = Locate(number);
+    Reference const* const reference = Locate(number);
     status = StatusAs<Opened>(reference);
-    if (status != eDSNoErr) return nullptr;
-    return {reference->entry, std::get_if<Opened>(&*reference->entry)};
+    if (status != eDSNoErr) return {};
+    return std::get<Opened>(reference->opened);
+  }
+
+  template <typename Opened>
+  tDirStatus StatusOf(UInt32 number) const {
+    std::lock_guard lock(guard_);
+    return StatusAs<Opened>(Locate(number));
+  }
+
+  // Where it is still open.
+  template <typename Opened>
+  void Replace(UInt32 number, Opened opened) {
+    std::lock_guard lock(guard_);
+    auto* const reference = const_cast<Reference*>(Locate(number));
+    if (StatusAs<Opened>(reference) == eDSNoErr) reference->opened = std::move(opened);
   }
 
   template <typename Opened>
   tDirStatus Close(UInt32 number) {
     std::lock_guard lock(guard_);
-    auto const* const reference = Locate(number);
+    Reference const* const reference = Locate(number);
     tDirStatus const status = StatusAs<Opened>(reference);
     if (status == eDSNoErr) Remove(*reference);
     return status;
@@ -80,23 +101,21 @@ class References {
 
   UInt32 NewNumber();
   // The node that the continue data belongs to; null when there is none.
-  std::shared_ptr<OpenNode> NodeOfContinued(UInt32 number) const;
+  OpenNode NodeOfContinued(UInt32 number) const;
   std::size_t count() const;
 
  private:
-  using Entry = std::variant<OpenService, OpenNode, OpenAttributeList, OpenValueList>;
-
   struct Reference {
     UInt32 number;
-    std::shared_ptr<Entry> entry;
+    std::variant<OpenService, OpenNode, OpenAttributeList, OpenValueList> opened;
   };
 
   template <typename Opened>
   static tDirStatus StatusAs(Reference const* reference) {
     if (reference == nullptr) return eDSInvalidReference;
-    return std::holds_alternative<Opened>(*reference->entry) ? eDSNoErr : eDSInvalidRefType;
+    return std::holds_alternative<Opened>(reference->opened) ? eDSNoErr : eDSInvalidRefType;
   }
-  static UInt32 ParentOf(Entry const& entry);
+  static UInt32 ParentOf(Reference const& reference);
 
   // For who holds the guard. Null when the number is not open.
   Reference const* Locate(UInt32 number) const;

@@ -203,7 +203,7 @@ Fact<Done> Directory::OfferFiles(DirectoryQuery const& query, DirectoryAnswer& a
   return accounts;
 }
 
-Fact<std::vector<DirectoryRecord>> Directory::Find(DirectoryQuery const& query) const {
+Fact<DirectoryRecords> Directory::Find(DirectoryQuery const& query) const {
   std::string const key = KeyOfQuery(query);
   if (facts_.Knows(kDirectoryAnswers, key)) return Recorded(query, key);
   bool const was_recorded = facts_.Knows(kDirectoryAnswers);

@@ -32,10 +32,10 @@ class Directory final : public DirectorySource {
  public:
   Directory(Facts const& facts, FileSource const& files, RecordReader reader)
       : facts_(facts), files_(files), reader_(reader) {}
-  Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override;
+  Fact<DirectoryRecords> Find(DirectoryQuery const& query) const override;
 
  private:
-  using Records = Fact<std::vector<DirectoryRecord>>;
+  using Records = Fact<DirectoryRecords>;
 
   Records Recorded(DirectoryQuery const& query, std::string const& key) const;
   // Kept, since a host asks once and again for each of many users. For any thread.

@@ -52,8 +52,7 @@ std::size_t RecordedDirectory::NumberOf(DirectoryRecord const& record,
   return known.size() - 1;
 }
 
-void RecordedDirectory::Keep(DirectoryQuery const& query,
-                             Fact<std::vector<DirectoryRecord>> const& answer) {
+void RecordedDirectory::Keep(DirectoryQuery const& query, Fact<DirectoryRecords> const& answer) {
   std::lock_guard lock(guard_);
   std::string const key = KeyOfQuery(query);
   if (!answer) {

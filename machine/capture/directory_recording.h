@@ -13,7 +13,7 @@ namespace machine::capture {
 
 class RecordedDirectory {
  public:
-  void Keep(DirectoryQuery const& query, Fact<std::vector<DirectoryRecord>> const& answer);
+  void Keep(DirectoryQuery const& query, Fact<DirectoryRecords> const& answer);
 
   // Adds the records and the answers; reasons why there was none go to `absent`. Nothing is added
   // when nothing was asked.

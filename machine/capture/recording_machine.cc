@@ -195,7 +195,7 @@ class RecordingDirectory : public DirectorySource {
   explicit RecordingDirectory(Recording& recording)
       : asked_(*recording.asked), directory_(recording.directory) {}
 
-  Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override {
+  Fact<DirectoryRecords> Find(DirectoryQuery const& query) const override {
     auto records = asked_.Directory().Find(query);
     directory_.Keep(query, records);
     return records;

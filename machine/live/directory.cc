@@ -5,7 +5,7 @@
 namespace machine::live {
 
 // A node that fails hides nothing that another one has.
-Fact<std::vector<DirectoryRecord>> Directory::Find(DirectoryQuery const& query) const {
+Fact<DirectoryRecords> Directory::Find(DirectoryQuery const& query) const {
   NumberedSettings const settings = CurrentDirectorySettings();
   DirectoryAnswer answer(query);
   Fact<Done> const local = root_.is_running()

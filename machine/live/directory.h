@@ -12,7 +12,7 @@ namespace machine::live {
 class Directory final : public DirectorySource {
  public:
   Directory(Root const& root, FileSource const& files) : root_(root), files_(files) {}
-  Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override;
+  Fact<DirectoryRecords> Find(DirectoryQuery const& query) const override;
 
  private:
   Root const& root_;

@@ -14,39 +14,61 @@
 namespace machine::live {
 namespace {
 
-DirectoryRecord LocalRecord(std::string_view type, std::string_view name) {
-  constexpr std::size_t kMostAttributes = 8;
-  DirectoryRecord record = {std::string(type), std::string(name), kLocalNode, {}};
-  record.attributes.reserve(kMostAttributes);
-  record.Add(kRecordName, record.name);
-  record.Add(kRecordType, record.type);
-  record.Add(kRecordNode, record.node);
-  return record;
-}
+// A record's texts where the answer finds them; taken for one record after another.
+class LocalRecord {
+ public:
+  // The texts are looked at as long as the view is.
+  DirectoryRecordView Of(passwd const& user);
+  DirectoryRecordView Of(group const& group);
 
-void AddUnlessEmpty(DirectoryRecord& record, std::string_view attribute, std::string_view value) {
-  if (!value.empty()) record.Add(attribute, std::string(value));
+ private:
+  void Begin(std::string_view type, std::string_view name);
+  void AddUnlessEmpty(std::string_view attribute, char const* value) {
+    if (value != nullptr && *value != '\0') parts_.Add(attribute, std::string_view(value));
+  }
+  void AddNumber(std::string_view attribute, std::uint64_t number, std::string& text) {
+    parts_.Add(attribute, std::string_view(text = std::to_string(number)));
+  }
+  DirectoryRecordView View() const {
+    return {type_, name_, kLocalNode, parts_.attributes, parts_.values};
+  }
+
+  std::string_view type_, name_;
+  std::string number_, group_number_;
+  DirectoryRecordParts parts_;
+};
+
+void LocalRecord::Begin(std::string_view type, std::string_view name) {
+  type_ = type;
+  name_ = name;
+  parts_.Clear();
+  parts_.Add(kRecordName, name);
+  parts_.Add(kRecordType, type);
+  parts_.Add(kRecordNode, std::string_view(kLocalNode));
 }
 
 // The comment's first part is the name, then come rooms and telephones.
-DirectoryRecord RecordOf(passwd const& user) {
-  DirectoryRecord record = LocalRecord(kUserRecords, user.pw_name);
+DirectoryRecordView LocalRecord::Of(passwd const& user) {
+  Begin(kUserRecords, user.pw_name);
   std::string_view const comment = user.pw_gecos == nullptr ? "" : user.pw_gecos;
-  record.Add("dsAttrTypeStandard:UniqueID", std::to_string(user.pw_uid));
-  record.Add("dsAttrTypeStandard:PrimaryGroupID", std::to_string(user.pw_gid));
-  AddUnlessEmpty(record, "dsAttrTypeStandard:NFSHomeDirectory", user.pw_dir);
-  AddUnlessEmpty(record, "dsAttrTypeStandard:RealName", comment.substr(0, comment.find(',')));
-  AddUnlessEmpty(record, "dsAttrTypeStandard:UserShell", user.pw_shell);
-  return record;
+  std::string_view const real_name = comment.substr(0, comment.find(','));
+  AddNumber("dsAttrTypeStandard:UniqueID", user.pw_uid, number_);
+  AddNumber("dsAttrTypeStandard:PrimaryGroupID", user.pw_gid, group_number_);
+  AddUnlessEmpty("dsAttrTypeStandard:NFSHomeDirectory", user.pw_dir);
+  if (!real_name.empty()) parts_.Add("dsAttrTypeStandard:RealName", real_name);
+  AddUnlessEmpty("dsAttrTypeStandard:UserShell", user.pw_shell);
+  return View();
 }
 
-DirectoryRecord RecordOf(group const& group) {
-  DirectoryRecord record = LocalRecord(kGroupRecords, group.gr_name);
-  record.Add("dsAttrTypeStandard:PrimaryGroupID", std::to_string(group.gr_gid));
+DirectoryRecordView LocalRecord::Of(group const& group) {
+  Begin(kGroupRecords, group.gr_name);
+  AddNumber("dsAttrTypeStandard:PrimaryGroupID", group.gr_gid, group_number_);
+  std::vector<std::string_view> members;
   for (char* const* member = group.gr_mem; *member != nullptr; ++member) {
-    AddUnlessEmpty(record, "dsAttrTypeStandard:GroupMembership", *member);
+    if (**member != '\0') members.emplace_back(*member);
   }
-  return record;
+  if (!members.empty()) parts_.Add("dsAttrTypeStandard:GroupMembership", members);
+  return View();
 }
 
 // The calls of the name service for one kind of record.
@@ -82,21 +104,24 @@ template <typename Record, typename Next>
 Fact<Done> OfferEach(char const* source, DirectoryQuery const& query, DirectoryAnswer& answer,
                      std::function<bool()> const& should_stop, Next&& next) {
   std::uint64_t count = 0;
+  LocalRecord local;
+  std::vector<char> buffer;
   auto const offer = [&](Record const& entry) {
     // Names of "+" and the like stand for lists kept elsewhere.
     bool const is_name =
         entry.*Calls<Record>::kName != nullptr &&
         std::string_view("+-").find((entry.*Calls<Record>::kName)[0]) == std::string_view::npos;
-    DirectoryRecord record = RecordOf(entry);
-    if (is_name && Matches(record, query)) answer.Offer(std::move(record));
     ++count;
+    if (!is_name) return;
+    DirectoryRecordView const record = local.Of(entry);
+    if (Matches(record, query)) answer.Offer(record);
   };
   int error = 0;
   while (error == 0 && !answer.is_full()) {
     constexpr std::uint64_t kBetweenStops = 64;
     bool const is_time = should_stop && count % kBetweenStops == 0;
     if (is_time && should_stop()) return AnnounceAbsence(Outcome::kTimedOut, source, "given up");
-    error = TakeFromNameService<Record>(offer, next);
+    error = TakeFromNameService<Record>(buffer, offer, next);
   }
   if (error != 0 && error != ENOENT) return AnnounceError(error, source);
   Announce(source, Outcome::kAnswered);
@@ -136,7 +161,7 @@ Fact<Done> OfferNamed(DirectoryQuery const& query, std::function<bool()> const& 
       return Calls<Record>::Named(name.c_str(), &record, buffer.data(), buffer.size(), &found);
     };
     int const error = TakeFromNameService<Record>(
-        [&answer](Record const& found) { answer.Offer(RecordOf(found)); }, ask);
+        [&answer](Record const& found) { answer.Offer(LocalRecord().Of(found)); }, ask);
     if (error != 0 && !IsUnknown(error)) return AnnounceError(error, Calls<Record>::kNamed);
     Announce(Calls<Record>::kNamed, error == 0 ? Outcome::kAnswered : Outcome::kAbsent);
     if (error != 0) rest.values.push_back(name);

@@ -39,11 +39,11 @@ class Question {
     return std::move(connection_);
   }
 
-  Fact<std::vector<DirectoryRecord>> records = std::vector<DirectoryRecord>();
+  Fact<DirectoryRecords> records = DirectoryRecords();
   std::string server;
 
  private:
-  Fact<std::vector<DirectoryRecord>> Find(Patience const& patience) {
+  Fact<DirectoryRecords> Find(Patience const& patience) {
     if (connection_ == nullptr) {
       auto connected = engine_.Connect({settings_->uri, settings_->bind_name,
                                         settings_->bind_password, settings_->allows_clear_loopback},
@@ -57,11 +57,11 @@ class Question {
     search_.base = *base;
     Entries entries = connection_->Search(search_, patience);
     if (!entries) return entries.absence();
-    std::vector<DirectoryRecord> found;
+    DirectoryRecords found;
     for (LdapEntry& entry : entries.value()) {
       auto const failure = CompleteEntry(*connection_, ComputedAttributes(query_), patience, entry);
       if (failure) return *failure;
-      found.push_back(RecordOf(entry, query_.type, NodeName()));
+      found.Add(RecordOf(entry, query_.type, NodeName()));
     }
     return found;
   }
@@ -113,11 +113,13 @@ Fact<Done> NetworkDirectory::Offer(DirectoryQuery const& query, NumberedSettings
   if (counts_every_record) search->limit = query.limit;
   Records records = Ask(query, *search, settings);
   if (!records) return records.absence();
-  for (DirectoryRecord& record : records.value()) {
+  std::vector<std::string_view> values;
+  for (std::size_t i = 0; i < records->size(); ++i) {
+    DirectoryRecordView const record = records->ViewAt(i, values);
     bool const has_name = query.match == DirectoryMatch::kIgnoringCase ||
                           query.attribute != kRecordName || query.type == kComputerRecords ||
                           Matches(record, query);
-    if (has_name) answer.Offer(std::move(record));
+    if (has_name) answer.Offer(record);
   }
   return Done{};
 }

@@ -35,7 +35,7 @@ class NetworkDirectory {
 
  private:
   using Clock = std::chrono::steady_clock;
-  using Records = Fact<std::vector<DirectoryRecord>>;
+  using Records = Fact<DirectoryRecords>;
 
   // Of the server that the settings of this number lead to.
   struct Known {

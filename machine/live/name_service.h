@@ -10,21 +10,27 @@
 
 namespace machine::live {
 
-// Hands a record to `take`: `ask(record, buffer, found)` until the buffer suffices. The system's
-// number, `ENOENT` when there is no such record.
+// Hands a record to `take`: `ask(record, buffer, found)` until the buffer suffices, which is kept
+// for the next record. The system's number, `ENOENT` when there is no such record.
 template <typename Record, typename Take, typename Ask>
-int TakeFromNameService(Take&& take, Ask&& ask) {
+int TakeFromNameService(std::vector<char>& buffer, Take&& take, Ask&& ask) {
   constexpr std::size_t kLargest = std::size_t{1} << 20;
-  int error = ERANGE;
-  for (std::size_t size = 1024; error == ERANGE && size <= kLargest; size *= 4) {
+  if (buffer.empty()) buffer.resize(1024);
+  for (;;) {
     Record record;
     Record* found = nullptr;
-    std::vector<char> buffer(size);
-    error = ask(record, buffer, found);
+    int const error = ask(record, buffer, found);
     if (error == 0 && found == nullptr) return ENOENT;
     if (error == 0) take(*found);
+    if (error != ERANGE || buffer.size() == kLargest) return error;
+    buffer.resize(buffer.size() * 4);
   }
-  return error;
+}
+
+template <typename Record, typename Take, typename Ask>
+int TakeFromNameService(Take&& take, Ask&& ask) {
+  std::vector<char> buffer;
+  return TakeFromNameService<Record>(buffer, take, ask);
 }
 
 // One text of a record.

@@ -9,7 +9,7 @@ RefreshedMachine::Records RefreshedMachine::LocalRecords() const {
   for (auto const& [name, number] : local_users) {
     DirectoryRecord record = {std::string(machine::kUserRecords), name, machine::kLocalNode, {}};
     record.Add("dsAttrTypeStandard:UniqueID", number);
-    records.push_back(std::move(record));
+    records.Add(record);
   }
   return records;
 }
@@ -27,7 +27,7 @@ machine::Fact<RefreshedMachine::Records> RefreshedMachine::Find(
     bool const wants_groups = query.requested.front() == "dsAttrTypeNative:tokenGroups";
     record.Add(query.requested.front(), wants_groups ? std::string("\1\1\0\0\0\0\0\5\7\0\0\0", 12)
                                                      : DistinguishedName(name));
-    records.push_back(std::move(record));
+    records.Add(record);
   }
   return records;
 }

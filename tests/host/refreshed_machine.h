@@ -42,7 +42,7 @@ class RefreshedMachine final : public machine::Machine,
  private:
   template <typename T>
   using Fact = machine::Fact<T>;
-  using Records = std::vector<machine::DirectoryRecord>;
+  using Records = machine::DirectoryRecords;
 
   Fact<std::int64_t> MicrosecondsSince1970() const override { return microseconds.load(); }
   Fact<std::string> HostName() const override { return std::string("mac"); }

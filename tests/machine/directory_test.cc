@@ -30,7 +30,7 @@ std::string const kUsers(machine::kUserRecords), kGroups(machine::kGroupRecords)
     kComputers(machine::kComputerRecords);
 
 // A record as "name" or "name attribute=value,value".
-std::vector<std::string> Lines(machine::Fact<std::vector<DirectoryRecord>> const& records,
+std::vector<std::string> Lines(machine::Fact<machine::DirectoryRecords> const& records,
                                std::string const& attribute = {}) {
   if (!records) return {std::string(NameOf(records.outcome()))};
   std::vector<std::string> lines;
@@ -243,7 +243,7 @@ class ScriptedDirectory final : public machine::Machine, private machine::Direct
   machine::DirectorySource const& Directory() const override { return *this; }
 
  private:
-  machine::Fact<std::vector<DirectoryRecord>> Find(DirectoryQuery const& query) const override {
+  machine::Fact<machine::DirectoryRecords> Find(DirectoryQuery const& query) const override {
     if (query.values == std::vector<std::string>{"slow"}) {
       return machine::Absence{Outcome::kTimedOut, "ldap://dc1", "no answer in time"};
     }

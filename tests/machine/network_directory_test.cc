@@ -23,7 +23,7 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::UnorderedElementsAre;
 
-using Records = Fact<std::vector<DirectoryRecord>>;
+using Records = Fact<machine::DirectoryRecords>;
 
 constexpr char kDistinguishedName[] = "dsAttrTypeNative:distinguishedName";
 constexpr char kTokenGroups[] = "dsAttrTypeNative:tokenGroups";

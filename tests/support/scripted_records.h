@@ -9,7 +9,7 @@
 
 class ScriptedRecords final : public machine::DirectorySource {
  public:
-  machine::Fact<std::vector<machine::DirectoryRecord>> Find(
+  machine::Fact<machine::DirectoryRecords> Find(
       machine::DirectoryQuery const& query) const override {
     last = query;
     ++calls;
