@@ -13,65 +13,68 @@ std::string TextOf(unsigned char const* start, unsigned long length) {
 
 inspector_string Copied(std::string const& text) { return CopyToInspectorString(ConstData(text)); }
 
+// What the directory's calls give; however they fail, there is no such object.
+template <typename Read>
+auto FromDirectory(Read const& read) {
+  try {
+    return read();
+  } catch (...) {
+    throw NoSuchObject();
+  }
+}
+
 }  // namespace
 
-std::string_view user::ValueOf(std::string_view attribute) const {
-  std::string_view value;
-  if (!GetODRecordSingleValue(*record_, attribute, value)) throw NoSuchObject();
+std::string user::ValueOf(std::string_view attribute) const {
+  std::string value;
+  if (!FromDirectory([&] { return GetODRecordSingleValue(record_, attribute, value); })) {
+    throw NoSuchObject();
+  }
   return value;
 }
 
 user_attribute user::NamedAttr(std::string_view attribute) const {
-  return {std::string(attribute), std::string(ValueOf(attribute))};
+  return {std::string(attribute), ValueOf(attribute)};
 }
 
-std::string user::Name() const { return std::string(ValueOf("dsAttrTypeStandard:RecordName")); }
+std::string user::Name() const { return ValueOf("dsAttrTypeStandard:RecordName"); }
 
-std::string user::ID() const { return std::string(ValueOf("dsAttrTypeStandard:UniqueID")); }
+std::string user::ID() const { return ValueOf("dsAttrTypeStandard:UniqueID"); }
 
-std::string user::PrimaryGroupID() const {
-  return std::string(ValueOf("dsAttrTypeStandard:PrimaryGroupID"));
-}
+std::string user::PrimaryGroupID() const { return ValueOf("dsAttrTypeStandard:PrimaryGroupID"); }
 
-std::string user::HomeDirPath() const {
-  return std::string(ValueOf("dsAttrTypeStandard:NFSHomeDirectory"));
-}
+std::string user::HomeDirPath() const { return ValueOf("dsAttrTypeStandard:NFSHomeDirectory"); }
 
-user_iterator::user_iterator() try
-    : records_(std::make_shared<std::vector<ODRecord>>(GetODObjectListOfType(kUsersRecordType))) {
-} catch (...) {
-  throw NoSuchObject();
-}
+user_iterator::user_iterator()
+    : records_(std::make_shared<ODRecordList>(
+          FromDirectory([] { return GetODObjectListOfType(kUsersRecordType); }))) {}
 
 user user_iterator::First() {
-  position_ = 0;
+  place_ = {};
   return Next();
 }
 
 user user_iterator::Next() {
-  if (position_ == records_->size()) throw NoSuchObject();
-  return user(std::shared_ptr<ODRecord const>(records_, &(*records_)[position_++]));
+  auto record = records_->Next(place_);
+  if (!record) throw NoSuchObject();
+  return user(*std::move(record));
 }
 
 user_attribute user_attr_iterator::First(user const& user) {
-  attributes_ = user.Record();
+  attributes_ = FromDirectory([&] { return user.Record().Attributes(); });
   position_ = 0;
   return Next(user);
 }
 
 user_attribute user_attr_iterator::Next(user const&) {
-  if (!attributes_ || position_ == attributes_->attribute_count()) throw NoSuchObject();
-  std::string_view value;
-  attributes_->FirstValueAt(position_, value);
-  return {std::string(attributes_->NameAt(position_++)), std::string(value)};
+  if (position_ == attributes_.size()) throw NoSuchObject();
+  ODAttribute const& attribute = attributes_[position_++];
+  return {attribute.name, attribute.value};
 }
 
 user named_user(unsigned char const* name, unsigned long length) {
-  try {
-    return user(GetODObjectOfType(kUsersRecordType, TextOf(name, length)));
-  } catch (...) {
-    throw NoSuchObject();
-  }
+  return user(
+      FromDirectory([&] { return GetODObjectOfType(kUsersRecordType, TextOf(name, length)); }));
 }
 
 inspector_string user_name(user const& user) { return Copied(user.Name()); }

@@ -25,15 +25,13 @@ struct InspectorTypeName<user_attribute> {
   static constexpr char const* kName = "user attribute";
 };
 
-// One record of the directory as it was read; copies share it. What the record lacks is
-// `NoSuchObject`.
+// One record of the directory as it was when it was found; copies share it. What the record lacks
+// is `NoSuchObject`.
 class user {
  public:
-  explicit user(ODRecord record) : user(std::make_shared<ODRecord>(std::move(record))) {}
-  // Of a list, the record may keep the whole list.
-  explicit user(std::shared_ptr<ODRecord const> record) : record_(std::move(record)) {}
+  explicit user(ODRecord record) : record_(std::move(record)) {}
 
-  std::shared_ptr<ODRecord const> const& Record() const { return record_; }
+  ODRecord const& Record() const { return record_; }
   user_attribute NamedAttr(std::string_view attribute) const;
 
   std::string Name() const;
@@ -43,9 +41,9 @@ class user {
   std::string HomeDirPath() const;
 
  private:
-  std::string_view ValueOf(std::string_view attribute) const;
+  std::string ValueOf(std::string_view attribute) const;
 
-  std::shared_ptr<ODRecord const> record_;
+  ODRecord record_;
 };
 
 template <>
@@ -63,8 +61,8 @@ class user_iterator {
   user Next();
 
  private:
-  std::shared_ptr<std::vector<ODRecord> const> records_;
-  std::size_t position_ = 0;
+  std::shared_ptr<ODRecordList const> records_;
+  ODRecordList::Place place_;
 };
 
 // The attributes of one user in the order of their names, each with its first value; one without
@@ -75,7 +73,7 @@ class user_attr_iterator {
   user_attribute Next(user const& user);
 
  private:
-  std::shared_ptr<ODRecord const> attributes_;
+  std::vector<ODAttribute> attributes_;
   std::size_t position_ = 0;
 };
 

@@ -200,21 +200,31 @@ TEST_F(Queries, LookUpWholeRecords) {
     directory_->Add(users, std::to_string(i), {{"a", {std::string(900, 'x'), "y"}}, {"b", {""}}});
   }
   directory_->Add(users, "large", {{"a", {std::string(50'000, 'x')}}});
-  std::vector<ODRecord> const all = GetODObjectListOfType(users);
+  ODRecordList const all = GetODObjectListOfType(users);
   EXPECT_EQ(directory_->last.node, machine::DirectoryNode::kLocal);
   ASSERT_EQ(all.size(), 101u);
-  std::string const first(900, 'x');
-  EXPECT_EQ(all[99].ValuesAt(all[99].Find("a")), (std::vector<std::string_view>{first, "y"}));
+  // More than one buffer holds.
+  std::string value;
+  int number = 0;
+  ODRecordList::Place place;
+  while (auto const record = all.Next(place)) {
+    EXPECT_FALSE(GetODRecordSingleValue(*record, "A", value));
+    EXPECT_TRUE(GetODRecordSingleValue(*record, "dsAttrTypeStandard:RecordName", value));
+    EXPECT_EQ(value, number == 100 ? "large" : std::to_string(number));
+    ++number;
+  }
+  EXPECT_EQ(number, 101);
 
-  std::string_view value;
   ODRecord const large = GetODObjectOfType(users, "LARGE");
   EXPECT_TRUE(GetODRecordSingleValue(large, "a", value));
   EXPECT_EQ(directory_->last.node, machine::DirectoryNode::kSearch);
   EXPECT_EQ(value.size(), 50'000u);
-  EXPECT_FALSE(GetODRecordSingleValue(all[0], "A", value));
-  ODRecord valueless;
-  valueless.AddAttribute("a");
-  EXPECT_FALSE(GetODRecordSingleValue(valueless, "a", value));
+  directory_->Add(users, "valueless", {{"b", {}}, {"a", {"x"}}});
+  ODRecord const valueless = GetODObjectOfType(users, "valueless");
+  EXPECT_FALSE(GetODRecordSingleValue(valueless, "b", value));
+  std::string attributes;
+  for (auto const& [name, first] : valueless.Attributes()) attributes += name + "=" + first + ";";
+  EXPECT_EQ(attributes, "a=x;b=;dsAttrTypeStandard:RecordName=valueless;");
   EXPECT_THROW(GetODObjectOfType(users, "none"), DSGetRecordListFailed);
   directory_->failure = machine::Outcome::kPermissionRefused;
   EXPECT_THROW(GetODObjectListOfType(users), DSGetRecordListFailed);

@@ -32,7 +32,8 @@ std::string GetDNInternal(ADAttributeArgs const& args) {
   DirectorySearch search(ODGetSearchDirNode);
   RecordLists const lists = search.ListsForName(args.name, args.type, kDistinguishedName);
   if (search.ListRecords(lists, 1) != eDSNoErr) throw MacintoshPlatform::DSGetRecordListFailed();
-  return search.count() == 0 ? std::string() : search.FirstValue();
+  AnsweredRecords const answer = search.TakeAnswer();
+  return answer.count() == 0 ? std::string() : answer.FirstValue();
 }
 
 std::vector<ActiveDirectoryGroup> GetSIDsInternal(ADAttributeArgs const& args) {
@@ -41,10 +42,11 @@ std::vector<ActiveDirectoryGroup> GetSIDsInternal(ADAttributeArgs const& args) {
   if (search.ListRecordsInGrowingBuffer(lists, 0) != eDSNoErr) {
     throw MacintoshPlatform::DSGetRecordListFailed();
   }
+  AnsweredRecords const answer = search.TakeAnswer();
   std::vector<ActiveDirectoryGroup> groups;
-  for (UInt32 record = 1; record <= search.count(); ++record) {
-    search.ForEachAttribute(record, [&](AutoODAttrEntryAttrValueList const& attribute) {
-      search.ForEachValue(attribute, [&groups](ConstData sid) { AppendGroup(sid, groups); });
+  for (UInt32 record = 1; record <= answer.count(); ++record) {
+    answer.ForEachAttribute(record, [&](AutoODAttrEntryAttrValueList const& attribute) {
+      answer.ForEachValue(attribute, [&groups](ConstData sid) { AppendGroup(sid, groups); });
     });
   }
   return groups;
@@ -57,15 +59,16 @@ ActiveDirectoryGroup GetGroupInternal(ADAttributeArgs const& args) {
   }
   Instant const now = CurrentInstant();
   ActiveDirectoryGroup group;
-  if (search.count() == 0) return group;
+  AnsweredRecords const answer = search.TakeAnswer();
+  if (answer.count() == 0) return group;
   // Of several values the last one counts.
   auto const take = [&group, now](ConstData value) {
     group.SetDistinguishedName(MakeString(value));
     SetNameFrom(group.GetDistinguishedName(), group);
     group.SetLastSampleTime(now);
   };
-  search.ForEachAttribute(1, [&](AutoODAttrEntryAttrValueList const& attribute) {
-    search.ForEachValue(attribute, take);
+  answer.ForEachAttribute(1, [&](AutoODAttrEntryAttrValueList const& attribute) {
+    answer.ForEachValue(attribute, take);
   });
   return group;
 }

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstring>
 #include <limits>
+#include <utility>
 
 namespace {
 
@@ -23,63 +24,60 @@ AutoODDataBuffer MakeNode(tDirReference service, std::string_view text) {
 
 }  // namespace
 
-DirectorySearch::DirectorySearch(NodeOpener open_node)
-    : service_(ODOpenService()),
-      node_(open_node(service_.Get())),
-      buffer_(ODBufferAllocate(service_.Get(), size_)) {}
+DirectorySearch::DirectorySearch(NodeOpener open_node) {
+  OpenedNode opened;
+  opened.service = ODOpenService();
+  opened.node = open_node(opened.service.Get());
+  node_ = std::make_shared<OpenedNode const>(std::move(opened));
+}
+
+tDataBufferPtr DirectorySearch::Buffer() {
+  if (buffer_.Get().data == nullptr) buffer_ = ODBufferAllocate(Service(), size_);
+  return buffer_.Get().data;
+}
+
+AnsweredRecords DirectorySearch::TakeAnswer() {
+  return {node_, std::move(buffer_), std::exchange(count_, 0)};
+}
 
 RecordLists DirectorySearch::ListsForName(std::string const& name, std::string const& type,
                                           char const* attribute) const {
   if (name == kDSRecordsAll) throw ODBuildListFromStringFailed();
-  return {ODBuildListFromString(service_.Get(), type), ODBuildListFromString(service_.Get(), name),
-          ODBuildListFromString(service_.Get(), attribute)};
+  return {ODBuildListFromString(Service(), type), ODBuildListFromString(Service(), name),
+          ODBuildListFromString(Service(), attribute)};
 }
 
 RecordLists DirectorySearch::ListsForAll(std::string const& type, char const* attribute) const {
-  return {ODBuildListFromString(service_.Get(), type),
-          ODBuildListFromString(service_.Get(), kDSRecordsAll),
-          ODBuildListFromString(service_.Get(), attribute)};
+  return {ODBuildListFromString(Service(), type), ODBuildListFromString(Service(), kDSRecordsAll),
+          ODBuildListFromString(Service(), attribute)};
 }
 
 tDirStatus DirectorySearch::ListRecords(RecordLists const& lists, UInt32 limit) {
   count_ = limit;
-  return dsGetRecordList(node_.Get(), buffer_.Get().data, lists.names.Get(), eDSiExact,
-                         lists.types.Get(), lists.attributes.Get(), false, &count_, &context_);
+  return dsGetRecordList(Node(), Buffer(), lists.names.Get(), eDSiExact, lists.types.Get(),
+                         lists.attributes.Get(), false, &count_, &context_);
 }
 
 tDirStatus DirectorySearch::ListRecordsInGrowingBuffer(RecordLists const& lists, UInt32 limit) {
   for (;;) {
     tDirStatus const status = ListRecords(lists, limit);
     if (status != eDSBufferTooSmall) return status;
-    EnlargeBuffer();
+    if (size_ > std::numeric_limits<UInt32>::max() - kDirectoryBufferSize) {
+      throw ODDataBufferAllocFailed();
+    }
+    size_ += kDirectoryBufferSize;
+    buffer_.Dispose();
   }
 }
 
 tDirStatus DirectorySearch::FindByValue(std::string_view value, std::string_view value_attribute,
                                         std::string const& type, char const* attribute) {
-  AutoODDataList const types = ODBuildListFromString(service_.Get(), type);
-  AutoODDataList const attributes = ODBuildListFromString(service_.Get(), attribute);
-  AutoODDataBuffer const searched = MakeNode(service_.Get(), value_attribute);
-  AutoODDataBuffer const pattern = MakeNode(service_.Get(), value);
+  AutoODDataList const types = ODBuildListFromString(Service(), type);
+  AutoODDataList const attributes = ODBuildListFromString(Service(), attribute);
+  AutoODDataBuffer const searched = MakeNode(Service(), value_attribute);
+  AutoODDataBuffer const pattern = MakeNode(Service(), value);
   count_ = 1;
-  return dsDoAttributeValueSearchWithData(node_.Get(), buffer_.Get().data, types.Get(),
-                                          searched.Get().data, eDSiExact, pattern.Get().data,
-                                          attributes.Get(), false, &count_, &context_);
-}
-
-std::string DirectorySearch::FirstValue() const {
-  AutoODRecordEntryAttrList const record = ODGetRecordEntry(node_.Get(), buffer_, 1);
-  AutoODAttrEntryAttrValueList const attribute =
-      ODGetAttributeEntry(node_.Get(), buffer_, record.attributes, 1);
-  AutoODAttrValueEntry const value = ODGetAttributeValue(node_.Get(), buffer_, 1, attribute.values);
-  return MakeString(ODGetAttributeValueData(value));
-}
-
-void DirectorySearch::EnlargeBuffer() {
-  if (size_ > std::numeric_limits<UInt32>::max() - kDirectoryBufferSize) {
-    throw ODDataBufferAllocFailed();
-  }
-  size_ += kDirectoryBufferSize;
-  buffer_.Dispose();
-  buffer_ = ODBufferAllocate(service_.Get(), size_);
+  return dsDoAttributeValueSearchWithData(Node(), Buffer(), types.Get(), searched.Get().data,
+                                          eDSiExact, pattern.Get().data, attributes.Get(), false,
+                                          &count_, &context_);
 }

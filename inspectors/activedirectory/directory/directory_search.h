@@ -1,18 +1,18 @@
-// A search in one node of the directory, with the buffer that its answer comes in. What is opened
-// for it is closed with it.
+// A search in one node of the directory. What is opened for it is closed with it and with the last
+// of its answers.
 #pragma once
 
+#include <memory>
 #include <string>
 #include <string_view>
 
-#include "inspectors/activedirectory/directory/directory_calls.h"
+#include "inspectors/activedirectory/directory/answered_records.h"
 
 // What to list: records of a name and a type, with an attribute.
 struct RecordLists {
   AutoODDataList types, names, attributes;
 };
 
-// Before a question has been answered there are no records to look at.
 class DirectorySearch {
  public:
   using NodeOpener = AutoODNodeRef (*)(tDirReference service);
@@ -33,45 +33,19 @@ class DirectorySearch {
   tDirStatus FindByValue(std::string_view value, std::string_view value_attribute,
                          std::string const& type, char const* attribute);
 
-  // Of the answer in the buffer.
-  UInt32 count() const { return count_; }
+  // What the call before was answered with, once.
+  AnsweredRecords TakeAnswer();
   bool has_more() const { return context_ != nullptr; }
-  // The first value of the first attribute of the first record.
-  std::string FirstValue() const;
-  template <class Visit>
-  void ForEachAttribute(UInt32 record, Visit const& visit) const;
-  // The bytes are valid during the visit.
-  template <class Visit>
-  void ForEachValue(AutoODAttrEntryAttrValueList const& attribute, Visit const& visit) const;
 
  private:
-  void EnlargeBuffer();
+  tDirReference Service() const { return node_->service.Get(); }
+  tDirNodeReference Node() const { return node_->node.Get(); }
+  // That the next answer comes in.
+  tDataBufferPtr Buffer();
 
-  // The node is closed before its service.
-  AutoODReference service_;
-  AutoODNodeRef node_;
+  std::shared_ptr<OpenedNode const> node_;
   UInt32 size_ = kDirectoryBufferSize;
   AutoODDataBuffer buffer_;
   UInt32 count_ = 0;
   tContextData context_ = nullptr;
 };
-
-template <class Visit>
-void DirectorySearch::ForEachAttribute(UInt32 record, Visit const& visit) const {
-  AutoODRecordEntryAttrList const found = ODGetRecordEntry(node_.Get(), buffer_, record);
-  UInt32 const count = found.entry.Get()->fRecordAttributeCount;
-  for (UInt32 index = 1; index <= count; ++index) {
-    visit(ODGetAttributeEntry(node_.Get(), buffer_, found.attributes, index));
-  }
-}
-
-template <class Visit>
-void DirectorySearch::ForEachValue(AutoODAttrEntryAttrValueList const& attribute,
-                                   Visit const& visit) const {
-  UInt32 const count = attribute.entry.Get()->fAttributeValueCount;
-  for (UInt32 index = 1; index <= count; ++index) {
-    AutoODAttrValueEntry const value =
-        ODGetAttributeValue(node_.Get(), buffer_, index, attribute.values);
-    visit(ODGetAttributeValueData(value));
-  }
-}

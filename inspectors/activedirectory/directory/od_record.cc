@@ -2,49 +2,29 @@
 
 #include <algorithm>
 
-void ODRecord::Clear() {
-  texts_.clear();
-  values_.clear();
-  attributes_.clear();
+std::vector<ODAttribute> ODRecord::Attributes() const {
+  std::vector<ODAttribute> attributes;
+  answer_->ForEachAttribute(index_, [&](AutoODAttrEntryAttrValueList const& attribute) {
+    ODAttribute& read = attributes.emplace_back();
+    read.name = NameOf(*attribute.entry.Get());
+    if (attribute.entry.Get()->fAttributeValueCount != 0) {
+      read.value = answer_->FirstValue(attribute);
+    }
+  });
+  std::ranges::sort(attributes, {}, &ODAttribute::name);
+  return attributes;
 }
 
-ODRecord::Place ODRecord::Keep(std::string_view text) {
-  Place const place = {texts_.size(), text.size()};
-  texts_.append(text);
-  return place;
+void ODRecordList::Add(AnsweredRecords answer) {
+  if (answer.count() == 0) return;
+  size_ += answer.count();
+  answers_.push_back(std::make_shared<AnsweredRecords const>(std::move(answer)));
 }
 
-void ODRecord::AddAttribute(std::string_view name) {
-  attributes_.push_back({Keep(name), values_.size(), 0});
-}
-
-void ODRecord::AddValue(std::string_view value) {
-  values_.push_back(Keep(value));
-  ++attributes_.back().value_count;
-}
-
-void ODRecord::SortAttributes() {
-  std::ranges::sort(attributes_, {},
-                    [this](Attribute const& attribute) { return TextAt(attribute.name); });
-}
-
-std::vector<std::string_view> ODRecord::ValuesAt(std::size_t index) const {
-  auto const [name, first, count] = attributes_[index];
-  std::vector<std::string_view> values;
-  for (std::size_t i = first; i < first + count; ++i) values.push_back(TextAt(values_[i]));
-  return values;
-}
-
-bool ODRecord::FirstValueAt(std::size_t index, std::string_view& value) const {
-  Attribute const& attribute = attributes_[index];
-  if (attribute.value_count == 0) return false;
-  value = TextAt(values_[attribute.first_value]);
-  return true;
-}
-
-std::size_t ODRecord::Find(std::string_view name) const {
-  auto const found = std::ranges::lower_bound(
-      attributes_, name, {}, [this](Attribute const& attribute) { return TextAt(attribute.name); });
-  if (found == attributes_.end() || TextAt(found->name) != name) return attributes_.size();
-  return static_cast<std::size_t>(found - attributes_.begin());
+std::optional<ODRecord> ODRecordList::Next(Place& place) const {
+  if (place.answer == answers_.size()) return {};
+  auto const& answer = answers_[place.answer];
+  if (place.index < answer->count()) return ODRecord(answer, ++place.index);
+  place = {place.answer + 1, 0};
+  return Next(place);
 }

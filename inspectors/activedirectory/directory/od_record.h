@@ -1,51 +1,57 @@
-// One record of the directory as a value of its own. Lists have tens of thousands of them, so that
-// all its texts lie in one block.
+// One record of the directory, read from the answer that it came with when it is asked something:
+// lists have tens of thousands of records, and of most of them little is asked.
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "evaluator/plugin/export.h"
+#include "inspectors/activedirectory/directory/answered_records.h"
 
-// Attributes by their directory name ("dsAttrTypeStandard:RecordName") with their values, bytes of
-// any kind. Texts are valid as long as the record is there and unchanged.
+// An attribute by its directory name ("dsAttrTypeStandard:RecordName") with the value that stands
+// for all: the first one; empty when it has none.
+struct ODAttribute {
+  std::string name, value;  // bytes of any kind
+};
+
+// Copies share the answer, which stays as it was. What is asked may throw the exceptions of the
+// directory's calls.
 class GATOTU_API ODRecord {
  public:
-  // Keeps its room, for what is read next.
-  void Clear();
-  // Each name once, in any order; `SortAttributes` follows the last one.
-  void AddAttribute(std::string_view name);
-  // Behind the values of the attribute that was added last.
-  void AddValue(std::string_view value);
-  void SortAttributes();
+  // `index` counts from 1.
+  ODRecord(std::shared_ptr<AnsweredRecords const> answer, UInt32 index)
+      : answer_(std::move(answer)), index_(index) {}
 
-  // In ascending order of the names.
-  std::size_t attribute_count() const { return attributes_.size(); }
-  std::string_view NameAt(std::size_t index) const { return TextAt(attributes_[index].name); }
-  std::vector<std::string_view> ValuesAt(std::size_t index) const;
-  // Of several values the one that stands for all: the first. False when there is none.
-  bool FirstValueAt(std::size_t index, std::string_view& value) const;
-
-  // The index of an attribute of exactly that name; `attribute_count` when there is none.
-  std::size_t Find(std::string_view name) const;
-
- private:
-  struct Place {
-    std::size_t start, length;
-  };
-  struct Attribute {
-    Place name;
-    std::size_t first_value, value_count;
-  };
-
-  Place Keep(std::string_view text);
-  std::string_view TextAt(Place place) const {
-    return std::string_view(texts_).substr(place.start, place.length);
+  // In ascending order of their names.
+  std::vector<ODAttribute> Attributes() const;
+  // Of the attribute of exactly that name. False when there is none, or one without values.
+  bool FirstValue(std::string_view attribute, std::string& value) const {
+    return answer_->FirstValue(index_, attribute, value);
   }
 
-  std::string texts_;
-  std::vector<Place> values_;
-  std::vector<Attribute> attributes_;
+ private:
+  std::shared_ptr<AnsweredRecords const> answer_;
+  UInt32 index_;
+};
+
+// Records in the order of their answers.
+class GATOTU_API ODRecordList {
+ public:
+  // A place in a list that goes on from record to record.
+  struct Place {
+    std::size_t answer = 0;
+    UInt32 index = 0;  // of the record before; 0 before the first
+  };
+
+  void Add(AnsweredRecords answer);
+  std::size_t size() const { return size_; }
+  // The record behind the place, which becomes its place; nothing at the end.
+  std::optional<ODRecord> Next(Place& place) const;
+
+ private:
+  std::vector<std::shared_ptr<AnsweredRecords const>> answers_;  // none without records
+  std::size_t size_ = 0;
 };
