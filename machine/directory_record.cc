@@ -1,5 +1,8 @@
 #include "machine/directory_record.h"
 
+#include <sys/mman.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstring>
 #include <functional>
@@ -10,23 +13,49 @@ namespace machine {
 namespace {
 
 // A record's bytes are the number of its kind, its name and its values. A text is its length and
-// bytes. Numbers are 32 bits wide in the processor's order, so that a longer text is cut off.
+// bytes, where it is none that the record has anyway; a longer one is cut off. Numbers are 32 bits
+// wide in the processor's order.
 constexpr std::size_t kNumber = sizeof(std::uint32_t);
+
+constexpr std::size_t kFirstBlock = 4 * 1024, kBlock = 64 * 1024;
+
+// All pages at once, which costs a quarter of a fault for each. Where the kernel cannot, they come
+// one by one.
+void Populate([[maybe_unused]] char* bytes, [[maybe_unused]] std::size_t size) {
+#ifdef MADV_POPULATE_WRITE
+  auto const page = static_cast<std::uintptr_t>(::sysconf(_SC_PAGESIZE));
+  auto const start = (reinterpret_cast<std::uintptr_t>(bytes) + page - 1) & ~(page - 1);
+  auto const end = (reinterpret_cast<std::uintptr_t>(bytes) + size) & ~(page - 1);
+  if (start < end) ::madvise(reinterpret_cast<void*>(start), end - start, MADV_POPULATE_WRITE);
+#endif
+}
 
 void PutNumber(std::uint32_t number, char*& to) {
   std::memcpy(to, &number, kNumber);
   to += kNumber;
 }
 
-std::size_t SizeOf(std::string_view text) {
-  return kNumber + std::min(text.size(), std::size_t{UINT32_MAX});
+// In place of a value's length.
+constexpr std::uint32_t kOwnName = UINT32_MAX, kOwnType = kOwnName - 1, kOwnNode = kOwnName - 2;
+constexpr std::size_t kLongest = kOwnNode - 1;
+
+// The value's length, or what it stands for: nodes put the same text in both places.
+std::uint32_t MarkOf(std::string_view value, DirectoryRecordView const& record) {
+  auto const is = [value](std::string_view own) {
+    return value.data() == own.data() && value.size() == own.size();
+  };
+  if (is(record.name)) return kOwnName;
+  if (is(record.type)) return kOwnType;
+  if (is(record.node)) return kOwnNode;
+  return static_cast<std::uint32_t>(std::min(value.size(), kLongest));
 }
 
-void PutText(std::string_view text, char*& to) {
-  std::size_t const length = SizeOf(text) - kNumber;
-  PutNumber(static_cast<std::uint32_t>(length), to);
-  std::memcpy(to, text.data(), length);
-  to += length;
+std::size_t LengthOf(std::uint32_t mark) { return mark > kLongest ? 0 : mark; }
+
+void PutText(std::string_view text, std::uint32_t mark, char*& to) {
+  PutNumber(mark, to);
+  std::memcpy(to, text.data(), LengthOf(mark));
+  to += LengthOf(mark);
 }
 
 // Of bytes that were put as above.
@@ -40,12 +69,12 @@ class Reader {
     bytes_.remove_prefix(kNumber);
     return number;
   }
-  std::string_view Text() {
-    std::uint32_t const length = Number();
+  std::string_view Text(std::uint32_t length) {
     std::string_view const text(bytes_.data(), length);
     bytes_.remove_prefix(length);
     return text;
   }
+  std::string_view Name() { return Text(Number()); }
   bool is_at_end() const { return bytes_.empty(); }
 
  private:
@@ -88,17 +117,23 @@ void DirectoryRecords::Add(DirectoryRecord const& record) {
 }
 
 void DirectoryRecords::Add(DirectoryRecordView const& record) {
-  std::size_t size = kNumber + SizeOf(record.name);
-  for (std::string_view const value : record.values) size += SizeOf(value);
+  auto const name_length = static_cast<std::uint32_t>(std::min(record.name.size(), kLongest));
+  std::size_t size = 2 * kNumber + name_length;
+  marks_.clear();
+  for (std::string_view const value : record.values) {
+    marks_.push_back(MarkOf(value, record));
+    size += kNumber + LengthOf(marks_.back());
+  }
   char* const start = Reserve(size);
   char* to = start;
   PutNumber(KindOf(record), to);
-  PutText(record.name, to);
-  for (std::string_view const value : record.values) PutText(value, to);
+  PutText(record.name, name_length, to);
+  for (std::size_t i = 0; i < marks_.size(); ++i) PutText(record.values[i], marks_[i], to);
   records_.emplace_back(start, size);
 }
 
 bool DirectoryRecords::IsOfKind(DirectoryRecordView const& record, Kind const& kind) {
+  if (record.form != nullptr && record.form == kind.form) return true;
   return record.type == kind.type && record.node == kind.node &&
          std::ranges::equal(record.attributes, kind.attributes);
 }
@@ -111,6 +146,7 @@ std::uint32_t DirectoryRecords::KindOf(DirectoryRecordView const& record) {
     if (IsOfKind(record, kinds_[i])) return static_cast<std::uint32_t>(i);
   }
   Kind& kind = kinds_.emplace_back();
+  kind.form = record.form;
   kind.type = record.type;
   kind.node = record.node;
   for (auto const& attribute : record.attributes) kind.texts += attribute.name;
@@ -123,11 +159,12 @@ std::uint32_t DirectoryRecords::KindOf(DirectoryRecordView const& record) {
 }
 
 char* DirectoryRecords::Reserve(std::size_t size) {
-  constexpr std::size_t kBlock = 64 * 1024;
   bool const fits = !blocks_.empty() && blocks_.back().size - blocks_.back().used >= size;
   if (!fits) {
-    std::size_t const block_size = std::max(kBlock, size);
+    std::size_t const wanted = blocks_.empty() ? kFirstBlock : kBlock;
+    std::size_t const block_size = std::max(wanted, size);
     blocks_.push_back({std::make_unique_for_overwrite<char[]>(block_size), 0, block_size});
+    if (block_size == kBlock) Populate(blocks_.back().bytes.get(), block_size);
   }
   Block& block = blocks_.back();
   char* const reserved = block.bytes.get() + block.used;
@@ -148,16 +185,22 @@ void DirectoryRecords::Forget(std::size_t index) {
 std::string_view DirectoryRecords::NameAt(std::size_t index) const {
   Reader reader(records_[index]);
   reader.Number();
-  return reader.Text();
+  return reader.Name();
 }
 
 DirectoryRecordView DirectoryRecords::ViewAt(std::size_t index,
                                              std::vector<std::string_view>& values) const {
   Reader reader(records_[index]);
   Kind const& kind = kinds_[reader.Number()];
-  std::string_view const name = reader.Text();
+  std::string_view const name = reader.Name();
   values.clear();
-  while (!reader.is_at_end()) values.push_back(reader.Text());
+  while (!reader.is_at_end()) {
+    std::uint32_t const mark = reader.Number();
+    values.push_back(mark == kOwnName   ? name
+                     : mark == kOwnType ? std::string_view(kind.type)
+                     : mark == kOwnNode ? std::string_view(kind.node)
+                                        : reader.Text(mark));
+  }
   return {kind.type, name, kind.node, kind.attributes, values};
 }
 

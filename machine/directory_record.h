@@ -39,10 +39,18 @@ struct DirectoryAttributeView {
   bool operator==(DirectoryAttributeView const&) const = default;
 };
 
+// What many records have in common, for good.
+struct DirectoryRecordForm {
+  std::string_view type, node;
+  std::span<DirectoryAttributeView const> attributes;
+};
+
 struct DirectoryRecordView {
   std::string_view type, name, node;
   std::span<DirectoryAttributeView const> attributes;
   std::span<std::string_view const> values;
+  // Where it is known: the one that type, node and attributes are of.
+  DirectoryRecordForm const* form = nullptr;
 };
 
 // What a view looks at besides the texts. Taken for one record after another, it needs no new
@@ -86,8 +94,8 @@ class MACHINE_API DirectoryRecords {
   // Gives back the memory of records that nobody asks for any more, those before the index, as far
   // as a block has no other.
   void Forget(std::size_t index);
-  // Valid as long as this object and `values` are there and unchanged. Records of equal attributes
-  // have them at the same place, for the most part.
+  // Valid as long as this object and `values` are there and unchanged. Records whose types are at
+  // the same place have node and attributes in common, as most like records do.
   DirectoryRecordView ViewAt(std::size_t index, std::vector<std::string_view>& values) const;
   DirectoryRecord operator[](std::size_t index) const;
 
@@ -99,6 +107,7 @@ class MACHINE_API DirectoryRecords {
  private:
   // All but the name and the values.
   struct Kind {
+    DirectoryRecordForm const* form;
     std::string texts, type, node;
     std::vector<DirectoryAttributeView> attributes;  // their names are in the texts
   };
@@ -115,6 +124,7 @@ class MACHINE_API DirectoryRecords {
   std::deque<Kind> kinds_;
   std::deque<Block> blocks_;
   std::deque<std::string_view> records_;
+  std::vector<std::uint32_t> marks_;  // of the values of the record that is added
 };
 
 class DirectoryRecords::Iterator {

@@ -46,8 +46,6 @@ tDirStatus Free(void* entry) {
 
 tDirStatus dsGetRecordEntry(tDirNodeReference node, tDataBufferPtr buffer, UInt32 index,
                             tAttributeListRef* list, tRecordEntryPtr* result) {
-  tDirStatus const status = References::Shared().StatusOf<OpenNode>(node);
-  if (status != eDSNoErr) return status;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (list == nullptr || result == nullptr) return eDSNullParameter;
   auto record = RecordIn(*buffer, index);
@@ -59,8 +57,15 @@ tDirStatus dsGetRecordEntry(tDirNodeReference node, tDataBufferPtr buffer, UInt3
   if (entry == nullptr) return eDSAllocationFailed;
   PutShortText(PutShortText(DataOf(entry->fRecordNameAndType), name), type);
   entry->fRecordAttributeCount = record.value->attributes.count;
+  tDirStatus status = eDSNoErr;
+  UInt32 const opened = References::Shared().AddOf<OpenNode>(
+      node, OpenAttributeList{node, record.value->attributes}, status);
+  if (status != eDSNoErr) {
+    std::free(entry);
+    return status;
+  }
   *result = entry;
-  *list = References::Shared().Add(OpenAttributeList{node, record.value->attributes});
+  *list = opened;
   return eDSNoErr;
 }
 

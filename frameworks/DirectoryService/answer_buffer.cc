@@ -9,15 +9,21 @@ namespace {
 
 constexpr std::size_t kData = offsetof(tDataBuffer, fBufferData);
 
-// A buffer is: the content's kind, the count, where the places are, that many texts and their
-// places. A record's text is: where its
-// kind is, its name and its values, and the kind if the record before has another. A kind is a
-// text: the records' type, how many attributes, and as often a name and how many of the values. A
-// text is its length and bytes; numbers are 32 bits wide in the processor's order, and places count
-// from the content's start.
+// A buffer is: the content's kind, the count, where the places are, that many names of nodes or
+// records, and their places. A record is: where its kind is, its name and its values; then the kind
+// if the record before has another. A kind is: the records' type and node, how many attributes, and
+// as often a name and how many of the values. A text is its length and bytes, or where it is
+// already. Numbers are 32 bits wide in the processor's order; places count from the content's
+// start.
+constexpr UInt32 kIsThere = 0x8000'0000;
+
+// Reads the content from a place on.
 class Cursor {
  public:
-  explicit Cursor(std::string_view rest) : rest_(rest) {}
+  Cursor(std::string_view content, std::size_t start)
+      : content_(content),
+        rest_(content.substr(std::min(start, content.size()))),
+        is_good_(start <= content.size()) {}
 
   UInt32 Number() {
     UInt32 number = 0;
@@ -30,11 +36,8 @@ class Cursor {
 
   std::string_view Text() {
     UInt32 const length = Number();
-    if (rest_.size() < length) is_good_ = false;
-    if (!is_good_) return {};
-    std::string_view const text = rest_.substr(0, length);
-    rest_.remove_prefix(length);
-    return text;
+    if ((length & kIsThere) != 0) return TextAt(length & ~kIsThere);
+    return Bytes(length);
   }
 
   // So many texts, as far as there are.
@@ -42,45 +45,40 @@ class Cursor {
     for (; count > 0 && is_good_; --count) Text();
   }
 
-  std::string_view rest() const { return rest_; }
+  // Of the text that is there.
+  std::string_view TextAt(UInt32 start) {
+    Cursor there(content_, start);
+    std::string_view const text = there.Bytes(there.Number());
+    if (!there.is_good()) is_good_ = false;
+    return text;
+  }
+
+  UInt32 place() const { return static_cast<UInt32>(content_.size() - rest_.size()); }
   bool is_good() const { return is_good_; }
 
  private:
-  std::string_view rest_;
-  bool is_good_ = true;
+  std::string_view Bytes(UInt32 length) {
+    if (rest_.size() < length) is_good_ = false;
+    if (!is_good_) return {};
+    std::string_view const bytes = rest_.substr(0, length);
+    rest_.remove_prefix(length);
+    return bytes;
+  }
+
+  std::string_view content_, rest_;
+  bool is_good_;
 };
 
-PlaceInBuffer PlaceOf(tDataBuffer const& buffer, std::string_view text) {
-  return {static_cast<UInt32>(text.data() - ContentOf(buffer).data()),
-          static_cast<UInt32>(text.size())};
-}
-
-std::optional<std::string_view> TextAt(tDataBuffer const& buffer, PlaceInBuffer place) {
-  std::string_view const content = ContentOf(buffer);
-  bool const is_inside =
-      place.start <= content.size() && place.length <= content.size() - place.start;
-  if (!is_inside) return {};
-  return content.substr(place.start, place.length);
-}
-
-// The text whose length is there.
-std::optional<std::string_view> TextFrom(tDataBuffer const& buffer, UInt32 start) {
-  std::string_view const content = ContentOf(buffer);
-  if (start > content.size()) return {};
-  Cursor cursor(content.substr(start));
-  std::string_view const text = cursor.Text();
-  return cursor.is_good() ? std::optional(text) : std::nullopt;
-}
-
-Expected<std::string_view> ItemIn(tDataBuffer const& buffer, Content content, UInt32 index) {
-  Cursor cursor(ContentOf(buffer));
+// Where an item begins.
+Expected<UInt32> ItemIn(tDataBuffer const& buffer, Content content, UInt32 index) {
+  Cursor cursor(ContentOf(buffer), 0);
   if (cursor.Number() != static_cast<UInt32>(content)) return {{}, eDSInvalidBuffFormat};
   UInt32 const count = cursor.Number(), places = cursor.Number();
   if (cursor.is_good() && (index == 0 || index > count)) return {{}, eDSIndexOutOfRange};
-  auto const place = TextAt(buffer, {places, count * UInt32{sizeof(UInt32)}});
-  if (!cursor.is_good() || !place) return {{}, eDSCorruptBuffer};
-  auto const item = TextFrom(buffer, Cursor(place->substr((index - 1) * sizeof(UInt32))).Number());
-  return {item, item ? eDSNoErr : eDSCorruptBuffer};
+  Cursor place(ContentOf(buffer), places + (std::size_t{index} - 1) * sizeof(UInt32));
+  UInt32 const start = place.Number();
+  if (!cursor.is_good() || !place.is_good()) return {{}, eDSCorruptBuffer};
+  return {start, eDSNoErr};
 }
 
 }  // namespace
@@ -98,134 +96,129 @@ AnswerWriter::AnswerWriter(tDataBuffer& buffer, Content content) : buffer_(buffe
 }
 
 UInt32 AnswerWriter::Finish() {
-  is_full_ = false;
+  if (starts_.empty()) return 0;
   UInt32 const counts[] = {static_cast<UInt32>(starts_.size()), buffer_.fBufferLength};
-  char* const content = reinterpret_cast<char*>(&buffer_) + kData;
-  std::memcpy(content + buffer_.fBufferLength, starts_.data(), starts_.size() * sizeof(UInt32));
+  std::memcpy(ContentAt(buffer_.fBufferLength), starts_.data(), starts_.size() * sizeof(UInt32));
   buffer_.fBufferLength += counts[0] * UInt32{sizeof(UInt32)};
-  std::memcpy(content + sizeof(UInt32), counts, sizeof counts);
+  std::memcpy(ContentAt(sizeof(UInt32)), counts, sizeof counts);
   return counts[0];
+}
+
+char* AnswerWriter::ContentAt(std::size_t place) {
+  return reinterpret_cast<char*>(&buffer_) + kData + place;
+}
+
+void AnswerWriter::PutBytes(void const* bytes, std::size_t size) {
+  needed_ += size;
+  if (buffer_.fBufferSize - buffer_.fBufferLength < size) is_full_ = true;
+  if (is_full_) return;
+  std::memcpy(ContentAt(buffer_.fBufferLength), bytes, size);
+  buffer_.fBufferLength += static_cast<UInt32>(size);
 }
 
 void AnswerWriter::PutNumber(std::size_t number) {
   auto const value = static_cast<UInt32>(number);
-  needed_ += sizeof value;
-  std::size_t const left = buffer_.fBufferSize - buffer_.fBufferLength;
-  if (left < sizeof value || number > UINT32_MAX) is_full_ = true;
-  if (is_full_) return;
-  std::memcpy(reinterpret_cast<char*>(&buffer_) + kData + buffer_.fBufferLength, &value,
-              sizeof value);
-  buffer_.fBufferLength += sizeof value;
+  PutBytes(&value, sizeof value);
 }
 
-void AnswerWriter::PutText(std::string_view text) {
+// Where it is.
+UInt32 AnswerWriter::PutText(std::string_view text) {
+  UInt32 const start = buffer_.fBufferLength;
+  if (text.size() >= kIsThere) is_full_ = true;
   PutNumber(text.size());
-  needed_ += text.size();
-  if (buffer_.fBufferSize - buffer_.fBufferLength < text.size()) is_full_ = true;
-  if (is_full_) return;
-  std::memcpy(reinterpret_cast<char*>(&buffer_) + kData + buffer_.fBufferLength, text.data(),
-              text.size());
-  buffer_.fBufferLength += static_cast<UInt32>(text.size());
+  PutBytes(text.data(), text.size());
+  return start;
 }
 
 // Counts what was put since, or takes it back.
-bool AnswerWriter::Keep(UInt32 length_before) {
+bool AnswerWriter::Keep(UInt32 start) {
   // Its place is put behind everything at the end.
   std::size_t const places = (starts_.size() + 1) * sizeof(UInt32);
   needed_ += sizeof(UInt32);
   if (buffer_.fBufferSize - buffer_.fBufferLength < places) is_full_ = true;
   if (is_full_) {
-    buffer_.fBufferLength = length_before;
+    buffer_.fBufferLength = start;
     return false;
   }
-  starts_.push_back(length_before);
+  starts_.push_back(start);
   return true;
 }
 
-bool AnswerWriter::Append(std::string_view node_name) {
-  UInt32 const before = buffer_.fBufferLength;
-  PutText(node_name);
-  return Keep(before);
-}
-
-// A text within a text: its length is known when it is there.
-template <typename Put>
-void AnswerWriter::PutNested(Put const& put) {
-  UInt32 const start = buffer_.fBufferLength;
-  PutNumber(0);
-  put();
-  if (is_full_) return;
-  UInt32 const length = buffer_.fBufferLength - start - UInt32{sizeof(UInt32)};
-  std::memcpy(reinterpret_cast<char*>(&buffer_) + kData + start, &length, sizeof length);
-}
-
-UInt32 AnswerWriter::PutKind(machine::DirectoryRecordView const& record, bool has_values) {
-  UInt32 const start = buffer_.fBufferLength;
-  PutNested([&] {
-    PutText(record.type);
-    PutNumber(record.attributes.size());
-    for (auto const& [name, count] : record.attributes) {
-      PutText(name);
-      PutNumber(has_values ? count : 0);
-    }
-  });
-  return start;
-}
+bool AnswerWriter::Append(std::string_view node_name) { return Keep(PutText(node_name)); }
 
 bool AnswerWriter::Append(machine::DirectoryRecordView const& record, bool has_values) {
-  UInt32 const before = buffer_.fBufferLength;
-  Kind kind = kind_;
-  PutNested([&] {
-    UInt32 const start = buffer_.fBufferLength;
-    bool const is_new = kind.start == 0 || kind.attributes != record.attributes.data();
-    PutNumber(kind.start);
-    PutText(record.name);
-    if (has_values) std::ranges::for_each(record.values, [this](auto text) { PutText(text); });
-    if (!is_new) return;
-    kind = {record.attributes.data(), PutKind(record, has_values)};
-    if (is_full_) return;
-    std::memcpy(reinterpret_cast<char*>(&buffer_) + kData + start, &kind.start, sizeof kind.start);
-  });
-  if (!is_full_) kind_ = kind;
-  return Keep(before);
+  UInt32 const start = buffer_.fBufferLength;
+  Kind const before = kind_;
+  bool const is_new = kind_.start == 0 || kind_.identity != record.type.data();
+  if (is_new) kind_ = {record.type.data(), 0, 0, 0};
+  PutNumber(kind_.start);
+  UInt32 const name = PutText(record.name);
+  if (has_values) {
+    for (std::string_view const value : record.values) PutValue(value, record, name);
+  }
+  if (is_new) PutKind(record, has_values);
+  if (is_new && !is_full_) std::memcpy(ContentAt(start), &kind_.start, sizeof kind_.start);
+  bool const is_kept = Keep(start);
+  if (!is_kept) kind_ = before;
+  return is_kept;
+}
+
+// Nodes put the record's name, type and node among the values.
+void AnswerWriter::PutValue(std::string_view value, machine::DirectoryRecordView const& record,
+                            UInt32 name) {
+  auto const is = [value](std::string_view known) {
+    return value.data() == known.data() && value.size() == known.size();
+  };
+  if (is(record.name)) return PutNumber(name | kIsThere);
+  if (kind_.type != 0 && is(record.type)) return PutNumber(kind_.type | kIsThere);
+  if (kind_.node != 0 && is(record.node)) return PutNumber(kind_.node | kIsThere);
+  PutText(value);
+}
+
+void AnswerWriter::PutKind(machine::DirectoryRecordView const& record, bool has_values) {
+  kind_.start = kind_.type = PutText(record.type);
+  kind_.node = PutText(record.node);
+  PutNumber(record.attributes.size());
+  for (auto const& [name, count] : record.attributes) {
+    PutText(name);
+    PutNumber(has_values ? count : 0);
+  }
 }
 
 Expected<std::string_view> NodeNameIn(tDataBuffer const& buffer, UInt32 index) {
-  return ItemIn(buffer, Content::kNodeNames, index);
+  Expected<UInt32> const start = ItemIn(buffer, Content::kNodeNames, index);
+  if (!start.value) return {{}, start.status};
+  Cursor cursor(ContentOf(buffer), *start.value);
+  std::string_view const name = cursor.Text();
+  if (!cursor.is_good()) return {{}, eDSCorruptBuffer};
+  return {name, eDSNoErr};
 }
 
 Expected<RecordInBuffer> RecordIn(tDataBuffer const& buffer, UInt32 index) {
-  Expected<std::string_view> const item = ItemIn(buffer, Content::kRecords, index);
-  if (!item.value) return {{}, item.status};
-  Cursor cursor(*item.value);
-  auto const kind = TextFrom(buffer, cursor.Number());
+  Expected<UInt32> const start = ItemIn(buffer, Content::kRecords, index);
+  if (!start.value) return {{}, start.status};
+  Cursor cursor(ContentOf(buffer), *start.value);
+  Cursor kind(ContentOf(buffer), cursor.Number());
   RecordInBuffer record;
   record.name = cursor.Text();
-  if (!cursor.is_good() || !kind) return {{}, eDSCorruptBuffer};
-  record.attributes.values = PlaceOf(buffer, cursor.rest());
-  Cursor attributes(*kind);
-  record.type = attributes.Text();
-  record.attributes.count = attributes.Number();
-  if (!attributes.is_good()) return {{}, eDSCorruptBuffer};
-  record.attributes.attributes = PlaceOf(buffer, attributes.rest());
+  record.type = kind.Text();
+  kind.Skip(1);
+  record.attributes = {kind.Number(), kind.place(), cursor.place()};
+  if (!cursor.is_good() || !kind.is_good()) return {{}, eDSCorruptBuffer};
   return {record, eDSNoErr};
 }
 
 Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer,
                                         AttributesInBuffer const& attributes, UInt32 index) {
   if (index == 0 || index > attributes.count) return {{}, eDSIndexOutOfRange};
-  auto const names = TextAt(buffer, attributes.attributes);
-  auto const values = TextAt(buffer, attributes.values);
-  if (!names || !values) return {{}, eDSCorruptBuffer};
-  Cursor name(*names), value(*values);
+  Cursor name(ContentOf(buffer), attributes.start), value(ContentOf(buffer), attributes.values);
   for (; index > 1 && name.is_good(); --index) {
-    name.Text();
+    name.Skip(1);
     value.Skip(name.Number());
   }
   AttributeInBuffer attribute;
   attribute.name = name.Text();
-  attribute.values.count = name.Number();
-  attribute.values.place = PlaceOf(buffer, value.rest());
+  attribute.values = {name.Number(), value.place(), 1, value.place()};
   for (UInt32 i = 0; i < attribute.values.count && value.is_good(); ++i) {
     auto const size = static_cast<UInt32>(value.Text().size());
     attribute.data_size += size;
@@ -239,18 +232,16 @@ Expected<std::string_view> ValueIn(tDataBuffer const& buffer, ValuesInBuffer& va
                                    UInt32 index) {
   constexpr UInt32 kFar = 16;
   if (index == 0 || index > values.count) return {{}, eDSIndexOutOfRange};
-  auto const text = TextAt(buffer, values.place);
-  if (!text) return {{}, eDSCorruptBuffer};
-  bool const is_behind = index >= values.known_index && values.known_start <= text->size();
-  UInt32 const hops = is_behind ? index - values.known_index : index - 1;
-  Cursor cursor(text->substr(is_behind ? values.known_start : 0));
+  bool const is_behind = index >= values.known_index;
+  UInt32 const hops = index - (is_behind ? values.known_index : 1);
+  Cursor cursor(ContentOf(buffer), is_behind ? values.known_start : values.start);
   cursor.Skip(hops);
-  std::string_view const rest = cursor.rest();
+  UInt32 const start = cursor.place();
   std::string_view const value = cursor.Text();
   if (!cursor.is_good()) return {{}, eDSCorruptBuffer};
   if (hops > kFar) {
     values.known_index = index;
-    values.known_start = static_cast<UInt32>(rest.data() - text->data());
+    values.known_start = start;
   }
   return {value, eDSNoErr};
 }

@@ -21,7 +21,7 @@ class AnswerWriter {
   // The buffer holds nothing until the end. False from `Append` when it is too small for that too.
   AnswerWriter(tDataBuffer& buffer, Content content);
   bool Append(std::string_view node_name);
-  // Attributes that were appended stay where they are: equal ones are told by their place.
+  // Of records of one `DirectoryRecords`, whose kinds are told by the place of their type.
   bool Append(machine::DirectoryRecordView const& record, bool has_values);
   // How much the buffer holds then.
   UInt32 Finish();
@@ -29,34 +29,32 @@ class AnswerWriter {
   std::size_t needed_size() const { return needed_; }
 
  private:
-  void PutNumber(std::size_t number);
-  void PutText(std::string_view text);
-  bool Keep(UInt32 length_before);
-  template <typename Put>
-  void PutNested(Put const& put);
-  UInt32 PutKind(machine::DirectoryRecordView const& record, bool has_values);
-
   // What records of one kind have in common, and where the buffer has it.
   struct Kind {
-    machine::DirectoryAttributeView const* attributes = nullptr;
-    UInt32 start = 0;
+    char const* identity;
+    UInt32 start, type, node;
   };
 
+  char* ContentAt(std::size_t place);
+  void PutBytes(void const* bytes, std::size_t size);
+  void PutNumber(std::size_t number);
+  UInt32 PutText(std::string_view text);
+  void PutValue(std::string_view value, machine::DirectoryRecordView const& record, UInt32 name);
+  void PutKind(machine::DirectoryRecordView const& record, bool has_values);
+  bool Keep(UInt32 start);
+
   tDataBuffer& buffer_;
-  Kind kind_;                   // of the record before
+  Kind kind_ = {};              // of the record before
   std::vector<UInt32> starts_;  // of what was appended
   std::size_t needed_ = 0;
   bool is_full_ = false;
 };
 
-// Where in the buffer's content something is: what is opened is found again without counting up to
-// it, and each time without trust.
-struct PlaceInBuffer {
-  UInt32 start = 0, length = 0;
-};
+// Places count from the start of the buffer's content: what is opened is found again without
+// counting up to it, and each time without trust.
 struct AttributesInBuffer {
   UInt32 count = 0;
-  PlaceInBuffer attributes, values;
+  UInt32 start = 0, values = 0;  // of their names and of their values
 };
 
 // Texts are in the buffer. Nothing where it does not hold what is asked for.
@@ -67,9 +65,8 @@ struct RecordInBuffer {
 // An attribute may have thousands of values, each of them asked for: the search for one begins at
 // the last that was far from where it began.
 struct ValuesInBuffer {
-  UInt32 count = 0;
-  PlaceInBuffer place;
-  UInt32 known_index = 1, known_start = 0;  // counted from the place's start
+  UInt32 count = 0, start = 0;
+  UInt32 known_index = 1, known_start = 0;
 };
 struct AttributeInBuffer {
   std::string_view name;

@@ -30,8 +30,9 @@ References::Reference const* References::Locate(UInt32 number) const {
 }
 
 // What is opened later has the higher number, so one pass finds the lists of a service's nodes too.
-void References::Remove(Reference const& reference) {
+References::Reference References::Remove(Reference const& reference) {
   auto kept_end = open_.begin() + (&reference - open_.data());
+  Reference removed = std::move(*kept_end);
   for (auto at = kept_end + 1; at != open_.end(); ++at) {
     UInt32 const parent = ParentOf(*at);
     bool const is_orphan =
@@ -40,6 +41,7 @@ void References::Remove(Reference const& reference) {
     if (!is_orphan) *kept_end++ = std::move(*at);
   }
   open_.erase(kept_end, open_.end());
+  return removed;
 }
 
 OpenNode References::NodeOfContinued(UInt32 number) const {

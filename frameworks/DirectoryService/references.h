@@ -3,11 +3,13 @@
 
 #include <DirectoryService/DirServicesTypes.h>
 
+#include <atomic>
 #include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <thread>
 #include <variant>
 #include <vector>
 
@@ -60,8 +62,14 @@ class References {
   template <typename Opened>
   UInt32 Add(Opened opened) {
     std::lock_guard lock(guard_);
-    open_.push_back({++last_, std::move(opened)});
-    return last_;
+    return AddLocked(std::move(opened));
+  }
+  // 0, and a status, when what it is opened of is not open.
+  template <typename Parent, typename Opened>
+  UInt32 AddOf(UInt32 parent, Opened opened, tDirStatus& status) {
+    std::lock_guard lock(guard_);
+    status = StatusAs<Parent>(Locate(parent));
+    return status == eDSNoErr ? AddLocked(std::move(opened)) : 0;
   }
 
   // A copy of what the number stands for, which keeps a node there; nothing when the number is not
@@ -92,10 +100,11 @@ class References {
 
   template <typename Opened>
   tDirStatus Close(UInt32 number) {
+    Reference closed;  // and what it holds ends when the guard is free
     std::lock_guard lock(guard_);
     Reference const* const reference = Locate(number);
     tDirStatus const status = StatusAs<Opened>(reference);
-    if (status == eDSNoErr) Remove(*reference);
+    if (status == eDSNoErr) closed = Remove(*reference);
     return status;
   }
 
@@ -105,11 +114,28 @@ class References {
   std::size_t count() const;
 
  private:
+  // Held for a few instructions, since a list of accounts is read by millions of calls.
+  class Guard {
+   public:
+    void lock() {
+      while (held_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
+    }
+    void unlock() { held_.clear(std::memory_order_release); }
+
+   private:
+    std::atomic_flag held_;
+  };
+
   struct Reference {
-    UInt32 number;
+    UInt32 number = 0;
     std::variant<OpenService, OpenNode, OpenAttributeList, OpenValueList> opened;
   };
 
+  template <typename Opened>
+  UInt32 AddLocked(Opened opened) {
+    open_.push_back({++last_, std::move(opened)});
+    return last_;
+  }
   template <typename Opened>
   static tDirStatus StatusAs(Reference const* reference) {
     if (reference == nullptr) return eDSInvalidReference;
@@ -120,9 +146,9 @@ class References {
   // For who holds the guard. Null when the number is not open.
   Reference const* Locate(UInt32 number) const;
   // With all that was opened of it.
-  void Remove(Reference const& reference);
+  Reference Remove(Reference const& reference);
 
-  mutable std::mutex guard_;
+  mutable Guard guard_;
   // By ascending number, as they were opened. What was opened last is mostly closed first.
   std::vector<Reference> open_;
   UInt32 last_ = 0;

@@ -3,6 +3,8 @@
 #include <grp.h>
 #include <pwd.h>
 
+#include <array>
+#include <charconv>
 #include <cstdio>
 #include <memory>
 #include <mutex>
@@ -14,6 +16,18 @@
 namespace machine::live {
 namespace {
 
+// In the order of a record's values. The last ones may be missing.
+constexpr DirectoryAttributeView kUserAttributes[] = {{kRecordName, 1},
+                                                      {kRecordType, 1},
+                                                      {kRecordNode, 1},
+                                                      {"dsAttrTypeStandard:UniqueID", 1},
+                                                      {"dsAttrTypeStandard:PrimaryGroupID", 1},
+                                                      {"dsAttrTypeStandard:NFSHomeDirectory", 1},
+                                                      {"dsAttrTypeStandard:RealName", 1},
+                                                      {"dsAttrTypeStandard:UserShell", 1}};
+constexpr std::size_t kFirstOptional = 5;
+constexpr DirectoryRecordForm kUserForm = {kUserRecords, kLocalNode, kUserAttributes};
+
 // A record's texts where the answer finds them; taken for one record after another.
 class LocalRecord {
  public:
@@ -22,53 +36,54 @@ class LocalRecord {
   DirectoryRecordView Of(group const& group);
 
  private:
-  void Begin(std::string_view type, std::string_view name);
-  void AddUnlessEmpty(std::string_view attribute, char const* value) {
-    if (value != nullptr && *value != '\0') parts_.Add(attribute, std::string_view(value));
-  }
-  void AddNumber(std::string_view attribute, std::uint64_t number, std::string& text) {
-    parts_.Add(attribute, std::string_view(text = std::to_string(number)));
-  }
-  DirectoryRecordView View() const {
-    return {type_, name_, kLocalNode, parts_.attributes, parts_.values};
+  // Room for a number's digits.
+  using Digits = std::array<char, 16>;
+  static std::string_view Write(std::uint32_t number, Digits& digits) {
+    return {digits.begin(), std::to_chars(digits.begin(), digits.end(), number).ptr};
   }
 
-  std::string_view type_, name_;
-  std::string number_, group_number_;
+  Digits number_, group_number_;
   DirectoryRecordParts parts_;
 };
 
-void LocalRecord::Begin(std::string_view type, std::string_view name) {
-  type_ = type;
-  name_ = name;
-  parts_.Clear();
-  parts_.Add(kRecordName, name);
-  parts_.Add(kRecordType, type);
-  parts_.Add(kRecordNode, std::string_view(kLocalNode));
-}
+std::string_view TextOf(char const* text) { return text == nullptr ? std::string_view() : text; }
 
 // The comment's first part is the name, then come rooms and telephones.
 DirectoryRecordView LocalRecord::Of(passwd const& user) {
-  Begin(kUserRecords, user.pw_name);
-  std::string_view const comment = user.pw_gecos == nullptr ? "" : user.pw_gecos;
-  std::string_view const real_name = comment.substr(0, comment.find(','));
-  AddNumber("dsAttrTypeStandard:UniqueID", user.pw_uid, number_);
-  AddNumber("dsAttrTypeStandard:PrimaryGroupID", user.pw_gid, group_number_);
-  AddUnlessEmpty("dsAttrTypeStandard:NFSHomeDirectory", user.pw_dir);
-  if (!real_name.empty()) parts_.Add("dsAttrTypeStandard:RealName", real_name);
-  AddUnlessEmpty("dsAttrTypeStandard:UserShell", user.pw_shell);
-  return View();
+  std::string_view const name = user.pw_name, comment = TextOf(user.pw_gecos);
+  std::string_view const values[] = {name,
+                                     kUserForm.type,
+                                     kUserForm.node,
+                                     Write(user.pw_uid, number_),
+                                     Write(user.pw_gid, group_number_),
+                                     TextOf(user.pw_dir),
+                                     comment.substr(0, comment.find(',')),
+                                     TextOf(user.pw_shell)};
+  static_assert(std::size(values) == std::size(kUserAttributes));
+  bool is_whole = true;
+  parts_.Clear();
+  for (std::size_t i = 0; i < std::size(values); ++i) {
+    bool const is_there = i < kFirstOptional || !values[i].empty();
+    if (is_there) parts_.Add(kUserAttributes[i].name, values[i]);
+    if (!is_there) is_whole = false;
+  }
+  return {kUserForm.type,    name,          kUserForm.node,
+          parts_.attributes, parts_.values, is_whole ? &kUserForm : nullptr};
 }
 
 DirectoryRecordView LocalRecord::Of(group const& group) {
-  Begin(kGroupRecords, group.gr_name);
-  AddNumber("dsAttrTypeStandard:PrimaryGroupID", group.gr_gid, group_number_);
+  std::string_view const name = group.gr_name, node = kLocalNode;
+  parts_.Clear();
+  parts_.Add(kRecordName, name);
+  parts_.Add(kRecordType, kGroupRecords);
+  parts_.Add(kRecordNode, node);
+  parts_.Add("dsAttrTypeStandard:PrimaryGroupID", Write(group.gr_gid, group_number_));
   std::vector<std::string_view> members;
   for (char* const* member = group.gr_mem; *member != nullptr; ++member) {
     if (**member != '\0') members.emplace_back(*member);
   }
   if (!members.empty()) parts_.Add("dsAttrTypeStandard:GroupMembership", members);
-  return View();
+  return {kGroupRecords, name, node, parts_.attributes, parts_.values};
 }
 
 // The calls of the name service for one kind of record.

@@ -185,6 +185,64 @@ TEST_F(DirectoryService, ContinuesWhereTheBufferEnded) {
             eDSInvalidContinueData);
 }
 
+// Of which no two that follow one another have all in common, or nothing.
+TEST_F(DirectoryService, HandsOutRecordsOfManyKinds) {
+  directory->answers_as_is = true;
+  directory->records = {{"A", "bare", "n", {}},
+                        {"B", "bare", "n", {}},
+                        {"B", "b", "n", {{"x", {"b", "B", "n"}}, {"none", {}}, {"y", {""}}}},
+                        {"B", "c", "n", {{"x", {"b", "B", "n"}}, {"none", {}}, {"y", {"c"}}}},
+                        {"B", "c", "m", {{"x", {"m"}}}},
+                        {"B", "c", "m", {{"x", {"c", "B"}}}}};
+  for (machine::DirectoryRecord& record : directory->records) {
+    if (!record.attributes.empty()) record.Add(machine::kRecordName, record.name);
+  }
+  std::vector<std::string> const found[] = {
+      {}, {}, {"b", "B", "n", "", "b"}, {"b", "B", "n", "c", "c"}, {"m", "c"}, {"c", "B", "c"}};
+  UInt32 smallest = 0;
+  for (UInt32 size = 0; size < 600; ++size) {
+    Buffer const buffer = Allocate(size);
+    UInt32 count = 0;
+    tDirStatus const status = Ask(buffer.get(), "a", kDSAttributesAll, count, nullptr);
+    if (status == eDSBufferTooSmall) continue;
+    ASSERT_EQ(status, eDSNoErr);
+    if (count == std::size(found) && smallest == 0) smallest = size;
+    for (UInt32 i = 1; i <= count; ++i) {
+      std::vector<std::string> values;
+      EXPECT_EQ(ReadValues(buffer.get(), i, values), eDSNoErr);
+      EXPECT_EQ(values, found[i - 1]) << i << " of " << size;
+    }
+  }
+  EXPECT_GT(smallest, 300u);
+}
+
+TEST_F(DirectoryService, FindsValuesInAnyOrder) {
+  std::vector<std::string> sids;
+  for (int i = 1; i <= 200; ++i) sids.push_back(std::to_string(i));
+  directory->Add("ann", sids);
+  Buffer const buffer = Allocate(8192);
+  UInt32 count = 0;
+  ASSERT_EQ(Ask(buffer.get(), "ann", kSids, count, nullptr), eDSNoErr);
+  tAttributeListRef list = 0;
+  tAttributeValueListRef values = 0;
+  tRecordEntryPtr record = nullptr;
+  tAttributeEntryPtr attribute = nullptr;
+  ASSERT_EQ(dsGetRecordEntry(node, buffer.get(), 1, &list, &record), eDSNoErr);
+  ASSERT_EQ(dsGetAttributeEntry(node, buffer.get(), list, 1, &values, &attribute), eDSNoErr);
+  EXPECT_EQ(attribute->fAttributeDataSize, 492u);
+  EXPECT_EQ(attribute->fAttributeValueMaxSize, 3u);
+  for (UInt32 index : {100, 101, 99, 200, 199, 1, 150, 2}) {
+    tAttributeValueEntryPtr value = nullptr;
+    ASSERT_EQ(dsGetAttributeValue(node, buffer.get(), index, values, &value), eDSNoErr);
+    EXPECT_EQ(BytesOf(value->fAttributeValueData), std::to_string(index));
+    dsDeallocAttributeValueEntry(service, value);
+  }
+  tAttributeValueEntryPtr none = nullptr;
+  EXPECT_EQ(dsGetAttributeValue(node, buffer.get(), 201, values, &none), eDSIndexOutOfRange);
+  dsDeallocRecordEntry(service, record);
+  dsDeallocAttributeEntry(service, attribute);
+}
+
 TEST_F(DirectoryService, SearchesByValue) {
   directory->Add("ann", {"S-1-5-7"});
   directory->Add("bob", {"S-1-5-8"});
