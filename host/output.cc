@@ -1,5 +1,6 @@
 #include "host/output.h"
 
+#include <time.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -16,10 +17,16 @@ constexpr std::chrono::milliseconds kFlushInterval{250};
 
 }  // namespace
 
+std::chrono::nanoseconds Output::Now() {
+  timespec now = {};
+  ::clock_gettime(CLOCK_MONOTONIC_COARSE, &now);
+  return std::chrono::seconds(now.tv_sec) + std::chrono::nanoseconds(now.tv_nsec);
+}
+
 void Output::Write(std::string_view bytes) {
   if (IsBroken()) return;
   buffer_ += bytes;
-  if (buffer_.size() >= kFlushSize || Clock::now() - last_flush_ >= kFlushInterval) Flush();
+  if (buffer_.size() >= kFlushSize || Now() - last_flush_ >= kFlushInterval) Flush();
 }
 
 void Output::Flush() {
@@ -33,7 +40,7 @@ void Output::Flush() {
     }
   }
   buffer_.clear();
-  last_flush_ = Clock::now();
+  last_flush_ = Now();
 }
 
 void AppendShown(std::string& out, std::string_view text) {
