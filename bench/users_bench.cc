@@ -5,7 +5,6 @@
 #include <sys/mount.h>
 #include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <string>
@@ -24,9 +23,6 @@ void Run(benchmark::State& state, std::vector<std::string> const& words) {
     }
   }
 }
-
-void UsersByCommand(benchmark::State& state) { Run(state, {GATOTU_PROGRAM, "names of users"}); }
-void UsersByGetent(benchmark::State& state) { Run(state, {GETENT_PROGRAM, "passwd"}); }
 
 std::string ManyAccounts() {
   std::string text = "root:x:0:0:root:/root:/bin/bash\n";
@@ -52,28 +48,25 @@ bool ReplaceAccounts() {
   return is_replaced;
 }
 
-void Register(std::string const& accounts) {
-  auto const add = [&accounts](char const* name, auto* run) {
-    benchmark::RegisterBenchmark((name + accounts).c_str(), run)
-        ->Unit(benchmark::kMicrosecond)
-        ->UseRealTime()
-        ->MinTime(2);
-  };
-  add("UsersByGetent/", &UsersByGetent);
-  add("UsersByCommand/", &UsersByCommand);
+void RunWithMany(benchmark::State& state, std::vector<std::string> const& words) {
+  static bool const is_replaced = ReplaceAccounts();
+  if (!is_replaced) return state.SkipWithError("this machine's list cannot be replaced");
+  Run(state, words);
 }
+
+void UsersByGetent(benchmark::State& state) { Run(state, {GETENT_PROGRAM, "passwd"}); }
+void UsersByCommand(benchmark::State& state) { Run(state, {GATOTU_PROGRAM, "names of users"}); }
+// Behind those, whose list they replace.
+void ManyByGetent(benchmark::State& state) { RunWithMany(state, {GETENT_PROGRAM, "passwd"}); }
+void ManyByCommand(benchmark::State& state) {
+  RunWithMany(state, {GATOTU_PROGRAM, "names of users"});
+}
+
+BENCHMARK(UsersByGetent)->Unit(benchmark::kMicrosecond)->UseRealTime()->MinTime(2);
+BENCHMARK(UsersByCommand)->Unit(benchmark::kMicrosecond)->UseRealTime()->MinTime(2);
+BENCHMARK(ManyByGetent)->Unit(benchmark::kMicrosecond)->UseRealTime()->MinTime(2);
+BENCHMARK(ManyByCommand)->Unit(benchmark::kMicrosecond)->UseRealTime()->MinTime(2);
 
 }  // namespace
 
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  Register("Own");
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::ClearRegisteredBenchmarks();
-  if (!ReplaceAccounts()) {
-    std::puts("not over many accounts: their list cannot be put in place of this machine's");
-    return 0;
-  }
-  Register("Many");
-  benchmark::RunSpecifiedBenchmarks();
-}
+BENCHMARK_MAIN();
