@@ -26,7 +26,8 @@ elseif(GATOTU_SANITIZE_THREAD)
 else()
   target_compile_options(gatotu_options INTERFACE -fstack-protector-strong
     $<$<CONFIG:Release>:-D_FORTIFY_SOURCE=2>)
-  target_link_options(gatotu_options INTERFACE -Wl,-z,relro -Wl,-z,noexecstack -Wl,--as-needed)
+  target_link_options(gatotu_options INTERFACE
+    -Wl,-z,relro -Wl,-z,noexecstack -Wl,--as-needed $<$<CONFIG:Release>:-Wl,-O1>)
 endif()
 
 # Every room's library lands in one folder, so that the program and the plug-in find one another.
