@@ -1,6 +1,7 @@
 #include "evaluator/vocabulary_index.h"
 
 #include <algorithm>
+#include <tuple>
 #include <utility>
 
 namespace gatotu {
@@ -20,6 +21,15 @@ ValueType::Kind KindOf(std::string_view name) {
 bool MeansTheSame(PropertyEntry const& a, PropertyEntry const& b) {
   return a.singular == b.singular && a.plural == b.plural && a.parameter == b.parameter &&
          a.object == b.object && a.result == b.result && a.is_iterated == b.is_iterated;
+}
+
+// The first registration of a name stands.
+TypeRecord const* FindTypeRecord(std::string_view name) {
+  for (Record const* record = registry.types.head; record != nullptr; record = record->next) {
+    auto const* const type = static_cast<TypeRecord const*>(record);
+    if (type->name == name) return type;
+  }
+  return nullptr;
 }
 
 // The types of a base chain, nearest first, however the chain is made.
@@ -56,35 +66,38 @@ std::shared_ptr<VocabularyIndex> VocabularyIndex::Current() {
   return current;
 }
 
-VocabularyIndex::VocabularyIndex() {
-  types_by_name_.reserve(2 * registry.types.count);
-  world_ = MentionType("");
-  string_ = MentionType("string");
-  integer_ = MentionType("integer");
-  boolean_ = MentionType("boolean");
-  AddTypes();
+VocabularyIndex::VocabularyIndex()
+    : world_(MentionType("")),
+      string_(MentionType("string")),
+      integer_(MentionType("integer")),
+      boolean_(MentionType("boolean")) {}
+
+// Iterative, since a chain of bases is as long as plug-ins make it, or closed.
+TypeEntry* VocabularyIndex::MentionType(std::string_view name) {
+  auto [mentioned, is_new] = NameType(name);
+  for (TypeEntry* entry = mentioned; is_new;) {
+    TypeRecord const* const record = FindTypeRecord(entry->name);
+    if (record == nullptr) break;
+    entry->is_registered = true;
+    entry->size = record->size;
+    entry->destroy = record->destroy;
+    entry->is_copyable = record->fingerprinting == kPlainBytes;
+    if (*record->base == '\0') break;
+    TypeEntry& derived = *entry;
+    std::tie(entry, is_new) = NameType(record->base);
+    derived.base = entry;
+  }
+  return mentioned;
 }
 
-TypeEntry* VocabularyIndex::MentionType(char const* name) {
-  auto found = types_by_name_.find(name);
-  if (found != types_by_name_.end()) return found->second;
+std::pair<TypeEntry*, bool> VocabularyIndex::NameType(std::string_view name) {
+  auto const known = types_by_name_.find(name);
+  if (known != types_by_name_.end()) return {known->second, false};
   TypeEntry& entry = types_.emplace_back();
   entry.name = name;
   entry.kind = KindOf(entry.name);
   types_by_name_.emplace(entry.name, &entry);
-  return &entry;
-}
-
-void VocabularyIndex::AddTypes() {
-  ForEachRecord<TypeRecord>(registry.types, [&](TypeRecord const& record) {
-    TypeEntry& entry = *MentionType(record.name);
-    if (entry.is_registered) return;  // the first registration of a name stands
-    entry.is_registered = true;
-    entry.size = record.size;
-    entry.destroy = record.destroy;
-    entry.is_copyable = record.fingerprinting == kPlainBytes;
-    if (*record.base != '\0') entry.base = MentionType(record.base);
-  });
+  return {&entry, true};
 }
 
 PhraseTable const& VocabularyIndex::Phrases() {
@@ -189,9 +202,8 @@ VocabularyIndex::OperatorsByCode const& VocabularyIndex::Operators() {
   return *operators_;
 }
 
-TypeEntry const* VocabularyIndex::FindType(std::string_view name) const {
-  auto found = types_by_name_.find(name);
-  return found != types_by_name_.end() ? found->second : nullptr;
+TypeEntry const* VocabularyIndex::FindType(std::string_view name) {
+  return FindTypeRecord(name) != nullptr ? MentionType(name) : nullptr;
 }
 
 CastEntry const* VocabularyIndex::FindCast(TypeEntry const& type, std::string_view name) {

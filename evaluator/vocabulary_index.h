@@ -15,6 +15,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
 #include "evaluator/evaluator.h"
@@ -85,8 +86,8 @@ class VocabularyIndex {
   std::size_t LongestPhrase() { return Phrases().LongestPhrase(); }  // in words
   std::size_t LongestCast();
 
-  // Null when nothing has registered it, and no registration that was looked at mentions it.
-  TypeEntry const* FindType(std::string_view name) const;
+  // Null when nothing has registered it.
+  TypeEntry const* FindType(std::string_view name);
   TypeEntry const& World() const { return *world_; }
   TypeEntry const& String() const { return *string_; }
   TypeEntry const& Integer() const { return *integer_; }
@@ -112,8 +113,10 @@ class VocabularyIndex {
   using OperatorsByCode = std::array<std::vector<OperatorEntry>, kOperatorEndsWith + 1>;
 
   VocabularyIndex();
-  TypeEntry* MentionType(char const* name);
-  void AddTypes();
+  // With its bases; a name that nothing has registered is a type all the same.
+  TypeEntry* MentionType(std::string_view name);
+  // The entry of that name alone, and whether it is new.
+  std::pair<TypeEntry*, bool> NameType(std::string_view name);
   PhraseTable const& Phrases();
   PropertyEntry const& EntryOf(PropertyRecord const& record);
   void AddProperty(PropertyRecord const& record);
