@@ -30,11 +30,12 @@ std::atomic<bool> interrupted{false};
 std::atomic<bool> interrupt_unhandled{false};
 std::atomic<int> wake_descriptor{-1};
 
-// What the thread looks at while others come and go. It may still run when static destructors do,
-// and none of these has one.
+// What the thread looks at. It may still run when static destructors do, and these have none.
 std::mutex watching;
-bool is_thread_started = false;
 Watchdog* watched = nullptr;
+
+// The evaluating thread's own.
+bool is_thread_started = false;
 
 void Wake() {
   std::uint64_t const one = 1;
