@@ -119,7 +119,7 @@ Compiler::Typed Compiler::ReportCast(SyntaxNode const& node, TypeEntry const& ty
   diagnostics_.Report("unknown-cast", node.span, name + " cannot be taken as \"" + node.text + '"',
                       nearest.Found(), std::move(notes));
   TypeEntry const* meant = vocabulary_.FindType(node.text);
-  return {nullptr, meant != nullptr && meant->is_registered ? types_.Of(*meant) : nullptr};
+  return {nullptr, meant != nullptr ? types_.Of(*meant) : nullptr};
 }
 
 }  // namespace gatotu

@@ -107,8 +107,8 @@ TypeEntry const* Compiler::RequireObject(Typed const& typed, Span span) {
   return nullptr;
 }
 
-PlanPointer CompileSyntax(SyntaxNode const& root, VocabularyIndex const& vocabulary,
-                          StaticTypes& types, FrameLayout& layout, Diagnostics& diagnostics) {
+PlanPointer CompileSyntax(SyntaxNode const& root, VocabularyIndex& vocabulary, StaticTypes& types,
+                          FrameLayout& layout, Diagnostics& diagnostics) {
   return Compiler(vocabulary, types, layout, diagnostics).Run(root);
 }
 

@@ -11,7 +11,7 @@ namespace gatotu {
 
 // Null when something was reported. The types are interned in `types`, which is to outlive the
 // plan, as is the vocabulary.
-PlanPointer CompileSyntax(SyntaxNode const& root, VocabularyIndex const& vocabulary,
-                          StaticTypes& types, FrameLayout& layout, Diagnostics& diagnostics);
+PlanPointer CompileSyntax(SyntaxNode const& root, VocabularyIndex& vocabulary, StaticTypes& types,
+                          FrameLayout& layout, Diagnostics& diagnostics);
 
 }  // namespace gatotu

@@ -17,7 +17,7 @@ namespace gatotu {
 
 class Compiler {
  public:
-  Compiler(VocabularyIndex const& vocabulary, StaticTypes& types, FrameLayout& layout,
+  Compiler(VocabularyIndex& vocabulary, StaticTypes& types, FrameLayout& layout,
            Diagnostics& diagnostics)
       : vocabulary_(vocabulary),
         types_(types),
@@ -134,7 +134,7 @@ class Compiler {
   std::unique_ptr<CompositePlan> MakeSum(TypeEntry const& entry);
   std::unique_ptr<CompositePlan> MakeOrdered(Aggregate aggregate, TypeEntry const& entry);
 
-  VocabularyIndex const& vocabulary_;
+  VocabularyIndex& vocabulary_;
   StaticTypes& types_;
   FrameLayout& layout_;
   Diagnostics& diagnostics_;

@@ -17,7 +17,7 @@ namespace {
 // why and answers null; the callers pass that on.
 class Parser {
  public:
-  Parser(std::vector<Token> tokens, VocabularyIndex const& vocabulary, Diagnostics& diagnostics,
+  Parser(std::vector<Token> tokens, VocabularyIndex& vocabulary, Diagnostics& diagnostics,
          SyntaxTree& tree)
       : tokens_(std::move(tokens)),
         vocabulary_(vocabulary),
@@ -381,8 +381,9 @@ class Parser {
 
   // The words of the longest known phrase here; 0 for none.
   std::size_t CountPhraseWords() const {
-    for (std::size_t words = std::min(tokens_.CountWords(), vocabulary_.LongestPhrase()); words > 0;
-         --words) {
+    std::size_t const run = tokens_.CountWords();
+    if (run == 0) return 0;
+    for (std::size_t words = std::min(run, vocabulary_.LongestPhrase()); words > 0; --words) {
       if (vocabulary_.FindPhrase(JoinWords(words)) != nullptr) return words;
     }
     return 0;
@@ -464,7 +465,7 @@ class Parser {
   }
 
   TokenStream tokens_;
-  VocabularyIndex const& vocabulary_;
+  VocabularyIndex& vocabulary_;
   Diagnostics& diagnostics_;
   SyntaxTree& tree_;
   int depth_ = -1;  // the expression as a whole is no nesting
@@ -475,7 +476,7 @@ class Parser {
 
 }  // namespace
 
-SyntaxTree ParseExpression(std::string_view text, VocabularyIndex const& vocabulary,
+SyntaxTree ParseExpression(std::string_view text, VocabularyIndex& vocabulary,
                            Diagnostics& diagnostics) {
   SyntaxTree tree;
   if (text.size() > kMaxText) {

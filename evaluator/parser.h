@@ -17,7 +17,7 @@ inline constexpr std::size_t kMaxText = std::size_t{1} << 20;
 
 // A tree without a root when something does not parse; `diagnostics` then says what. Unknown
 // phrases are left to the checker, which knows what could have been meant.
-SyntaxTree ParseExpression(std::string_view text, VocabularyIndex const& vocabulary,
+SyntaxTree ParseExpression(std::string_view text, VocabularyIndex& vocabulary,
                            Diagnostics& diagnostics);
 
 }  // namespace gatotu

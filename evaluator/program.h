@@ -16,8 +16,8 @@ namespace gatotu {
 
 struct Expression::Program {
   std::string text;
-  std::shared_ptr<VocabularyIndex const> vocabulary;  // the plans point into it
-  std::uint64_t generation = 0;                       // of the registry, when compiled
+  std::shared_ptr<VocabularyIndex> vocabulary;  // the plans point into it
+  std::uint64_t generation = 0;                 // of the registry, when compiled
   StaticTypes types;
   FrameLayout layout;
   PlanPointer plan;

@@ -99,10 +99,10 @@ FoundProperty PropertyFinder::Report(std::string_view phrase, Span span, TypeEnt
     if (nearest.Offer(property->plural)) meant = {property, true};
   };
   ForTypeAndBases(object, [&](TypeEntry const& type) {
-    for (PropertyEntry const* property : type.properties) {
+    for (PropertyEntry const* property : vocabulary_.PropertiesOf(type)) {
       if (ParameterFits(*property, parameter)) offer(property);
     }
-    for (PropertyEntry const* property : type.properties) {
+    for (PropertyEntry const* property : vocabulary_.PropertiesOf(type)) {
       if (!ParameterFits(*property, parameter)) offer(property);
     }
   });
@@ -116,9 +116,9 @@ FoundProperty PropertyFinder::Report(std::string_view phrase, Span span, TypeEnt
 
 void PropertyFinder::ReportUnknown(std::string_view phrase, Span span) {
   NearestName nearest(phrase);
-  for (PropertyEntry const& property : vocabulary_.Properties()) {
-    nearest.Offer(property.singular);
-    nearest.Offer(property.plural);
+  for (PropertyEntry const* property : vocabulary_.Properties()) {
+    nearest.Offer(property->singular);
+    nearest.Offer(property->plural);
   }
   diagnostics_.Report("unknown-property", span,
                       "nothing has a property \"" + std::string(phrase) + '"', nearest.Found());
@@ -127,7 +127,9 @@ void PropertyFinder::ReportUnknown(std::string_view phrase, Span span) {
 std::string PropertyFinder::DescribeProperties(TypeEntry const& type) const {
   std::set<std::string_view> names;
   ForTypeAndBases(type, [&](TypeEntry const& t) {
-    for (PropertyEntry const* property : t.properties) names.insert(property->singular);
+    for (PropertyEntry const* property : vocabulary_.PropertiesOf(t)) {
+      names.insert(property->singular);
+    }
   });
   std::string described =
       WithArticle(type) + " has: " + (names.empty() ? "nothing" : JoinNames(names));
@@ -138,7 +140,7 @@ std::string PropertyFinder::DescribeProperties(TypeEntry const& type) const {
 std::string PropertyFinder::DescribeCasts(TypeEntry const& type) const {
   std::set<std::string_view> names;
   ForTypeAndBases(type, [&](TypeEntry const& t) {
-    for (CastEntry const* cast : t.casts) names.insert(cast->name);
+    for (CastEntry const* cast : vocabulary_.CastsOf(t)) names.insert(cast->name);
   });
   return JoinNames(names);
 }

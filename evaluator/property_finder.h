@@ -17,7 +17,7 @@ struct FoundProperty {
 
 class PropertyFinder {
  public:
-  PropertyFinder(VocabularyIndex const& vocabulary, Diagnostics& diagnostics)
+  PropertyFinder(VocabularyIndex& vocabulary, Diagnostics& diagnostics)
       : vocabulary_(vocabulary), diagnostics_(diagnostics) {}
 
   // Of the object's type or the nearest of its bases; `parameter` null for none. A plural prefers
@@ -39,7 +39,7 @@ class PropertyFinder {
   bool ReportParameter(std::string_view phrase, Span span, TypeEntry const* parameter,
                        TypeEntry const& object, FoundProperty& meant);
 
-  VocabularyIndex const& vocabulary_;
+  VocabularyIndex& vocabulary_;
   Diagnostics& diagnostics_;
 };
 

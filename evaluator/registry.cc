@@ -17,12 +17,14 @@ void Append(RecordList& list, Record& record) {
   record.next = nullptr;
   (list.tail != nullptr ? list.tail->next : list.head) = &record;
   list.tail = &record;
+  ++list.count;
 }
 
 void Remove(RecordList& list, Record& record) {
   (record.previous != nullptr ? record.previous->next : list.head) = record.next;
   (record.next != nullptr ? record.next->previous : list.tail) = record.previous;
   record.tag = RecordTag::kNone;
+  --list.count;
 }
 
 bool IsRegistered(void const* handle) {

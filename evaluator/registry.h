@@ -5,6 +5,7 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <mutex>
 
@@ -89,6 +90,7 @@ static_assert(sizeof(TypeRecord) <= kTypeBlock && sizeof(PropertyRecord) <= kPro
 struct RecordList {
   Record* head = nullptr;
   Record* tail = nullptr;
+  std::size_t count = 0;
 };
 
 // Guards the registry and everything that runs inspectors: held for the whole of an evaluation.

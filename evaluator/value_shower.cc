@@ -32,15 +32,14 @@ Plan const* PlanOfMember(Plan const* plan, std::size_t index) {
 }  // namespace
 
 ValueShower::ValueShower(Plan const& plan, ValueType const& value_type, bool is_shown,
-                         VocabularyIndex const& vocabulary, FrameLayout& layout,
-                         Diagnostics& diagnostics)
+                         VocabularyIndex& vocabulary, FrameLayout& layout, Diagnostics& diagnostics)
     : is_shown_(is_shown), span_(plan.span) {
   nodes_.emplace_back();
   AddNode(0, PlanOfValues(&plan), *plan.type, value_type, vocabulary, layout, diagnostics);
 }
 
 void ValueShower::AddNode(std::size_t index, Plan const* plan, StaticType const& type,
-                          ValueType const& value_type, VocabularyIndex const& vocabulary,
+                          ValueType const& value_type, VocabularyIndex& vocabulary,
                           FrameLayout& layout, Diagnostics& diagnostics) {
   Node node;
   node.type = &value_type;

@@ -16,7 +16,7 @@ class ValueShower {
   // For the values of `plan`. Reports types that have no text when `is_shown`. The value type and
   // the vocabulary outlive this.
   ValueShower(Plan const& plan, ValueType const& value_type, bool is_shown,
-              VocabularyIndex const& vocabulary, FrameLayout& layout, Diagnostics& diagnostics);
+              VocabularyIndex& vocabulary, FrameLayout& layout, Diagnostics& diagnostics);
 
   std::size_t CountValues() const { return nodes_.size(); }
 
@@ -36,7 +36,7 @@ class ValueShower {
 
   // `plan` is null where no part of the expression stands for the member alone.
   void AddNode(std::size_t index, Plan const* plan, StaticType const& type,
-               ValueType const& value_type, VocabularyIndex const& vocabulary, FrameLayout& layout,
+               ValueType const& value_type, VocabularyIndex& vocabulary, FrameLayout& layout,
                Diagnostics& diagnostics);
   Flow ShowNode(Run& run, std::size_t index, void const* address) const;
   bool MakeText(Run& run, Node const& node, Value& value, void const* address) const;

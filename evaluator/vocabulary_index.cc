@@ -1,19 +1,14 @@
 #include "evaluator/vocabulary_index.h"
 
 #include <algorithm>
-#include <cstring>
-
-#include "evaluator/ascii_case.h"
+#include <tuple>
+#include <utility>
 
 namespace gatotu {
 namespace {
 
 // Longer chains of bases are taken for a mistake of a plug-in and cut.
 constexpr int kMaxBases = 64;
-
-std::size_t CountWords(std::string_view normalised) {
-  return normalised.empty() ? 0 : 1 + std::count(normalised.begin(), normalised.end(), ' ');
-}
 
 ValueType::Kind KindOf(std::string_view name) {
   if (name == "string") return ValueType::Kind::kString;
@@ -28,6 +23,15 @@ bool MeansTheSame(PropertyEntry const& a, PropertyEntry const& b) {
          a.object == b.object && a.result == b.result && a.is_iterated == b.is_iterated;
 }
 
+// The first registration of a name stands.
+TypeRecord const* FindTypeRecord(std::string_view name) {
+  for (Record const* record = registry.types.head; record != nullptr; record = record->next) {
+    auto const* const type = static_cast<TypeRecord const*>(record);
+    if (type->name == name) return type;
+  }
+  return nullptr;
+}
+
 // The types of a base chain, nearest first, however the chain is made.
 template <class Visitor>
 auto AlongBases(TypeEntry const& type, Visitor&& visit) -> decltype(visit(type)) {
@@ -40,20 +44,6 @@ auto AlongBases(TypeEntry const& type, Visitor&& visit) -> decltype(visit(type))
 
 }  // namespace
 
-std::string NormalisedName(std::string_view name) {
-  std::string normalised;
-  normalised.reserve(name.size());
-  for (char c : name) {
-    if (c != ' ') {
-      normalised += LowerCaseAscii(c);
-    } else if (!normalised.empty() && normalised.back() != ' ') {
-      normalised += ' ';
-    }
-  }
-  if (!normalised.empty() && normalised.back() == ' ') normalised.pop_back();
-  return normalised;
-}
-
 bool IsDerivedFrom(TypeEntry const& type, TypeEntry const& base) {
   return AlongBases(type, [&](TypeEntry const& t) { return &t == &base; });
 }
@@ -65,9 +55,9 @@ bool IsParametersOnly(FingerprintFunction fingerprint) {
   return fingerprinter.IsParametersOnly();
 }
 
-std::shared_ptr<VocabularyIndex const> VocabularyIndex::Current() {
+std::shared_ptr<VocabularyIndex> VocabularyIndex::Current() {
   // Never destroyed: plug-ins may be unloaded after static destructors have run.
-  static auto& current = *new std::shared_ptr<VocabularyIndex const>;
+  static auto& current = *new std::shared_ptr<VocabularyIndex>;
   static std::uint64_t revision = 0;
   if (revision != registry.revision) {
     current.reset(new VocabularyIndex);
@@ -76,103 +66,149 @@ std::shared_ptr<VocabularyIndex const> VocabularyIndex::Current() {
   return current;
 }
 
-VocabularyIndex::VocabularyIndex() {
-  world_ = MentionType("");
-  string_ = MentionType("string");
-  integer_ = MentionType("integer");
-  boolean_ = MentionType("boolean");
-  AddTypes();
-  AddProperties();
-  AddCasts();
-  AddOperators();
+VocabularyIndex::VocabularyIndex()
+    : world_(MentionType("")),
+      string_(MentionType("string")),
+      integer_(MentionType("integer")),
+      boolean_(MentionType("boolean")) {}
+
+// Iterative, since a chain of bases is as long as plug-ins make it, or closed.
+TypeEntry* VocabularyIndex::MentionType(std::string_view name) {
+  auto [mentioned, is_new] = NameType(name);
+  for (TypeEntry* entry = mentioned; is_new;) {
+    TypeRecord const* const record = FindTypeRecord(entry->name);
+    if (record == nullptr) break;
+    entry->is_registered = true;
+    entry->size = record->size;
+    entry->destroy = record->destroy;
+    entry->is_copyable = record->fingerprinting == kPlainBytes;
+    if (*record->base == '\0') break;
+    TypeEntry& derived = *entry;
+    std::tie(entry, is_new) = NameType(record->base);
+    derived.base = entry;
+  }
+  return mentioned;
 }
 
-TypeEntry* VocabularyIndex::MentionType(char const* name) {
-  auto found = types_by_name_.find(std::string_view(name));
-  if (found != types_by_name_.end()) return found->second;
+std::pair<TypeEntry*, bool> VocabularyIndex::NameType(std::string_view name) {
+  auto const known = types_by_name_.find(name);
+  if (known != types_by_name_.end()) return {known->second, false};
   TypeEntry& entry = types_.emplace_back();
   entry.name = name;
   entry.kind = KindOf(entry.name);
   types_by_name_.emplace(entry.name, &entry);
-  return &entry;
+  return {&entry, true};
 }
 
-void VocabularyIndex::AddTypes() {
-  ForEachRecord<TypeRecord>(registry.types, [&](TypeRecord const& record) {
-    TypeEntry& entry = *MentionType(record.name);
-    if (entry.is_registered) return;  // the first registration of a name stands
-    entry.is_registered = true;
-    entry.size = record.size;
-    entry.destroy = record.destroy;
-    entry.is_copyable = record.fingerprinting == kPlainBytes;
-    if (*record.base != '\0') entry.base = MentionType(record.base);
+PhraseTable const& VocabularyIndex::Phrases() {
+  if (!phrase_table_) phrase_table_.emplace(registry.properties);
+  return *phrase_table_;
+}
+
+PropertyEntry const& VocabularyIndex::EntryOf(PropertyRecord const& record) {
+  auto const [place, is_new] = entries_.try_emplace(&record);
+  if (is_new) {
+    place->second = {&record,
+                     NormalisedName(record.singular),
+                     NormalisedName(record.plural),
+                     *record.parameter != '\0' ? MentionType(record.parameter) : nullptr,
+                     MentionType(record.object),
+                     MentionType(record.result),
+                     record.tag == RecordTag::kIterated,
+                     IsParametersOnly(record.fingerprint)};
+  }
+  return place->second;
+}
+
+std::vector<PhraseUse> const* VocabularyIndex::FindPhrase(std::string_view normalised) {
+  auto known = phrases_.find(normalised);
+  if (known != phrases_.end()) return &known->second;
+  std::vector<PhraseUse> uses;
+  Phrases().ForEach(normalised, [&](PropertyRecord const& record, bool is_plural) {
+    PropertyEntry const& entry = EntryOf(record);
+    bool const is_known = std::any_of(uses.begin(), uses.end(), [&](PhraseUse const& use) {
+      return MeansTheSame(*use.property, entry);
+    });
+    if (!is_known) uses.push_back({&entry, is_plural});
   });
+  if (uses.empty()) return nullptr;
+  return &phrases_.emplace(normalised, std::move(uses)).first->second;
 }
 
-void VocabularyIndex::AddProperties() {
-  ForEachRecord<PropertyRecord>(registry.properties, [&](PropertyRecord const& record) {
-    TypeEntry& object = *MentionType(record.object);
-    PropertyEntry entry{&record,
-                        NormalisedName(record.singular),
-                        NormalisedName(record.plural),
-                        *record.parameter != '\0' ? MentionType(record.parameter) : nullptr,
-                        &object,
-                        MentionType(record.result),
-                        record.tag == RecordTag::kIterated,
-                        IsParametersOnly(record.fingerprint)};
-    bool is_known = std::any_of(object.properties.begin(), object.properties.end(),
-                                [&](auto const* known) { return MeansTheSame(*known, entry); });
-    if (is_known) return;
-    PropertyEntry const& added = properties_.emplace_back(std::move(entry));
-    object.properties.push_back(&added);
-    AddPhrase(added.singular, {&added, false});
-    if (added.plural != added.singular) AddPhrase(added.plural, {&added, true});
-  });
+std::vector<PropertyEntry const*> const& VocabularyIndex::Properties() {
+  if (!properties_) {
+    properties_.emplace();
+    ForEachRecord<PropertyRecord>(registry.properties,
+                                  [&](auto const& record) { AddProperty(record); });
+  }
+  return *properties_;
 }
 
-void VocabularyIndex::AddPhrase(std::string const& name, PhraseUse use) {
-  if (name.empty()) return;
-  phrases_[name].push_back(use);
-  longest_phrase_ = std::max(longest_phrase_, CountWords(name));
+void VocabularyIndex::AddProperty(PropertyRecord const& record) {
+  PropertyEntry const& entry = EntryOf(record);
+  auto& siblings = MentionType(record.object)->properties;
+  bool const is_known = std::any_of(siblings.begin(), siblings.end(),
+                                    [&](auto const* known) { return MeansTheSame(*known, entry); });
+  if (is_known) return;
+  siblings.push_back(&entry);
+  properties_->push_back(&entry);
 }
 
-void VocabularyIndex::AddCasts() {
-  ForEachRecord<CastRecord>(registry.casts, [&](CastRecord const& record) {
-    CastEntry const& added = casts_.emplace_back(CastEntry{&record, NormalisedName(record.name),
-                                                           MentionType(record.result),
-                                                           IsParametersOnly(record.fingerprint)});
-    MentionType(record.source)->casts.push_back(&added);
-    ++cast_names_[added.name];
-    longest_cast_ = std::max(longest_cast_, CountWords(added.name));
-  });
+std::vector<PropertyEntry const*> const& VocabularyIndex::PropertiesOf(TypeEntry const& type) {
+  Properties();
+  return type.properties;
 }
 
-void VocabularyIndex::AddOperators() {
+std::deque<CastEntry> const& VocabularyIndex::Casts() {
+  if (!casts_) {
+    casts_.emplace();
+    ForEachRecord<CastRecord>(registry.casts, [&](auto const& record) { AddCast(record); });
+  }
+  return *casts_;
+}
+
+void VocabularyIndex::AddCast(CastRecord const& record) {
+  CastEntry const& added = casts_->emplace_back(CastEntry{&record, NormalisedName(record.name),
+                                                          MentionType(record.result),
+                                                          IsParametersOnly(record.fingerprint)});
+  MentionType(record.source)->casts.push_back(&added);
+  longest_cast_ = std::max(longest_cast_, CountWords(added.name));
+}
+
+std::vector<CastEntry const*> const& VocabularyIndex::CastsOf(TypeEntry const& type) {
+  Casts();
+  return type.casts;
+}
+
+bool VocabularyIndex::IsCastName(std::string_view normalised) {
+  return std::any_of(Casts().begin(), Casts().end(),
+                     [&](CastEntry const& cast) { return cast.name == normalised; });
+}
+
+std::size_t VocabularyIndex::LongestCast() {
+  Casts();
+  return longest_cast_;
+}
+
+VocabularyIndex::OperatorsByCode const& VocabularyIndex::Operators() {
+  if (operators_) return *operators_;
+  operators_.emplace();
   ForEachRecord<OperatorRecord>(registry.operators, [&](OperatorRecord const& record) {
     if (record.code < kOperatorAdd || record.code > kOperatorEndsWith) return;
-    operators_[record.code].push_back({&record, MentionType(record.left), MentionType(record.right),
-                                       MentionType(record.result),
-                                       IsParametersOnly(record.fingerprint)});
+    (*operators_)[record.code].push_back({&record, MentionType(record.left),
+                                          MentionType(record.right), MentionType(record.result),
+                                          IsParametersOnly(record.fingerprint)});
   });
+  return *operators_;
 }
 
-std::vector<PhraseUse> const* VocabularyIndex::FindPhrase(std::string_view normalised) const {
-  auto found = phrases_.find(normalised);
-  return found != phrases_.end() ? &found->second : nullptr;
+TypeEntry const* VocabularyIndex::FindType(std::string_view name) {
+  return FindTypeRecord(name) != nullptr ? MentionType(name) : nullptr;
 }
 
-bool VocabularyIndex::IsCastName(std::string_view normalised) const {
-  return cast_names_.find(normalised) != cast_names_.end();
-}
-
-TypeEntry const* VocabularyIndex::FindType(std::string_view name) const {
-  auto found = types_by_name_.find(name);
-  return found != types_by_name_.end() ? found->second : nullptr;
-}
-
-CastEntry const* VocabularyIndex::FindCast(TypeEntry const& type, std::string_view name) const {
+CastEntry const* VocabularyIndex::FindCast(TypeEntry const& type, std::string_view name) {
   return AlongBases(type, [&](TypeEntry const& t) -> CastEntry const* {
-    for (CastEntry const* cast : t.casts) {
+    for (CastEntry const* cast : CastsOf(t)) {
       if (cast->name == name) return cast;
     }
     return nullptr;
@@ -180,10 +216,11 @@ CastEntry const* VocabularyIndex::FindCast(TypeEntry const& type, std::string_vi
 }
 
 OperatorEntry const* VocabularyIndex::FindOperator(int code, TypeEntry const& left,
-                                                   TypeEntry const& right) const {
+                                                   TypeEntry const& right) {
+  std::vector<OperatorEntry> const& entries = Operators()[code];
   return AlongBases(left, [&](TypeEntry const& l) {
     return AlongBases(right, [&](TypeEntry const& r) -> OperatorEntry const* {
-      for (OperatorEntry const& entry : operators_[code]) {
+      for (OperatorEntry const& entry : entries) {
         if (entry.left == &l && entry.right == &r) return &entry;
       }
       return nullptr;

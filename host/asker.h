@@ -51,7 +51,7 @@ class Asker {
   // Held while the writer is at work. Timed: a write that blocks does not keep the watchdog.
   std::timed_mutex writing_;
   Report const* current_ = nullptr;
-  Watchdog watchdog_;  // last, so that its thread ends before what it looks at
+  Watchdog watchdog_;  // last, so that it ends before what it looks at
 };
 
 }  // namespace gatotu::host

@@ -274,10 +274,14 @@ std::optional<Farewell> Understand(CommandLine& line, Raw const& raw) {
   return TakeSize("--limit-file-bytes", raw.most_file_bytes, line.capture.most_file_bytes);
 }
 
-// Everything before a "--"; what follows are expressions or words as they stand.
-std::optional<Farewell> ReadOptions(CommandLine& line, std::vector<std::string> arguments) {
+// Takes the options away. To describe them all takes a good part of a short run, so that is left
+// where there are none.
+std::optional<Farewell> TakeOptions(CommandLine& line, Raw& raw,
+                                    std::vector<std::string>& arguments) {
+  bool const has_options = std::any_of(arguments.begin(), arguments.end(),
+                                       [](auto const& word) { return word.starts_with('-'); });
+  if (!has_options) return TakeWords(line, std::move(arguments));
   CLI::App app;
-  Raw raw;
   auto const own = Describe(app, line, raw);
   std::reverse(arguments.begin(), arguments.end());
   try {
@@ -290,7 +294,13 @@ std::optional<Farewell> ReadOptions(CommandLine& line, std::vector<std::string> 
     return Refuse(error.what());
   }
   if (auto refusal = TakeWords(line, app.remaining())) return refusal;
-  if (auto refusal = RefuseForeign(own, line.command)) return refusal;
+  return RefuseForeign(own, line.command);
+}
+
+// Everything before a "--"; what follows are expressions or words as they stand.
+std::optional<Farewell> ReadOptions(CommandLine& line, std::vector<std::string> arguments) {
+  Raw raw;
+  if (auto farewell = TakeOptions(line, raw, arguments)) return farewell;
   if (line.command == Command::kCapture) line.expressions = std::move(raw.capture_expressions);
   return Understand(line, raw);
 }

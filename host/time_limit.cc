@@ -9,6 +9,8 @@
 #include <cmath>
 #include <csignal>
 #include <cstdint>
+#include <mutex>
+#include <thread>
 
 #include "evaluator/evaluator.h"
 #include "machine/live/signals_blocked.h"
@@ -27,6 +29,13 @@ constexpr milliseconds kGraceBeforeLeaving{400};
 std::atomic<bool> interrupted{false};
 std::atomic<bool> interrupt_unhandled{false};
 std::atomic<int> wake_descriptor{-1};
+
+// What the thread looks at. It may still run when static destructors do, and these have none.
+std::mutex watching;
+Watchdog* watched = nullptr;
+
+// The evaluating thread's own.
+bool is_thread_started = false;
 
 void Wake() {
   std::uint64_t const one = 1;
@@ -85,23 +94,31 @@ std::optional<nanoseconds> ParseDuration(std::string_view text) {
 
 Watchdog::Watchdog(nanoseconds limit, std::function<void()> leave)
     : limit_(limit), leave_(std::move(leave)) {
-  wake_descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
   {
-    machine::live::SignalsBlocked const blocked;
-    thread_ = std::thread([this] { Watch(); });
+    std::lock_guard const lock(watching);
+    watched = this;
   }
+  // The thread waits as long as the last watchdog had it wait.
+  if (is_thread_started) Wake();
   Catch(SIGINT, OnInterrupt);
 }
 
 Watchdog::~Watchdog() {
   Catch(SIGINT, SIG_DFL);
-  stopping_ = true;
-  Wake();
-  thread_.join();
-  ::close(wake_descriptor.exchange(-1));
+  std::lock_guard const lock(watching);
+  watched = nullptr;
+}
+
+void Watchdog::StartWatching() {
+  if (is_thread_started) return;
+  wake_descriptor = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+  machine::live::SignalsBlocked const blocked;
+  std::thread(Watch).detach();
+  is_thread_started = true;
 }
 
 void Watchdog::Begin() {
+  StartWatching();
   expired_ = false;
   has_asked_ = false;
   interrupt_unhandled = false;
@@ -115,7 +132,14 @@ bool Watchdog::TakeInterrupt() { return interrupted.exchange(false); }
 bool Watchdog::HasInterrupt() { return interrupted; }
 
 void Watchdog::Watch() {
-  while (!stopping_) WaitForWake(Step());
+  for (;;) {
+    nanoseconds wait(-1);
+    {
+      std::lock_guard const lock(watching);
+      if (watched != nullptr) wait = watched->Step();
+    }
+    WaitForWake(wait);
+  }
 }
 
 Watchdog::Clock::duration Watchdog::Step() {

@@ -1,6 +1,9 @@
 // Ends an evaluation that takes too long or that the user interrupts, also when an inspector
 // hangs in the kernel, where no signal handler runs: a thread beside the evaluating one waits,
 // asks the evaluator to stop, and leaves with the process when nothing comes of it.
+//
+// The first evaluation starts the thread, since one that hangs could no longer. It stays until the
+// process ends: to wait for its end would take longer than most evaluations.
 #pragma once
 
 #include <atomic>
@@ -8,7 +11,6 @@
 #include <functional>
 #include <optional>
 #include <string_view>
-#include <thread>
 
 namespace gatotu::host {
 
@@ -18,13 +20,13 @@ std::optional<std::chrono::nanoseconds> ParseDuration(std::string_view text);
 class Watchdog {
  public:
   // `leave` is called on the watchdog's thread when the evaluation did not stop in time; it must
-  // end the process. There is one watchdog a process: it takes over SIGINT.
+  // end the process. There is one watchdog at a time: it takes over SIGINT.
   Watchdog(std::chrono::nanoseconds limit, std::function<void()> leave);
   ~Watchdog();
   Watchdog(Watchdog const&) = delete;
   Watchdog& operator=(Watchdog const&) = delete;
 
-  // Around an evaluation.
+  // Around an evaluation. `Begin` throws `std::system_error` when there can be no thread.
   void Begin();
   void End();
 
@@ -40,8 +42,11 @@ class Watchdog {
  private:
   using Clock = std::chrono::steady_clock;
 
-  void Watch();
-  // How long to wait until there may be something to do; negative for ever.
+  // The thread, of which a process has one.
+  static void StartWatching();
+  static void Watch();
+  // Its turn of this watchdog. How long to wait until there may be something to do; negative for
+  // ever.
   Clock::duration Step();
 
   std::chrono::nanoseconds limit_;
@@ -49,10 +54,8 @@ class Watchdog {
   std::atomic<Clock::rep> begun_{0};  // 0 while nothing is evaluated
   std::atomic<bool> expired_{false};
   std::atomic<bool> has_asked_{false};
-  std::atomic<bool> stopping_{false};
   Clock::rep asked_for_ = 0;  // the evaluation that was asked to stop; the thread's own
   Clock::time_point asked_at_;
-  std::thread thread_;
 };
 
 }  // namespace gatotu::host

@@ -41,6 +41,13 @@ TEST(Registration, RefusesTooSmallABlockAndASecondTime) {
   EXPECT_EQ(Answer("seven"), "?unknown-property");
 }
 
+TEST(Registration, IsFoundHoweverItsNamesAreWritten) {
+  Registration registration;
+  ASSERT_TRUE(RegisterSeven(registration, "  Lucky   Seven ", "lucky sevens"));
+  EXPECT_EQ(Answer("lucky seven; LUCKY\nSevens"), "7|7");
+  EXPECT_EQ(Answer("lucky"), "?unknown-property");
+}
+
 TEST(Registration, MayBeWithdrawnInAnyOrder) {
   for (int order = 0; order < 6; ++order) {
     int sequence[] = {0, 1, 2};

@@ -2,7 +2,9 @@
 #include <unistd.h>
 
 #include <nlohmann/json.hpp>
+#include <thread>
 
+#include "host/time_limit.h"
 #include "tests/host/child_process.h"
 
 namespace gatotu::tests {
@@ -26,6 +28,21 @@ TEST(TimeLimit, EndsAnEvaluationThatRunsOrHangs) {
     EXPECT_THAT(run.output, testing::StartsWith("1\n"));
     EXPECT_THAT(run.errors, HasSubstr("time limit"));
     EXPECT_LT(run.took, kPatience);
+  }
+}
+
+// A capture has one after the other, and all have the same thread.
+TEST(TimeLimit, HoldsForEachWatchdogOfAProcess) {
+  for (milliseconds const limit : {milliseconds(3'600'000), milliseconds(10)}) {
+    host::Watchdog watchdog(limit, [] { ::_exit(1); });
+    watchdog.Begin();
+    auto const end = std::chrono::steady_clock::now() + kPatience;
+    bool const is_short = limit < kPatience;
+    while (is_short && !watchdog.HasAskedToStop() && std::chrono::steady_clock::now() < end) {
+      std::this_thread::sleep_for(milliseconds(1));
+    }
+    watchdog.End();
+    EXPECT_EQ(watchdog.IsExpired(), is_short);
   }
 }
 
