@@ -1,5 +1,8 @@
 #include "machine/capture/capture.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <functional>
 
@@ -78,6 +81,25 @@ TEST_F(Capture, AnswersWhatItsDocumentTells) {
   AnnouncementLog log;
   capture->Names().ComputerName();
   EXPECT_THAT(log.entries, ElementsAre(Pair("machine.plist: ComputerName", Outcome::kAnswered)));
+}
+
+TEST_F(Capture, IsNoLessACaptureWhenTooManyFilesAreOpen) {
+  Document("");
+  rlimit before;
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  int const next = ::dup(0);
+  ::close(next);
+  bool is_opened = false;
+  for (int left = 0; left < 20 && !is_opened; ++left) {
+    rlimit const few = {static_cast<rlim_t>(next + left), before.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &few);
+    auto const capture = machine::OpenCapture(tree.At(""), {}, ReadRecordedFacts);
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    is_opened = capture.has_value();
+    if (is_opened) continue;
+    EXPECT_THAT(machine::CaptureMessage(capture.absence()), HasSubstr("Too many open files"));
+  }
+  EXPECT_TRUE(is_opened);
 }
 
 struct MalformedCase {
