@@ -158,6 +158,37 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
   }
 }
 
+TEST_F(Capture, ProcessesAreThoseThatAreWellFormed) {
+  auto const process = [](char const* pid) {
+    return "<dict><key>pid</key>" + std::string(pid) + "<key>name</key><string>a</string></dict>";
+  };
+  std::string const list = "<key>Processes</key><array>" + process("<string>7</string>") +
+                           process("<integer>9</integer>") + "<true/>" +
+                           process("<integer>5</integer>") + process("<integer>9</integer>") +
+                           "</array>";
+  Document(list);
+  auto const capture = Opened();
+  for (char const* time : {"first", "again"}) {
+    AnnouncementLog log;
+    EXPECT_EQ(capture->Processes().AllProcesses()->size(), 2u);
+    EXPECT_THAT(
+        log.entries,
+        ElementsAre(Pair("machine.plist: Processes[0].pid (not an integer)", Outcome::kMalformed),
+                    Pair("machine.plist: Processes[2].pid (missing)", Outcome::kMalformed),
+                    Pair("machine.plist: Processes", Outcome::kAnswered)))
+        << time;
+  }
+  EXPECT_EQ(capture->Processes().ProcessWithPid(5)->pid, 5);
+  std::pair<char const*, std::size_t> const counts[] = {{"", 2},
+                                                        {"<integer>1</integer>", 2},
+                                                        {"<integer>3</integer>", 3},
+                                                        {"<integer>2147483647</integer>", 2}};
+  for (auto const& [count, expected] : counts) {
+    Document(list + (*count == '\0' ? "" : "<key>ProcessCount</key>") + count);
+    EXPECT_EQ(Opened()->Processes().CountProcesses().value(), expected) << count;
+  }
+}
+
 TEST_F(Capture, FilesStayBelowTheSystemRoot) {
   tree.Write("/root/etc/passwd", "inside");
   tree.Write("/other/etc/passwd", "inside");
