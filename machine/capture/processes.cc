@@ -34,8 +34,10 @@ Fact<std::vector<Process>> ProcessesIn(Field const& field, std::vector<Absence>&
   if (!listed) return listed;
   std::vector<Process>& processes = listed.value();
   std::ranges::stable_sort(processes, {}, &Process::pid);
-  auto const repeated = std::ranges::unique(processes, {}, &Process::pid);
-  processes.erase(repeated.begin(), repeated.end());
+  auto const is_same = [](Process const& left, Process const& right) {
+    return left.pid == right.pid;
+  };
+  processes.erase(std::unique(processes.begin(), processes.end(), is_same), processes.end());
   return listed;
 }
 
