@@ -35,6 +35,17 @@ std::string SourceName(ActiveDirectoryLocalUser const& user) {
   return "directory record of user " + user.GetName();
 }
 
+// What is read has a time. Nothing is pending where there will be none: a capture that does not
+// tell when it was taken stays as it is.
+template <class Account>
+void Fail(Account& record) {
+  constexpr char kNoTime[] = "The machine does not tell the time";
+  record.SetCacheState(kFilledFromDirectory);
+  record.SetErrorMessage(kNoTime);
+  record.SetGroupsErrorMessage(kNoTime);
+  record.SetErrorCount(1);
+}
+
 // One that is still not filled stays asked for. True when it was missing before.
 template <class Account>
 bool Replace(Account& record, Account const& finished) {
@@ -145,6 +156,7 @@ void DirectoryKeeper::Prepare(Account& record) const {
                       is_read ? machine::Outcome::kAnswered : machine::Outcome::kAbsent);
     return;
   }
+  if (!machine::CurrentMachine().Clock().MicrosecondsSince1970()) return Fail(record);
   if (!IsAskedFor(record)) record.SetCacheState(kRequestPending);
   try {
     record.Refresh(&at_once_);

@@ -67,6 +67,8 @@ void KeptOutput::DropRest() {
   is_quoted_ = false;
 }
 
+void KeptOutput::DropAll() { *this = KeptOutput(records_); }
+
 // Of what was taken nothing is kept, and no file for the begun record that is left.
 bool KeptOutput::Forget() {
   if (!file_.is_open()) {

@@ -30,6 +30,8 @@ class KeptOutput {
   // The worker ended: what it left of a record is dropped, or as good as a whole one.
   void DropRest();
   void CompleteRest() { whole_ = size_; }
+  // Nobody will take any of it.
+  void DropAll();
 
   std::uint64_t Waiting() const { return size_ - taken_; }
   bool HasRecords() const { return whole_ > taken_; }

@@ -35,6 +35,8 @@ class MachineTurn {
   // Ends a worker of which nothing was heard for longer than it may take.
   void EndIfSilent(MachineWorker::Clock::duration most);
   void Interrupt();
+  // Nobody reads what is said about answers any more: nothing of it is kept.
+  void DropMessages() { messages_.DropAll(); }
 
   // See `MachineWorker`.
   void Disown();

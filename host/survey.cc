@@ -143,6 +143,7 @@ void Survey::Collect() {
   for (auto const& turn : turns_) {
     if (!IsReadFrom(*turn)) continue;
     turn->Collect();
+    if (messages_.IsBroken()) turn->DropMessages();
     if (turn->IsRunning() && longest_silence_.count() > 0) turn->EndIfSilent(longest_silence_);
   }
 }

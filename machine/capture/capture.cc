@@ -65,6 +65,34 @@ Fact<Record> ReadDocument(FileSource const& files, std::string const& folder, Re
   return document;
 }
 
+// An older kernel, or one that is told to refuse the call, has other reasons than what it is asked.
+bool IsUnknownCall(int error) { return error == ENOSYS || error == EPERM || error == EINVAL; }
+
+Absence NotConfined(std::string const& folder, int error) {
+  if (!IsUnknownCall(error)) return live::AnnounceError(error, folder);
+  return Refusal(Outcome::kNotSupported, folder,
+                 "this kernel cannot keep paths below a folder (openat2)");
+}
+
+// That it could not be looked for says nothing of it.
+Fact<bool> Exists(FileSource const& files, std::string const& path, Links links,
+                  std::string const& folder) {
+  Fact<ItemStatus> const status = files.Status(path, links);
+  if (status) return true;
+  Absence absence = status.absence();
+  for (int const error : {ENOENT, ENOTDIR, ELOOP, EXDEV}) {
+    if (absence.error == error) return false;
+  }
+  absence.source = folder + path;
+  return absence;
+}
+
+void FindCopies(FileDescriptor const& folder, OpenedCapture& opened) {
+  Fact<FileDescriptor> root = OpenRoot(folder, opened.facts);
+  if (root) opened.root.emplace(std::move(root).value());
+  if (!root) opened.why_no_files = CaptureMessage(root.absence());
+}
+
 Absence NoCapture(FileSource const& files, std::string const& folder) {
   if (files.Status("/" + std::string(capture::kUnfinished), Links::kKeep)) {
     return Refusal(Outcome::kMalformed, folder, "the capture was broken off");
@@ -81,29 +109,25 @@ Fact<std::shared_ptr<Machine const>> OpenCapture(std::string const& folder,
   FileDescriptor const top(::open(folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
   if (!top.is_open()) return live::AnnounceError(errno, folder);
   FileDescriptor again = OpenBeneath(top, ".");
-  if (!again.is_open()) {
-    if (errno == EACCES) return live::AnnounceError(errno, folder);
-    return Refusal(Outcome::kNotSupported, folder,
-                   "this kernel cannot keep paths below a folder (openat2)");
-  }
+  if (!again.is_open()) return NotConfined(folder, errno);
   live::Root whole(std::move(again));
   live::Files const files(whole, true);
   OpenedCapture opened;
-  bool const has_document =
-      files.Status("/" + std::string(capture::kDocument), Links::kKeep).has_value();
-  if (has_document) {
+  Fact<bool> const has_document =
+      Exists(files, "/" + std::string(capture::kDocument), Links::kKeep, folder);
+  if (!has_document) return has_document.absence();
+  if (*has_document) {
     Fact<Record> document = ReadDocument(files, folder, reader);
     if (!document) return document.absence();
     opened.facts = Facts(std::move(document).value());
-    Fact<FileDescriptor> root = OpenRoot(top, opened.facts);
-    if (root) opened.root.emplace(std::move(root).value());
-    if (!root) opened.why_no_files = CaptureMessage(root.absence());
+    FindCopies(top, opened);
     opened.folder = std::make_shared<live::Root const>(std::move(whole));
-  } else if (files.Status(kSystemVersionPath, Links::kFollow)) {
+  } else {
+    Fact<bool> const is_volume = Exists(files, kSystemVersionPath, Links::kFollow, folder);
+    if (!is_volume) return is_volume.absence();
+    if (!*is_volume) return NoCapture(files, folder);
     opened.is_volume = true;
     opened.root.emplace(std::move(whole));
-  } else {
-    return NoCapture(files, folder);
   }
   return capture::MakeCapture(std::move(opened), choices, reader);
 }

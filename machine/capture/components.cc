@@ -1,7 +1,9 @@
 #include "machine/capture/components.h"
 
+#include <algorithm>
 #include <limits>
 
+#include "machine/capture/item_list.h"
 #include "machine/capture/values.h"
 
 namespace machine::capture {
@@ -58,22 +60,18 @@ Fact<Component> ComponentIn(Field const& field) {
   return component;
 }
 
-Fact<SharedComponents> ComponentsIn(Field const& field) {
-  if (field.As<RecordArray>() == nullptr) return field.Malformed("not an array");
-  std::vector<Component> components;
-  for (Field const& item : field.Items()) {
-    Fact<Component> component = ComponentIn(item);
-    if (!component) return component.absence();
-    components.push_back(*std::move(component));
-  }
-  return std::make_shared<std::vector<Component> const>(std::move(components));
+Fact<SharedComponents> ComponentsIn(Field const& field, std::vector<Absence>& left_out) {
+  auto components = ItemsIn(field, ComponentIn, left_out);
+  if (!components) return components.absence();
+  return std::make_shared<std::vector<Component> const>(*std::move(components));
 }
 
 }  // namespace
 
 Fact<SharedComponents> RegisteredComponents::Components() const {
   return facts_.Ask(kComponents, [this](Field const& field) {
-    std::call_once(is_read_, [&] { components_ = ComponentsIn(field); });
+    std::call_once(is_read_, [&] { components_ = ComponentsIn(field, left_out_); });
+    std::ranges::for_each(left_out_, AnnounceLeftOut);
     return *components_;
   });
 }

@@ -3,6 +3,7 @@
 
 #include <mutex>
 #include <optional>
+#include <vector>
 
 #include "machine/capture/facts.h"
 #include "machine/components.h"
@@ -11,7 +12,7 @@ namespace machine::capture {
 
 inline constexpr char kComponents[] = "Components";
 
-// Understood once: a capture does not change.
+// Understood once: a capture does not change. What was left out is said each time.
 class RegisteredComponents final : public ComponentSource {
  public:
   explicit RegisteredComponents(Facts const& facts) : facts_(facts) {}
@@ -21,6 +22,7 @@ class RegisteredComponents final : public ComponentSource {
   Facts const& facts_;
   mutable std::once_flag is_read_;
   mutable std::optional<Fact<SharedComponents>> components_;
+  mutable std::vector<Absence> left_out_;
 };
 
 Record RecordOf(std::vector<Component> const& components);

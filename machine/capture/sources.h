@@ -140,6 +140,7 @@ class Hardware final : public HardwareSource {
   Facts const& facts_;
 };
 
+// Understood once. Those that are malformed are left out, which is said each time.
 class Processes final : public ProcessSource {
  public:
   explicit Processes(Facts const& facts) : facts_(facts) {}
@@ -148,7 +149,12 @@ class Processes final : public ProcessSource {
   Fact<Process> ProcessWithPid(std::int32_t pid) const override;
 
  private:
+  Fact<std::vector<Process>> Listed() const;
+
   Facts const& facts_;
+  mutable std::once_flag is_read_;
+  mutable std::optional<Fact<std::vector<Process>>> processes_;
+  mutable std::vector<Absence> left_out_;
 };
 
 // Responses that were recorded, else what follows from the capture's other sources.

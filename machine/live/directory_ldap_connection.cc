@@ -162,16 +162,20 @@ class Connector {
 
 class Engine final : public LdapEngine {
  public:
-  // The first server that answers.
+  // The first server that answers. Each has its share of the time, the last one all that is left.
   Fact<std::unique_ptr<LdapConnection>> Connect(LdapServer const& server,
                                                 Patience const& patience) override {
     BrokenPipesKept const kept;
     std::string const uris = server.uri.empty() ? TextOption(nullptr, LDAP_OPT_URI) : server.uri;
     Fact<std::unique_ptr<LdapConnection>> connection =
         Absence{Outcome::kAbsent, "LDAP", "no server is configured"};
-    for (std::string const& uri : SplitUris(uris)) {
+    std::vector<std::string> const in_order = WithSilentOnesLast(SplitUris(uris));
+    std::size_t left = in_order.size();
+    for (std::string const& uri : in_order) {
       if (connection || patience.is_over()) break;
-      connection = Connector(server, uri, patience).Connect();
+      Patience const share(patience, patience.Left() / left--);
+      connection = Connector(server, uri, share).Connect();
+      if (!connection && share.is_over()) NoteSilence(uri);
     }
     return connection;
   }

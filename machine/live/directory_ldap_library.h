@@ -7,6 +7,7 @@
 #include <csignal>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "machine/live/directory_ldap.h"
 
@@ -47,6 +48,12 @@ Fact<LdapMessage> NextMessage(LDAP* handle, int number, Patience const& patience
 
 // Why a call failed, in the server's words where it has some. The handle may be null.
 Absence FailureOf(LDAP* handle, int error, std::string const& source);
+
+// In their order, but those last that let a question run out of time and have not answered since,
+// the latest of them at the end.
+std::vector<std::string> WithSilentOnesLast(std::vector<std::string> uris);
+void NoteSilence(std::string const& uri);
+void NoteAnswer(std::string const& uri);
 
 std::string ConfiguredBase();
 std::unique_ptr<LdapConnection> MakeLdapConnection(LdapHandle handle, std::string uri);

@@ -138,6 +138,7 @@ std::optional<Absence> Connection::ReadPage(LdapSearch const& search, Patience c
     Fact<LdapMessage> const message = NextMessage(handle_.get(), number, patience, uri_);
     // Whatever went wrong with the connection, the next question finds a new one.
     if (!message) is_usable_ = false;
+    if (!message && patience.is_over()) NoteSilence(uri_);
     if (!message) return message.absence();
     int const kind = ::ldap_msgtype(message->get());
     if (kind == LDAP_RES_SEARCH_RESULT) return ReadEnd(search, message->get(), answer);
@@ -165,6 +166,7 @@ Fact<std::vector<LdapEntry>> Connection::Search(LdapSearch const& search,
     answer.cookie.clear();
     if (auto const failure = ReadPage(search, patience, *number, answer)) return *failure;
   } while (!answer.cookie.empty());
+  NoteAnswer(uri_);
   return std::move(answer.entries);
 }
 

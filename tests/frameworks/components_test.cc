@@ -102,36 +102,41 @@ TEST_F(ComponentManager, AnsweringFromACaptureIsTheSame) {
   EXPECT_EQ(Describe(), expected);
 }
 
-TEST(CapturedComponents, AreAllOrNone) {
+TEST(CapturedComponents, LeaveOutTheMalformedOnes) {
   std::string const codes =
       "<key>Type</key><string>appl</string><key>Subtype</key><data>AAECAw==</data>"
       "<key>Maker</key><string>AbCd</string>";
   struct {
     char const* name;
     std::string entries;
-    Outcome outcome;
+    bool is_malformed;
   } const cases[] = {
-      {"codes alone", codes, Outcome::kAnswered},
-      {"nothing", "", Outcome::kMalformed},
-      {"a long code", codes + "<key>Maker</key><string>\xC6\x92net</string>", Outcome::kMalformed},
-      {"a number as code", codes + "<key>Type</key><integer>1</integer>", Outcome::kMalformed},
-      {"a number as name", codes + "<key>Name</key><integer>1</integer>", Outcome::kMalformed},
+      {"codes alone", codes, false},
+      {"nothing", "", true},
+      {"a long code", codes + "<key>Maker</key><string>\xC6\x92net</string>", true},
+      {"a number as code", codes + "<key>Type</key><integer>1</integer>", true},
+      {"a number as name", codes + "<key>Name</key><integer>1</integer>", true},
       {"a long text", codes + "<key>Info</key><string>" + std::string(256, 'i') + "</string>",
-       Outcome::kMalformed},
-      {"a version as text", codes + "<key>Version</key><string>1</string>", Outcome::kMalformed},
-      {"a negative version", codes + "<key>Version</key><integer>-1</integer>",
-       Outcome::kMalformed},
-      {"a large version", codes + "<key>Version</key><integer>4294967296</integer>",
-       Outcome::kMalformed},
+       true},
+      {"a version as text", codes + "<key>Version</key><string>1</string>", true},
+      {"a negative version", codes + "<key>Version</key><integer>-1</integer>", true},
+      {"a large version", codes + "<key>Version</key><integer>4294967296</integer>", true},
   };
   for (auto const& row : cases) {
     RecordedTree tree;
-    auto const capture = Documented(tree, "<key>Components</key><array><dict>" + codes +
-                                              "</dict><dict>" + row.entries + "</dict></array>");
-    auto const components = capture->Components().Components();
-    EXPECT_EQ(components.outcome(), row.outcome) << row.name;
-    if (components) {
-      EXPECT_EQ((*components)->at(0).subtype, 0x00010203u);
+    std::string const item = "<dict>" + row.entries + "</dict>";
+    auto const list = [](std::string const& items) {
+      return "<key>Components</key><array>" + items + "</array>";
+    };
+    auto const alone = Documented(tree, list(item))->Components().Components();
+    EXPECT_EQ(alone.outcome(), row.is_malformed ? Outcome::kMalformed : Outcome::kAnswered);
+    auto const capture = Documented(tree, list(item + "<dict>" + codes + "</dict>"));
+    for (char const* time : {"first", "again"}) {
+      AnnouncementLog log;
+      auto const components = capture->Components().Components();
+      EXPECT_EQ((*components)->size(), row.is_malformed ? 1u : 2u) << row.name;
+      EXPECT_EQ((*components)->back().subtype, 0x00010203u) << row.name;
+      EXPECT_EQ(log.entries.size(), row.is_malformed ? 2u : 1u) << row.name << ", " << time;
     }
   }
 }

@@ -174,6 +174,17 @@ TEST_F(Keeper, ReadsAnotherMachineAtOnceAndKeepsNothingOfIt) {
   }
 }
 
+TEST_F(Keeper, SaysWhyAMachineWithoutTimeHasNoRecords) {
+  machine_->microseconds = 0;
+  DirectoryKeeper keeper(options_, nullptr);
+  auto const* const user = keeper.User({"ann", ""});
+  for (std::string const& message : {keeper.Computer()->GetErrorMessage(), user->GetErrorMessage(),
+                                     user->GetGroupsErrorMessage()}) {
+    EXPECT_EQ(message, "The machine does not tell the time");
+  }
+  EXPECT_TRUE(Ask(keeper.Computer()) && Ask(keeper.User({"ann", ""}))) << "not pending";
+}
+
 TEST_F(Keeper, LeavesAQuestionBehindThatHangs) {
   std::atomic<bool> is_released = false;
   machine_->on_question = [&] {

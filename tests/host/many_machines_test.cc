@@ -224,6 +224,19 @@ TEST_F(ManyMachines, MemoryGrowsNeitherWithTheirNumberNorWithTheirAnswers) {
   EXPECT_LT(wide.most_memory, few.most_memory + 8'000'000);
 }
 
+// A file that grows beyond 1 MiB ends the command.
+TEST_F(ManyMachines, MessagesThatNobodyReadsAreNotKept) {
+  for (char const* name : {"a", "b"}) Make(name);
+  std::string expressions = "1\n";
+  for (int i = 0; i < 40'000; ++i) expressions += "1 / 0\n";
+  folder_.Write("expressions", expressions + "2\n");
+  AskInShell(
+      "(ulimit -f 1024; $g --jobs 2 --machine @a --machine @b --file @expressions; "
+      "echo $? >@status) 2>&1 >@out | true");
+  EXPECT_EQ(folder_.Read("out"), Resolve("@a: 1: 1\n@a: 2: 2\n@b: 1: 1\n@b: 2: 2\n"));
+  EXPECT_EQ(folder_.Read("status"), "1\n");
+}
+
 TEST(KeptOutput, GivesOutWholeRecordsOnly) {
   host::KeptOutput kept(host::KeptOutput::Records::kCsv);
   std::string all, taken;

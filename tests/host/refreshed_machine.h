@@ -20,7 +20,7 @@ class RefreshedMachine final : public machine::Machine,
  public:
   static constexpr std::int64_t kSecond = 1'000'000;
 
-  std::atomic<std::int64_t> microseconds = 1'795'244'400 * kSecond;
+  std::atomic<std::int64_t> microseconds = 1'795'244'400 * kSecond;  // 0: tells no time
   // Of a hundred questions to the network.
   std::atomic<unsigned> failures = 0;
   mutable std::atomic<int> questions = 0;
@@ -44,7 +44,10 @@ class RefreshedMachine final : public machine::Machine,
   using Fact = machine::Fact<T>;
   using Records = machine::DirectoryRecords;
 
-  Fact<std::int64_t> MicrosecondsSince1970() const override { return microseconds.load(); }
+  Fact<std::int64_t> MicrosecondsSince1970() const override {
+    if (microseconds == 0) return machine::Absence{machine::Outcome::kAbsent, "clock", {}};
+    return microseconds.load();
+  }
   Fact<std::string> HostName() const override { return std::string("mac"); }
   Fact<std::string> ComputerName() const override { return std::string("mac"); }
   Fact<Records> Find(machine::DirectoryQuery const& query) const override;

@@ -1,5 +1,8 @@
 #include "machine/capture/capture.h"
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <functional>
 
@@ -80,6 +83,25 @@ TEST_F(Capture, AnswersWhatItsDocumentTells) {
   EXPECT_THAT(log.entries, ElementsAre(Pair("machine.plist: ComputerName", Outcome::kAnswered)));
 }
 
+TEST_F(Capture, IsNoLessACaptureWhenTooManyFilesAreOpen) {
+  Document("");
+  rlimit before;
+  ::getrlimit(RLIMIT_NOFILE, &before);
+  int const next = ::dup(0);
+  ::close(next);
+  bool is_opened = false;
+  for (int left = 0; left < 20 && !is_opened; ++left) {
+    rlimit const few = {static_cast<rlim_t>(next + left), before.rlim_max};
+    ::setrlimit(RLIMIT_NOFILE, &few);
+    auto const capture = machine::OpenCapture(tree.At(""), {}, ReadRecordedFacts);
+    ::setrlimit(RLIMIT_NOFILE, &before);
+    is_opened = capture.has_value();
+    if (is_opened) continue;
+    EXPECT_THAT(machine::CaptureMessage(capture.absence()), HasSubstr("Too many open files"));
+  }
+  EXPECT_TRUE(is_opened);
+}
+
 struct MalformedCase {
   char const* entries;
   std::function<machine::Absence(Machine const&)> ask;
@@ -133,6 +155,37 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
     EXPECT_EQ(absence.reason, Outcome::kMalformed) << row.entries;
     EXPECT_THAT(absence.source, testing::EndsWith(row.source)) << row.entries;
     EXPECT_EQ(capture->Names().HostName().value(), "box") << row.entries;
+  }
+}
+
+TEST_F(Capture, ProcessesAreThoseThatAreWellFormed) {
+  auto const process = [](char const* pid) {
+    return "<dict><key>pid</key>" + std::string(pid) + "<key>name</key><string>a</string></dict>";
+  };
+  std::string const list = "<key>Processes</key><array>" + process("<string>7</string>") +
+                           process("<integer>9</integer>") + "<true/>" +
+                           process("<integer>5</integer>") + process("<integer>9</integer>") +
+                           "</array>";
+  Document(list);
+  auto const capture = Opened();
+  for (char const* time : {"first", "again"}) {
+    AnnouncementLog log;
+    EXPECT_EQ(capture->Processes().AllProcesses()->size(), 2u);
+    EXPECT_THAT(
+        log.entries,
+        ElementsAre(Pair("machine.plist: Processes[0].pid (not an integer)", Outcome::kMalformed),
+                    Pair("machine.plist: Processes[2].pid (missing)", Outcome::kMalformed),
+                    Pair("machine.plist: Processes", Outcome::kAnswered)))
+        << time;
+  }
+  EXPECT_EQ(capture->Processes().ProcessWithPid(5)->pid, 5);
+  std::pair<char const*, std::size_t> const counts[] = {{"", 2},
+                                                        {"<integer>1</integer>", 2},
+                                                        {"<integer>3</integer>", 3},
+                                                        {"<integer>2147483647</integer>", 2}};
+  for (auto const& [count, expected] : counts) {
+    Document(list + (*count == '\0' ? "" : "<key>ProcessCount</key>") + count);
+    EXPECT_EQ(Opened()->Processes().CountProcesses().value(), expected) << count;
   }
 }
 

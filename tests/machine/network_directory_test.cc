@@ -252,9 +252,42 @@ TEST_F(NetworkDirectory, LeavesASilentServerAloneForAWhile) {
   EXPECT_TRUE(Find(ann)) << "with other settings";
 }
 
+void AwaitAbandonedCalls() {
+  for (int i = 0; i < 200 && machine::live::IsAnyCallAbandoned(); ++i) {
+    std::this_thread::sleep_for(milliseconds(10));
+  }
+  EXPECT_FALSE(machine::live::IsAnyCallAbandoned());
+}
+
+TEST_F(NetworkDirectory, ASilentServerLeavesTimeForTheOthers) {
+  FaultyServer const silent(0, FaultyServer::Fault::kSilence, 0);
+  FaultyServer const half_silent(server->port(), FaultyServer::Fault::kSilence, 14);
+  struct {
+    char const* name;
+    std::string uris;
+    char const* found;
+    bool takes_time;
+  } const rows[] = {
+      {"first", silent.uri() + " " + server->uri(), "cn=n1,dc=test", true},
+      {"asked last the next time", silent.uri() + "," + server->uri(), "cn=n1,dc=test", false},
+      {"after the bind", half_silent.uri() + " " + server->uri(), "no answer in time", true},
+      {"asked last then", half_silent.uri() + " " + server->uri(), "cn=n1,dc=test", false},
+  };
+  settings.time_limit = milliseconds(1000);
+  for (auto const& row : rows) {
+    settings.uri = row.uris;
+    auto const start = std::chrono::steady_clock::now();
+    Records const ann = Find(machine::kUserRecords, {"ann"}, kDistinguishedName);
+    bool const took_time = std::chrono::steady_clock::now() - start >= milliseconds(500);
+    EXPECT_THAT(Values(ann, kDistinguishedName), ElementsAre(row.found)) << row.name;
+    EXPECT_EQ(took_time, row.takes_time) << row.name;
+    AwaitAbandonedCalls();
+  }
+}
+
 TEST_F(NetworkDirectory, IsGivenUpWhenAskedTo) {
   auto const silent = std::make_unique<FaultyServer>(0, FaultyServer::Fault::kSilence, 0);
-  settings.uri = silent->uri();
+  settings.uri = silent->uri() + " " + server->uri();
   settings.time_limit = milliseconds(60'000);
   auto const start = std::chrono::steady_clock::now();
   settings.should_stop = [start] {
@@ -262,10 +295,7 @@ TEST_F(NetworkDirectory, IsGivenUpWhenAskedTo) {
   };
   EXPECT_EQ(Find(machine::kUserRecords, {"ann"}, kTokenGroups).outcome(), Outcome::kTimedOut);
   EXPECT_LT(std::chrono::steady_clock::now() - start, milliseconds(1000));
-  for (int i = 0; i < 200 && machine::live::IsAnyCallAbandoned(); ++i) {
-    std::this_thread::sleep_for(milliseconds(10));
-  }
-  EXPECT_FALSE(machine::live::IsAnyCallAbandoned());
+  AwaitAbandonedCalls();
 }
 
 }  // namespace
