@@ -54,8 +54,7 @@ std::size_t LengthOf(std::uint32_t mark) { return mark > kLongest ? 0 : mark; }
 
 void PutText(std::string_view text, std::uint32_t mark, char*& to) {
   PutNumber(mark, to);
-  std::memcpy(to, text.data(), LengthOf(mark));
-  to += LengthOf(mark);
+  to = std::copy_n(text.data(), LengthOf(mark), to);
 }
 
 // Of bytes that were put as above.
