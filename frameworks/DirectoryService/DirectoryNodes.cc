@@ -34,8 +34,9 @@ bool IsKind(tDirPatternMatch kind) {
 
 tDirStatus dsOpenDirService(tDirReference* reference) {
   if (reference == nullptr) return eDSNullParameter;
-  *reference = References::Shared().Add(OpenService());
-  return eDSNoErr;
+  tDirStatus status = eDSNoErr;
+  *reference = References::Shared().Add(OpenService(), status);
+  return status;
 }
 
 tDirStatus dsCloseDirService(tDirReference reference) {
@@ -73,7 +74,7 @@ tDirStatus dsGetDirNodeName(tDirReference reference, tDataBufferPtr buffer, UInt
 }
 
 tDirStatus dsOpenDirNode(tDirReference reference, tDataListPtr name, tDirNodeReference* node) {
-  tDirStatus const status = References::Shared().StatusOf<OpenService>(reference);
+  tDirStatus status = References::Shared().StatusOf<OpenService>(reference);
   if (status != eDSNoErr) return status;
   if (name == nullptr) return eDSNullNodeName;
   if (node == nullptr) return eDSNullParameter;
@@ -83,8 +84,9 @@ tDirStatus dsOpenDirNode(tDirReference reference, tDataListPtr name, tDirNodeRef
     auto const opened = std::make_shared<Node>();
     opened->service = reference;
     opened->node = known.node;
-    *node = References::Shared().Add(opened);
-    return eDSNoErr;
+    UInt32 const number = References::Shared().Add(opened, status);
+    if (status == eDSNoErr) *node = number;
+    return status;
   }
   return eDSOpenNodeFailed;
 }

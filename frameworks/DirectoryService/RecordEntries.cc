@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "frameworks/DirectoryService/answer_buffer.h"
@@ -18,14 +19,20 @@ char* DataOf(tDataNode& node) {
   return reinterpret_cast<char*>(&node) + offsetof(tDataNode, fBufferData);
 }
 
+struct Freed {
+  void operator()(void* memory) const { std::free(memory); }
+};
+template <typename Entry>
+using OwnedEntry = std::unique_ptr<Entry, Freed>;
+
 // An entry that ends with a node, in which there is room for some bytes and a NUL behind them.
 template <typename Entry>
-Entry* AllocateEntry(tDataNode Entry::*node, std::size_t size) {
+OwnedEntry<Entry> AllocateEntry(tDataNode Entry::*node, std::size_t size) {
   void* const memory = std::malloc(sizeof(Entry) + size + 1);
   if (memory == nullptr) return nullptr;
-  auto* const entry = new (memory) Entry();
-  (entry->*node).fBufferSize = (entry->*node).fBufferLength = static_cast<UInt32>(size);
-  DataOf(entry->*node)[size] = '\0';
+  OwnedEntry<Entry> entry(new (memory) Entry());
+  ((*entry).*node).fBufferSize = ((*entry).*node).fBufferLength = static_cast<UInt32>(size);
+  DataOf((*entry).*node)[size] = '\0';
   return entry;
 }
 
@@ -48,23 +55,20 @@ tDirStatus dsGetRecordEntry(tDirNodeReference node, tDataBufferPtr buffer, UInt3
                             tAttributeListRef* list, tRecordEntryPtr* result) {
   if (buffer == nullptr) return eDSNullDataBuff;
   if (list == nullptr || result == nullptr) return eDSNullParameter;
-  auto record = RecordIn(*buffer, index);
+  auto const record = RecordIn(*buffer, index);
   if (!record.value) return record.status;
   std::string_view const name = record.value->name.substr(0, UINT16_MAX);
   std::string_view const type = record.value->type.substr(0, UINT16_MAX);
-  auto* const entry = AllocateEntry(&tRecordEntry::fRecordNameAndType,
-                                    name.size() + type.size() + 2 * sizeof(UInt16));
+  auto entry = AllocateEntry(&tRecordEntry::fRecordNameAndType,
+                             name.size() + type.size() + 2 * sizeof(UInt16));
   if (entry == nullptr) return eDSAllocationFailed;
   PutShortText(PutShortText(DataOf(entry->fRecordNameAndType), name), type);
   entry->fRecordAttributeCount = record.value->attributes.count;
   tDirStatus status = eDSNoErr;
-  UInt32 const opened = References::Shared().AddOf<OpenNode>(
-      node, OpenAttributeList{node, record.value->attributes}, status);
-  if (status != eDSNoErr) {
-    std::free(entry);
-    return status;
-  }
-  *result = entry;
+  UInt32 const opened =
+      References::Shared().Add(OpenAttributeList{node, record.value->attributes}, status);
+  if (status != eDSNoErr) return status;
+  *result = entry.release();
   *list = opened;
   return eDSNoErr;
 }
@@ -73,22 +77,26 @@ tDirStatus dsGetAttributeEntry(tDirNodeReference node, tDataBufferPtr buffer,
                                tAttributeListRef list_number, UInt32 index,
                                tAttributeValueListRef* values, tAttributeEntryPtr* result) {
   tDirStatus status = eDSNoErr;
-  auto const list = References::Shared().Find<OpenAttributeList>(list_number, status);
+  auto list = References::Shared().Find<OpenAttributeList>(list_number, status);
   if (!list) return status;
   if (list->node != node) return eDSInvalidAttrListRef;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (values == nullptr || result == nullptr) return eDSNullParameter;
-  auto attribute = AttributeIn(*buffer, list->attributes, index);
+  UInt32 const known = list->attributes.known.index;
+  auto const attribute = AttributeIn(*buffer, list->attributes, index);
   if (!attribute.value) return attribute.status;
-  auto* const entry =
-      AllocateEntry(&tAttributeEntry::fAttributeSignature, attribute.value->name.size());
+  if (list->attributes.known.index != known) References::Shared().Replace(list_number, *list);
+  auto entry = AllocateEntry(&tAttributeEntry::fAttributeSignature, attribute.value->name.size());
   if (entry == nullptr) return eDSAllocationFailed;
   std::ranges::copy(attribute.value->name, DataOf(entry->fAttributeSignature));
   entry->fAttributeValueCount = attribute.value->values.count;
   entry->fAttributeDataSize = attribute.value->data_size;
   entry->fAttributeValueMaxSize = attribute.value->largest_size;
-  *result = entry;
-  *values = References::Shared().Add(OpenValueList{node, attribute.value->values});
+  UInt32 const opened =
+      References::Shared().Add(OpenValueList{node, attribute.value->values}, status);
+  if (status != eDSNoErr) return status;
+  *result = entry.release();
+  *values = opened;
   return eDSNoErr;
 }
 
@@ -101,16 +109,15 @@ tDirStatus dsGetAttributeValue(tDirNodeReference node, tDataBufferPtr buffer, UI
   if (list->node != node) return eDSInvalidAttrValueRef;
   if (buffer == nullptr) return eDSNullDataBuff;
   if (result == nullptr) return eDSNullParameter;
-  UInt32 const known = list->values.known_index;
+  UInt32 const known = list->values.known.index;
   auto const found = ValueIn(*buffer, list->values, index);
   if (!found.value) return found.status;
-  if (list->values.known_index != known) References::Shared().Replace(list_number, *list);
-  auto* const entry =
-      AllocateEntry(&tAttributeValueEntry::fAttributeValueData, found.value->size());
+  if (list->values.known.index != known) References::Shared().Replace(list_number, *list);
+  auto entry = AllocateEntry(&tAttributeValueEntry::fAttributeValueData, found.value->size());
   if (entry == nullptr) return eDSAllocationFailed;
   std::ranges::copy(*found.value, DataOf(entry->fAttributeValueData));
   entry->fAttributeValueID = index;
-  *result = entry;
+  *result = entry.release();
   return eDSNoErr;
 }
 

@@ -95,61 +95,52 @@ Node::Kept QuestionOf(Search const& search, Node const& node, DirectoryQuery pat
 tDirStatus TakeRecords(Search const& search, Node& node, DirectoryQuery pattern,
                        Node::Kept& taken) {
   if (IsContinued(search)) {
-    auto const left = node.continued.find(NumberOf(*search.context));
-    if (left == node.continued.end()) return eDSInvalidContinueData;
-    taken.records = std::move(left->second);
-    node.continued.erase(left);
+    tDirStatus status = eDSNoErr;
+    auto const left = References::Shared().Find<OpenSearch>(NumberOf(*search.context), status);
+    if (!left || left->node != search.node) return eDSInvalidContinueData;
+    taken.records = left->records;
     return eDSNoErr;
   }
   Node::Kept question = QuestionOf(search, node, std::move(pattern));
   taken = std::exchange(node.kept, {});
-  bool const is_same = !taken.records.empty() && taken.queries == question.queries &&
+  bool const is_same = taken.records != nullptr && taken.queries == question.queries &&
                        taken.machine == question.machine;
   if (is_same) return eDSNoErr;
   taken = std::move(question);
-  return Ask(taken.queries, *search.count, taken.records.found);
+  taken.records = std::make_shared<Records>();
+  return Ask(taken.queries, *search.count, taken.records->found);
 }
 
-// As many records as fit.
-UInt32 Write(Search const& search, Records& records, std::size_t& needed_size) {
+// As many records as fit; 0 when that is none of those there are.
+UInt32 Write(Search const& search, Records& records) {
+  // Whoever asks again with a little more each time is not made to wait for attempts.
+  bool const is_known_small = search.buffer->fBufferSize < records.needed_size &&
+                              search.has_values == records.needed_for_values;
+  if (is_known_small) return 0;
   AnswerWriter writer(*search.buffer, Content::kRecords);
   std::vector<std::string_view> values;
   while (!records.empty() &&
          writer.Append(records.found->ViewAt(records.next, values), search.has_values)) {
     ++records.next;
   }
+  UInt32 const count = writer.Finish();
+  records.needed_size = count == 0 ? writer.needed_size() : 0;
+  records.needed_for_values = search.has_values;
   if (records.found != nullptr) records.found->Forget(records.next);
-  needed_size = writer.needed_size();
-  return writer.Finish();
+  return count;
 }
 
-// What does not fit is kept for the next call.
-tDirStatus HandOut(Search const& search, Node& node, Node::Kept taken) {
-  // Whoever asks again with a little more each time is not made to wait for attempts.
-  if (search.buffer->fBufferSize < taken.needed_size) {
-    node.kept = std::move(taken);
-    return eDSBufferTooSmall;
-  }
-  Records& records = taken.records;
-  std::size_t needed_size = 0;
-  UInt32 const count = Write(search, records, needed_size);
-  if (!records.empty() && count == 0) {
-    taken.needed_size = needed_size;
-    if (IsContinued(search)) {
-      node.continued[NumberOf(*search.context)] = std::move(records);
-    } else {
-      node.kept = std::move(taken);
-    }
-    return eDSBufferTooSmall;
-  }
-  *search.count = count;
+// Continue data is good for one call.
+tDirStatus Continue(Search const& search, std::shared_ptr<Records> records) {
   if (search.context == nullptr) return eDSNoErr;
+  if (IsContinued(search)) References::Shared().Close<OpenSearch>(NumberOf(*search.context));
   *search.context = nullptr;
-  if (records.empty()) return eDSNoErr;
-  UInt32 const number = References::Shared().NewNumber();
-  node.continued[number] = std::move(records);
-  *search.context = ContextOf(number);
-  return eDSNoErr;
+  if (records->empty()) return eDSNoErr;
+  tDirStatus status = eDSNoErr;
+  UInt32 const number =
+      References::Shared().Add(OpenSearch{search.node, std::move(records)}, status);
+  if (status == eDSNoErr) *search.context = ContextOf(number);
+  return status;
 }
 
 tDirStatus Run(Search const& search, DirectoryQuery pattern) {
@@ -159,7 +150,14 @@ tDirStatus Run(Search const& search, DirectoryQuery pattern) {
   if (!node) return status;
   Node::Kept taken;
   status = TakeRecords(search, **node, std::move(pattern), taken);
-  return status == eDSNoErr ? HandOut(search, **node, std::move(taken)) : status;
+  if (status != eDSNoErr) return status;
+  UInt32 const count = Write(search, *taken.records);
+  if (count == 0 && !taken.records->empty()) {
+    if (!IsContinued(search)) (*node)->kept = std::move(taken);
+    return eDSBufferTooSmall;
+  }
+  *search.count = count;
+  return Continue(search, std::move(taken.records));
 }
 
 std::optional<machine::DirectoryMatch> MatchOf(tDirPatternMatch match) {
@@ -212,10 +210,11 @@ tDirStatus dsDoAttributeValueSearch(tDirNodeReference node, tDataBufferPtr buffe
 }
 
 tDirStatus dsReleaseContinueData(tDirReference reference, tContextData context) {
-  tDirStatus const status = References::Shared().StatusOf<OpenService>(reference);
+  tDirStatus status = References::Shared().StatusOf<OpenService>(reference);
   if (status != eDSNoErr) return status;
-  auto const node = References::Shared().NodeOfContinued(NumberOf(context));
-  if (node == nullptr || node->service != reference) return eDSInvalidContinueData;
-  node->continued.erase(NumberOf(context));
-  return eDSNoErr;
+  auto const search = References::Shared().Find<OpenSearch>(NumberOf(context), status);
+  auto const node =
+      search ? References::Shared().Find<OpenNode>(search->node, status) : std::nullopt;
+  if (!node || (*node)->service != reference) return eDSInvalidContinueData;
+  return References::Shared().Close<OpenSearch>(NumberOf(context));
 }

@@ -17,6 +17,9 @@ constexpr std::size_t kData = offsetof(tDataBuffer, fBufferData);
 // start.
 constexpr UInt32 kIsThere = 0x8000'0000;
 
+// So many texts to pass are worth a place to remember.
+constexpr std::size_t kFar = 16;
+
 // Reads the content from a place on.
 class Cursor {
  public:
@@ -110,7 +113,8 @@ char* AnswerWriter::ContentAt(std::size_t place) {
 
 void AnswerWriter::PutBytes(void const* bytes, std::size_t size) {
   needed_ += size;
-  if (buffer_.fBufferSize - buffer_.fBufferLength < size) is_full_ = true;
+  std::size_t const capacity = std::min(buffer_.fBufferSize, kIsThere);
+  if (capacity - buffer_.fBufferLength < size) is_full_ = true;
   if (is_full_) return;
   std::memcpy(ContentAt(buffer_.fBufferLength), bytes, size);
   buffer_.fBufferLength += static_cast<UInt32>(size);
@@ -124,7 +128,6 @@ void AnswerWriter::PutNumber(std::size_t number) {
 // Where it is.
 UInt32 AnswerWriter::PutText(std::string_view text) {
   UInt32 const start = buffer_.fBufferLength;
-  if (text.size() >= kIsThere) is_full_ = true;
   PutNumber(text.size());
   PutBytes(text.data(), text.size());
   return start;
@@ -203,46 +206,51 @@ Expected<RecordInBuffer> RecordIn(tDataBuffer const& buffer, UInt32 index) {
   record.name = cursor.Text();
   record.type = kind.Text();
   kind.Skip(1);
-  record.attributes = {kind.Number(), kind.place(), cursor.place()};
+  UInt32 const count = kind.Number();
+  AttributesInBuffer::Place const first = {1, kind.place(), cursor.place()};
+  record.attributes = {count, first, first};
   if (!cursor.is_good() || !kind.is_good()) return {{}, eDSCorruptBuffer};
   return {record, eDSNoErr};
 }
 
-Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer,
-                                        AttributesInBuffer const& attributes, UInt32 index) {
+Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer, AttributesInBuffer& attributes,
+                                        UInt32 index) {
   if (index == 0 || index > attributes.count) return {{}, eDSIndexOutOfRange};
-  Cursor name(ContentOf(buffer), attributes.start), value(ContentOf(buffer), attributes.values);
-  for (; index > 1 && name.is_good(); --index) {
+  auto const& from = index >= attributes.known.index ? attributes.known : attributes.first;
+  Cursor name(ContentOf(buffer), from.name), value(ContentOf(buffer), from.values);
+  std::size_t hops = index - from.index;
+  for (UInt32 at = from.index; at < index && name.is_good(); ++at) {
     name.Skip(1);
-    value.Skip(name.Number());
+    UInt32 const count = name.Number();
+    value.Skip(count);
+    hops += count;
   }
+  AttributesInBuffer::Place const place = {index, name.place(), value.place()};
   AttributeInBuffer attribute;
   attribute.name = name.Text();
-  attribute.values = {name.Number(), value.place(), 1, value.place()};
-  for (UInt32 i = 0; i < attribute.values.count && value.is_good(); ++i) {
+  UInt32 const count = name.Number();
+  attribute.values = {count, {1, value.place()}, {1, value.place()}};
+  for (UInt32 i = 0; i < count && value.is_good(); ++i) {
     auto const size = static_cast<UInt32>(value.Text().size());
     attribute.data_size += size;
     attribute.largest_size = std::max(attribute.largest_size, size);
   }
   if (!name.is_good() || !value.is_good()) return {{}, eDSCorruptBuffer};
+  if (hops > kFar) attributes.known = place;
   return {attribute, eDSNoErr};
 }
 
 Expected<std::string_view> ValueIn(tDataBuffer const& buffer, ValuesInBuffer& values,
                                    UInt32 index) {
-  constexpr UInt32 kFar = 16;
   if (index == 0 || index > values.count) return {{}, eDSIndexOutOfRange};
-  bool const is_behind = index >= values.known_index;
-  UInt32 const hops = index - (is_behind ? values.known_index : 1);
-  Cursor cursor(ContentOf(buffer), is_behind ? values.known_start : values.start);
+  auto const& from = index >= values.known.index ? values.known : values.first;
+  Cursor cursor(ContentOf(buffer), from.start);
+  UInt32 const hops = index - from.index;
   cursor.Skip(hops);
   UInt32 const start = cursor.place();
   std::string_view const value = cursor.Text();
   if (!cursor.is_good()) return {{}, eDSCorruptBuffer};
-  if (hops > kFar) {
-    values.known_index = index;
-    values.known_start = start;
-  }
+  if (hops > kFar) values.known = {index, start};
   return {value, eDSNoErr};
 }
 

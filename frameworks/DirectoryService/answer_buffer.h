@@ -51,10 +51,16 @@ class AnswerWriter {
 };
 
 // Places count from the start of the buffer's content: what is opened is found again without
-// counting up to it, and each time without trust.
+// counting up to it, and each time without trust. There may be thousands of attributes and of
+// values, each of them asked for: the search for one begins at the last that was far from where it
+// began, if that is not behind it.
 struct AttributesInBuffer {
+  struct Place {
+    UInt32 index = 1;
+    UInt32 name = 0, values = 0;
+  };
   UInt32 count = 0;
-  UInt32 start = 0, values = 0;  // of their names and of their values
+  Place first, known;
 };
 
 // Texts are in the buffer. Nothing where it does not hold what is asked for.
@@ -62,11 +68,13 @@ struct RecordInBuffer {
   std::string_view name, type;
   AttributesInBuffer attributes;
 };
-// An attribute may have thousands of values, each of them asked for: the search for one begins at
-// the last that was far from where it began.
 struct ValuesInBuffer {
-  UInt32 count = 0, start = 0;
-  UInt32 known_index = 1, known_start = 0;
+  struct Place {
+    UInt32 index = 1;
+    UInt32 start = 0;
+  };
+  UInt32 count = 0;
+  Place first, known;
 };
 struct AttributeInBuffer {
   std::string_view name;
@@ -84,11 +92,11 @@ struct Expected {
 // What the buffer holds; empty where it says that it holds more than it can.
 std::string_view ContentOf(tDataBuffer const& buffer);
 
-// Indices count from 1.
+// Indices count from 1. What was given may remember more of its places afterwards.
 Expected<std::string_view> NodeNameIn(tDataBuffer const& buffer, UInt32 index);
 Expected<RecordInBuffer> RecordIn(tDataBuffer const& buffer, UInt32 index);
-Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer,
-                                        AttributesInBuffer const& attributes, UInt32 index);
+Expected<AttributeInBuffer> AttributeIn(tDataBuffer const& buffer, AttributesInBuffer& attributes,
+                                        UInt32 index);
 Expected<std::string_view> ValueIn(tDataBuffer const& buffer, ValuesInBuffer& values, UInt32 index);
 
 }  // namespace directory_service

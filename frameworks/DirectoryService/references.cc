@@ -11,55 +11,86 @@ References& References::Shared() {
   return *references;
 }
 
-UInt32 References::NewNumber() {
-  std::lock_guard lock(guard_);
-  return ++last_;
-}
-
-UInt32 References::ParentOf(Reference const& reference) {
-  if (auto const* node = std::get_if<OpenNode>(&reference.opened)) return (*node)->service;
-  if (auto const* list = std::get_if<OpenAttributeList>(&reference.opened)) return list->node;
-  if (auto const* list = std::get_if<OpenValueList>(&reference.opened)) return list->node;
-  return 0;
-}
-
+// What is asked for is mostly among the last: a service, its node, a record and an attribute.
 References::Reference const* References::Locate(UInt32 number) const {
-  if (!open_.empty() && open_.back().number == number) return &open_.back();
-  auto const found = std::ranges::lower_bound(open_, number, {}, &Reference::number);
-  return found == open_.end() || found->number != number ? nullptr : &*found;
+  constexpr std::ptrdiff_t kNear = 4;
+  Reference const* const begin = open_.data() + closed_count_;
+  Reference const* const end = open_.data() + open_.size();
+  Reference const* const near = end - std::min(kNear, end - begin);
+  for (Reference const* at = end; at != near;) {
+    if ((--at)->number == number) return at;
+  }
+  Reference const* const found =
+      std::ranges::lower_bound(begin, near, number, {}, &Reference::number);
+  return found == near || found->number != number ? nullptr : found;
 }
 
-// What is opened later has the higher number, so one pass finds the lists of a service's nodes too.
-References::Reference References::Remove(Reference const& reference) {
-  auto kept_end = open_.begin() + (&reference - open_.data());
-  Reference removed = std::move(*kept_end);
-  for (auto at = kept_end + 1; at != open_.end(); ++at) {
-    UInt32 const parent = ParentOf(*at);
-    bool const is_orphan =
-        parent != 0 &&
-        !std::ranges::binary_search(open_.begin(), kept_end, parent, {}, &Reference::number);
-    if (!is_orphan) *kept_end++ = std::move(*at);
-  }
-  open_.erase(kept_end, open_.end());
-  return removed;
+UInt32 References::NextNumber() {
+  do {
+    ++last_;
+    bool const is_highest = open_.size() == closed_count_ || open_.back().number < last_;
+    if (last_ != 0 && is_highest) break;
+  } while (last_ == 0 || Locate(last_) != nullptr);
+  return last_;
 }
 
-OpenNode References::NodeOfContinued(UInt32 number) const {
-  std::lock_guard lock(guard_);
-  for (Reference const& reference : open_) {
-    auto const* const node = std::get_if<OpenNode>(&reference.opened);
-    if (node != nullptr && (*node)->continued.contains(number)) return *node;
+void References::Insert(Reference reference) {
+  auto place = open_.end();
+  if (open_.size() > closed_count_ && open_.back().number > reference.number) {
+    place = std::ranges::lower_bound(open_.begin() + static_cast<std::ptrdiff_t>(closed_count_),
+                                     open_.end(), reference.number, {}, &Reference::number);
   }
-  return nullptr;
+  open_.insert(place, std::move(reference));
+}
+
+// Moves the fewer of those before and behind it.
+void References::Erase(Reference& reference) {
+  Reference* const begin = open_.data() + closed_count_;
+  Reference* const end = open_.data() + open_.size();
+  if (end - &reference <= &reference - begin) {
+    std::move(&reference + 1, end, &reference);
+    open_.pop_back();
+    return;
+  }
+  std::move_backward(begin, &reference, &reference + 1);
+  ++closed_count_;
+  if (closed_count_ <= open_.size() / 2) return;
+  open_.erase(open_.begin(), open_.begin() + static_cast<std::ptrdiff_t>(closed_count_));
+  closed_count_ = 0;
+}
+
+void References::Remove(Reference& reference, Closed& closed) {
+  UInt32 const number = reference.number;
+  UInt32 children = reference.child_count;
+  auto* const parent = const_cast<Reference*>(Locate(reference.parent));
+  if (parent != nullptr) --parent->child_count;
+  bool const holds_something = std::holds_alternative<OpenNode>(reference.opened) ||
+                               std::holds_alternative<OpenSearch>(reference.opened);
+  if (holds_something) closed.push_back(std::move(reference));
+  Erase(reference);
+  for (; children > 0; --children) {
+    auto const child = std::ranges::find(open_.begin() + static_cast<std::ptrdiff_t>(closed_count_),
+                                         open_.end(), number, &Reference::parent);
+    Remove(*child, closed);
+  }
 }
 
 std::size_t References::count() const {
   std::lock_guard lock(guard_);
-  return open_.size();
+  return open_.size() - closed_count_;
+}
+
+void References::SetLastNumber(UInt32 number) {
+  std::lock_guard lock(guard_);
+  last_ = number;
 }
 
 }  // namespace directory_service
 
 UInt32 DirectoryServiceOpenReferenceCount() {
   return static_cast<UInt32>(directory_service::References::Shared().count());
+}
+
+void DirectoryServiceSetLastReference(UInt32 number) {
+  directory_service::References::Shared().SetLastNumber(number);
 }

@@ -1,55 +1,57 @@
-// What is open, by number. Numbers are not used again, so that a stale one is told from others.
+// What is open, by number. Numbers are not used again for as long as there are others, so that a
+// stale one is told from those in use.
 #pragma once
 
 #include <DirectoryService/DirServicesTypes.h>
 
-#include <atomic>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
-#include <string>
-#include <thread>
 #include <variant>
 #include <vector>
 
 #include "frameworks/DirectoryService/answer_buffer.h"
 #include "machine/directory.h"
+#include "machine/spin_lock.h"
 
 namespace directory_service {
-
-struct OpenService {};
 
 // What a search has found, and how much of it was handed out.
 struct Records {
   std::unique_ptr<machine::DirectoryRecords> found;
   std::size_t next = 0;
+  // Of a buffer that was too small: how large it has to be, with the values or without.
+  std::size_t needed_size = 0;
+  bool needed_for_values = false;
 
   bool empty() const { return found == nullptr || next == found->size(); }
 };
 
-// A search's records end with their node at the latest.
 struct Node {
   tDirReference service = 0;
   machine::DirectoryNode node = machine::DirectoryNode::kSearch;
-  std::map<UInt32, Records> continued;  // by the number that the continue data is
 
   // The answer to a question for which the buffer was too small, as it is asked again then.
   struct Kept {
     std::vector<machine::DirectoryQuery> queries;
     std::uint64_t machine = 0;
-    Records records;
-    std::size_t needed_size = 0;  // of a buffer
+    std::shared_ptr<Records> records;
   };
   Kept kept;
 };
-using OpenNode = std::shared_ptr<Node>;
 
+// All that is opened of something ends with it.
+struct OpenService {};
+using OpenNode = std::shared_ptr<Node>;
+// What was not handed out yet; its number is the continue data.
+struct OpenSearch {
+  tDirNodeReference node = 0;
+  std::shared_ptr<Records> records;
+};
 struct OpenAttributeList {
   tDirNodeReference node = 0;
   AttributesInBuffer attributes;
 };
-
 struct OpenValueList {
   tDirNodeReference node = 0;
   ValuesInBuffer values;
@@ -59,17 +61,11 @@ class References {
  public:
   static References& Shared();
 
-  template <typename Opened>
-  UInt32 Add(Opened opened) {
-    std::lock_guard lock(guard_);
-    return AddLocked(std::move(opened));
-  }
   // 0, and a status, when what it is opened of is not open.
-  template <typename Parent, typename Opened>
-  UInt32 AddOf(UInt32 parent, Opened opened, tDirStatus& status) {
+  template <typename Opened>
+  UInt32 Add(Opened opened, tDirStatus& status) {
     std::lock_guard lock(guard_);
-    status = StatusAs<Parent>(Locate(parent));
-    return status == eDSNoErr ? AddLocked(std::move(opened)) : 0;
+    return AddLocked(std::move(opened), status);
   }
 
   // A copy of what the number stands for, which keeps a node there; nothing when the number is not
@@ -100,57 +96,66 @@ class References {
 
   template <typename Opened>
   tDirStatus Close(UInt32 number) {
-    Reference closed;  // and what it holds ends when the guard is free
+    Closed closed;
     std::lock_guard lock(guard_);
-    Reference const* const reference = Locate(number);
+    auto* const reference = const_cast<Reference*>(Locate(number));
     tDirStatus const status = StatusAs<Opened>(reference);
-    if (status == eDSNoErr) closed = Remove(*reference);
+    if (status == eDSNoErr) Remove(*reference, closed);
     return status;
   }
 
-  UInt32 NewNumber();
-  // The node that the continue data belongs to; null when there is none.
-  OpenNode NodeOfContinued(UInt32 number) const;
   std::size_t count() const;
+  // The number that the next one follows, for tests of what happens when there are no more.
+  void SetLastNumber(UInt32 number);
 
  private:
-  // Held for a few instructions, since a list of accounts is read by millions of calls.
-  class Guard {
-   public:
-    void lock() {
-      while (held_.test_and_set(std::memory_order_acquire)) std::this_thread::yield();
-    }
-    void unlock() { held_.clear(std::memory_order_release); }
-
-   private:
-    std::atomic_flag held_;
-  };
-
   struct Reference {
     UInt32 number = 0;
-    std::variant<OpenService, OpenNode, OpenAttributeList, OpenValueList> opened;
+    UInt32 parent = 0;       // what it is opened of
+    UInt32 child_count = 0;  // how many are opened of it
+    std::variant<OpenService, OpenNode, OpenSearch, OpenAttributeList, OpenValueList> opened;
   };
+  // What ends when the guard is free, as far as it holds anything.
+  using Closed = std::vector<Reference>;
 
-  template <typename Opened>
-  UInt32 AddLocked(Opened opened) {
-    open_.push_back({++last_, std::move(opened)});
-    return last_;
-  }
   template <typename Opened>
   static tDirStatus StatusAs(Reference const* reference) {
     if (reference == nullptr) return eDSInvalidReference;
     return std::holds_alternative<Opened>(reference->opened) ? eDSNoErr : eDSInvalidRefType;
   }
-  static UInt32 ParentOf(Reference const& reference);
+  static UInt32 ParentOf(OpenService const&) { return 0; }
+  static UInt32 ParentOf(OpenNode const& node) { return node->service; }
+  template <typename Opened>
+  static UInt32 ParentOf(Opened const& opened) {
+    return opened.node;
+  }
 
-  // For who holds the guard. Null when the number is not open.
+  template <typename Opened>
+  UInt32 AddLocked(Opened opened, tDirStatus& status) {
+    UInt32 const parent_number = ParentOf(opened);
+    Reference* const parent =
+        parent_number == 0 ? nullptr : const_cast<Reference*>(Locate(parent_number));
+    status = parent_number != 0 && parent == nullptr ? eDSInvalidReference : eDSNoErr;
+    if (status != eDSNoErr) return 0;
+    if (parent != nullptr) ++parent->child_count;
+    Insert({NextNumber(), parent_number, 0, std::move(opened)});
+    return last_;
+  }
+
+  // For who holds the guard. Null when it is not open.
   Reference const* Locate(UInt32 number) const;
+  UInt32 NextNumber();
+  void Insert(Reference reference);
   // With all that was opened of it.
-  Reference Remove(Reference const& reference);
+  void Remove(Reference& reference, Closed& closed);
+  void Erase(Reference& reference);
 
-  mutable Guard guard_;
-  // By ascending number, as they were opened. What was opened last is mostly closed first.
+  // Held for a few instructions: a list of accounts is read by millions of calls.
+  mutable machine::SpinLock guard_;
+  // By ascending number, as they were opened for the most part, behind some that are closed. What
+  // was opened last is mostly closed first, and what is held long in the order it was opened.
   std::vector<Reference> open_;
+  std::size_t closed_count_ = 0;
   UInt32 last_ = 0;
 };
 
@@ -158,3 +163,4 @@ class References {
 
 // How much is open, for tests that look whether all was closed.
 CF_EXPORT UInt32 DirectoryServiceOpenReferenceCount(void);
+CF_EXPORT void DirectoryServiceSetLastReference(UInt32 number);

@@ -161,19 +161,26 @@ TEST_F(DirectoryService, AnswersOnceTheBufferIsLargeEnough) {
 
 TEST_F(DirectoryService, ContinuesWhereTheBufferEnded) {
   std::vector<std::string> names;
-  for (int i = 0; i < 50; ++i) {
-    names.push_back("user" + std::to_string(i));
-    directory->Add(names.back(), {});
-  }
-  Buffer const buffer = Allocate(500);
+  for (int i = 0; i < 50; ++i) names.push_back("user" + std::to_string(i));
+  names.insert(names.begin() + 30, std::string(900, 'x'));
+  for (std::string const& name : names) directory->Add(name, {});
+  Buffer buffer = Allocate(500);
   tContextData context = nullptr;
   std::vector<std::string> found;
   UInt32 count = 0;
+  int larger = 0;
   do {
-    ASSERT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context), eDSNoErr);
+    tDirStatus const status = Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context);
+    if (status == eDSBufferTooSmall) {
+      buffer = Allocate(buffer->fBufferSize + 100);
+      ++larger;
+      continue;
+    }
+    ASSERT_EQ(status, eDSNoErr);
     for (UInt32 i = 1; i <= count; ++i) ReadValues(buffer.get(), i, found);
   } while (context != nullptr);
   EXPECT_EQ(found, names);
+  EXPECT_GT(larger, 3);
   EXPECT_EQ(directory->calls, 1);
 
   count = 0;
@@ -285,6 +292,41 @@ TEST_F(DirectoryService, KnowsWhatIsOpen) {
   EXPECT_EQ(dsOpenDirNode(service, List(dsBuildFromPath(service, "/Nowhere", "/")).get(), &other),
             eDSOpenNodeFailed);
   EXPECT_EQ(dsOpenDirNode(service, nullptr, &other), eDSNullNodeName);
+}
+
+// Also when all numbers were used: 0 is none, and what is open keeps its own.
+TEST_F(DirectoryService, BeginsNumbersAnew) {
+  directory->Add("ann", {"one", "two"});
+  Buffer const buffer = Allocate(8192);
+  UInt32 count = 0;
+  ASSERT_EQ(Ask(buffer.get(), "ann", kDSAttributesAll, count, nullptr), eDSNoErr);
+  DirectoryServiceSetLastReference(UINT32_MAX - 3);
+  tDirNodeReference const local = OpenNode(eDSLocalHostedNodes);
+  std::vector<std::string> values;
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(ReadValues(buffer.get(), 1, values), eDSNoErr);
+  EXPECT_EQ(values.size(), 9u);
+  EXPECT_EQ(dsCloseDirNode(local), eDSNoErr);
+  EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 2u);
+}
+
+TEST_F(DirectoryService, EndsAllThatWasOpenedOfIt) {
+  directory->Add("ann", {"one", "two"});
+  directory->Add("bob", {});
+  Buffer const buffer = Allocate(110);
+  UInt32 count = 0;
+  tContextData context = nullptr;
+  ASSERT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context), eDSNoErr);
+  EXPECT_NE(context, nullptr);
+  tAttributeListRef list = 0;
+  tRecordEntryPtr entry = nullptr;
+  ASSERT_EQ(dsGetRecordEntry(node, buffer.get(), 1, &list, &entry), eDSNoErr);
+  dsDeallocRecordEntry(service, entry);
+  tDirReference other = 0;
+  ASSERT_EQ(dsOpenDirService(&other), eDSNoErr);
+  EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 5u);
+  EXPECT_EQ(dsCloseDirService(std::exchange(service, other)), eDSNoErr);
+  EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 1u);
+  EXPECT_EQ(dsGetRecordEntry(node, buffer.get(), 1, &list, &entry), eDSInvalidReference);
 }
 
 // The buffer is the caller's, and may hold anything.
