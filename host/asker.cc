@@ -172,8 +172,16 @@ ExitStatus Asker::Evaluate(Report& report, Expression const& expression) {
 }
 
 void Asker::Abandon() {
+  // A write that blocks does not keep us.
+  constexpr std::chrono::milliseconds kPatience{200}, kPause{1};
+  auto const end = Clock::now() + kPatience;
+  bool is_ours = writing_.try_lock();
+  while (!is_ours && Clock::now() < end) {
+    std::this_thread::sleep_for(kPause);
+    is_ours = writing_.try_lock();
+  }
   // The evaluating thread may be anywhere but here: what it holds besides is left alone.
-  if (writing_.try_lock_for(std::chrono::milliseconds(200)) && current_ != nullptr) {
+  if (is_ours && current_ != nullptr) {
     Report report;
     report.text = current_->text;
     report.expression = current_->expression;

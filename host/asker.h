@@ -9,6 +9,7 @@
 #include "host/evidence_log.h"
 #include "host/exit_status.h"
 #include "host/time_limit.h"
+#include "machine/spin_lock.h"
 
 namespace gatotu::host {
 
@@ -48,8 +49,8 @@ class Asker {
   AnswerWriter& writer_;
   Output const& answers_;
   EvidenceLog log_;
-  // Held while the writer is at work. Timed: a write that blocks does not keep the watchdog.
-  std::timed_mutex writing_;
+  // Held while the writer is at work.
+  machine::SpinLock writing_;
   Report const* current_ = nullptr;
   Watchdog watchdog_;  // last, so that it ends before what it looks at
 };
