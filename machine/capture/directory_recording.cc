@@ -35,13 +35,12 @@ Record RecordOf(std::vector<std::size_t> const& numbers) {
 
 // Of records with one name and node each stands for itself within an answer.
 std::size_t RecordedDirectory::NumberOf(DirectoryRecord const& record,
-                                        std::vector<std::size_t> const& taken) {
+                                        std::set<std::size_t> const& taken) {
   auto& known = records_[record.type];
   auto& numbers = numbers_[record.type];
   auto const [first, last] = numbers.equal_range(record.name);
   for (auto at = first; at != last; ++at) {
-    bool const is_it = known[at->second].node == record.node &&
-                       std::ranges::find(taken, at->second) == taken.end();
+    bool const is_it = known[at->second].node == record.node && !taken.contains(at->second);
     if (is_it) return at->second;
   }
   numbers.emplace(record.name, known.size());
@@ -60,10 +59,12 @@ void RecordedDirectory::Keep(DirectoryQuery const& query, Fact<DirectoryRecords>
     return;
   }
   std::vector<std::size_t> numbers;
+  std::set<std::size_t> taken;
   for (DirectoryRecord const& record : *answer) {
-    std::size_t const number = NumberOf(record, numbers);
+    std::size_t const number = NumberOf(record, taken);
     Merge(record, records_[record.type][number]);
     numbers.push_back(number);
+    taken.insert(number);
   }
   answers_.insert_or_assign(key, std::move(numbers));
 }

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <mutex>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -21,7 +22,7 @@ class RecordedDirectory {
 
  private:
   // Attributes of one record come together from several answers; the last one counts.
-  std::size_t NumberOf(DirectoryRecord const& record, std::vector<std::size_t> const& taken);
+  std::size_t NumberOf(DirectoryRecord const& record, std::set<std::size_t> const& taken);
 
   mutable std::mutex guard_;
   std::map<std::string, std::vector<DirectoryRecord>> records_;             // by type
