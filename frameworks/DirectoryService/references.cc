@@ -11,40 +11,29 @@ References& References::Shared() {
   return *references;
 }
 
-// What is asked for is mostly among the last: a service, its node, a record and an attribute.
-References::Reference const* References::Locate(UInt32 number) const {
-  constexpr std::ptrdiff_t kNear = 4;
-  Reference const* const begin = open_.data() + closed_count_;
+References::Reference const* References::LocateFar(UInt32 number) const {
   Reference const* const end = open_.data() + open_.size();
-  Reference const* const near = end - std::min(kNear, end - begin);
-  for (Reference const* at = end; at != near;) {
-    if ((--at)->number == number) return at;
-  }
   Reference const* const found =
-      std::ranges::lower_bound(begin, near, number, {}, &Reference::number);
-  return found == near || found->number != number ? nullptr : found;
+      std::ranges::lower_bound(open_.data() + closed_count_, end, number, {}, &Reference::number);
+  return found == end || found->number != number ? nullptr : found;
 }
 
 UInt32 References::NextNumber() {
   do {
     ++last_;
-    bool const is_highest = open_.size() == closed_count_ || open_.back().number < last_;
-    if (last_ != 0 && is_highest) break;
   } while (last_ == 0 || Locate(last_) != nullptr);
   return last_;
 }
 
-void References::Insert(Reference reference) {
-  auto place = open_.end();
-  if (open_.size() > closed_count_ && open_.back().number > reference.number) {
-    place = std::ranges::lower_bound(open_.begin() + static_cast<std::ptrdiff_t>(closed_count_),
-                                     open_.end(), reference.number, {}, &Reference::number);
-  }
+void References::InsertFar(Reference reference) {
+  auto const place =
+      std::ranges::lower_bound(open_.begin() + static_cast<std::ptrdiff_t>(closed_count_),
+                               open_.end(), reference.number, {}, &Reference::number);
   open_.insert(place, std::move(reference));
 }
 
 // Moves the fewer of those before and behind it.
-void References::Erase(Reference& reference) {
+void References::EraseFar(Reference& reference) {
   Reference* const begin = open_.data() + closed_count_;
   Reference* const end = open_.data() + open_.size();
   if (end - &reference <= &reference - begin) {
@@ -62,8 +51,7 @@ void References::Erase(Reference& reference) {
 void References::Remove(Reference& reference, Closed& closed) {
   UInt32 const number = reference.number;
   UInt32 children = reference.child_count;
-  auto* const parent = const_cast<Reference*>(Locate(reference.parent));
-  if (parent != nullptr) --parent->child_count;
+  Leave(reference.parent);
   bool const holds_something = std::holds_alternative<OpenNode>(reference.opened) ||
                                std::holds_alternative<OpenSearch>(reference.opened);
   if (holds_something) closed.push_back(std::move(reference));

@@ -4,9 +4,12 @@
 
 #include <DirectoryService/DirServicesTypes.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <mutex>
 #include <optional>
+#include <type_traits>
 #include <variant>
 #include <vector>
 
@@ -100,7 +103,15 @@ class References {
     std::lock_guard lock(guard_);
     auto* const reference = const_cast<Reference*>(Locate(number));
     tDirStatus const status = StatusAs<Opened>(reference);
-    if (status == eDSNoErr) Remove(*reference, closed);
+    if (status != eDSNoErr) return status;
+    constexpr bool kIsList =
+        std::is_same_v<Opened, OpenAttributeList> || std::is_same_v<Opened, OpenValueList>;
+    if constexpr (kIsList) {
+      Leave(reference->parent);
+      Erase(*reference);
+    } else {
+      Remove(*reference, closed);
+    }
     return status;
   }
 
@@ -109,6 +120,8 @@ class References {
   void SetLastNumber(UInt32 number);
 
  private:
+  static constexpr std::size_t kNear = 4;
+
   struct Reference {
     UInt32 number = 0;
     UInt32 parent = 0;       // what it is opened of
@@ -138,17 +151,40 @@ class References {
     status = parent_number != 0 && parent == nullptr ? eDSInvalidReference : eDSNoErr;
     if (status != eDSNoErr) return 0;
     if (parent != nullptr) ++parent->child_count;
-    Insert({NextNumber(), parent_number, 0, std::move(opened)});
+    bool const is_next =
+        last_ != UINT32_MAX && (open_.size() == closed_count_ || open_.back().number <= last_);
+    if (is_next) {
+      open_.push_back({++last_, parent_number, 0, std::move(opened)});
+    } else {
+      InsertFar({NextNumber(), parent_number, 0, std::move(opened)});
+    }
     return last_;
   }
 
-  // For who holds the guard. Null when it is not open.
-  Reference const* Locate(UInt32 number) const;
+  // For who holds the guard. Null when it is not open. What is asked for is mostly among the last:
+  // a service, its node, a record and an attribute.
+  Reference const* Locate(UInt32 number) const {
+    std::size_t const near = open_.size() - std::min(kNear, open_.size() - closed_count_);
+    for (std::size_t i = open_.size(); i-- > near;) {
+      if (open_[i].number == number) return &open_[i];
+    }
+    return near == closed_count_ ? nullptr : LocateFar(number);
+  }
+  Reference const* LocateFar(UInt32 number) const;
+  // Where numbers have begun anew.
   UInt32 NextNumber();
-  void Insert(Reference reference);
+  void InsertFar(Reference reference);
+  void Leave(UInt32 parent_number) {
+    auto* const parent = const_cast<Reference*>(Locate(parent_number));
+    if (parent != nullptr) --parent->child_count;
+  }
   // With all that was opened of it.
   void Remove(Reference& reference, Closed& closed);
-  void Erase(Reference& reference);
+  void Erase(Reference& reference) {
+    if (&reference == &open_.back()) return open_.pop_back();
+    EraseFar(reference);
+  }
+  void EraseFar(Reference& reference);
 
   // Held for a few instructions: a list of accounts is read by millions of calls.
   mutable machine::SpinLock guard_;

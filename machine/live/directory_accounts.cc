@@ -3,6 +3,7 @@
 #include <grp.h>
 #include <pwd.h>
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
@@ -43,6 +44,7 @@ class LocalRecord {
   }
 
   Digits number_, group_number_;
+  std::array<std::string_view, std::size(kUserAttributes)> user_values_;
   DirectoryRecordParts parts_;
 };
 
@@ -51,24 +53,24 @@ std::string_view TextOf(char const* text) { return text == nullptr ? std::string
 // The comment's first part is the name, then come rooms and telephones.
 DirectoryRecordView LocalRecord::Of(passwd const& user) {
   std::string_view const name = user.pw_name, comment = TextOf(user.pw_gecos);
-  std::string_view const values[] = {name,
-                                     kUserForm.type,
-                                     kUserForm.node,
-                                     Write(user.pw_uid, number_),
-                                     Write(user.pw_gid, group_number_),
-                                     TextOf(user.pw_dir),
-                                     comment.substr(0, comment.find(',')),
-                                     TextOf(user.pw_shell)};
-  static_assert(std::size(values) == std::size(kUserAttributes));
-  bool is_whole = true;
-  parts_.Clear();
-  for (std::size_t i = 0; i < std::size(values); ++i) {
-    bool const is_there = i < kFirstOptional || !values[i].empty();
-    if (is_there) parts_.Add(kUserAttributes[i].name, values[i]);
-    if (!is_there) is_whole = false;
+  user_values_ = {name,
+                  kUserForm.type,
+                  kUserForm.node,
+                  Write(user.pw_uid, number_),
+                  Write(user.pw_gid, group_number_),
+                  TextOf(user.pw_dir),
+                  comment.substr(0, comment.find(',')),
+                  TextOf(user.pw_shell)};
+  auto const is_missing = [](std::string_view value) { return value.empty(); };
+  if (std::none_of(user_values_.begin() + kFirstOptional, user_values_.end(), is_missing)) {
+    return {kUserForm.type, name, kUserForm.node, kUserAttributes, user_values_, &kUserForm};
   }
-  return {kUserForm.type,    name,          kUserForm.node,
-          parts_.attributes, parts_.values, is_whole ? &kUserForm : nullptr};
+  parts_.Clear();
+  for (std::size_t i = 0; i < user_values_.size(); ++i) {
+    if (i >= kFirstOptional && is_missing(user_values_[i])) continue;
+    parts_.Add(kUserAttributes[i].name, user_values_[i]);
+  }
+  return {kUserForm.type, name, kUserForm.node, parts_.attributes, parts_.values};
 }
 
 DirectoryRecordView LocalRecord::Of(group const& group) {
