@@ -18,12 +18,13 @@ enum class Content : UInt32 { kNodeNames = 0x6E6F6465, kRecords = 0x72656373 };
 
 class AnswerWriter {
  public:
-  // The buffer holds nothing until the end. False from `Append` when it is too small for that too.
+  // The buffer can be read when it is finished. False from `Append` when it has no room for that
+  // too: what it has stays.
   AnswerWriter(tDataBuffer& buffer, Content content);
   bool Append(std::string_view node_name);
   // Of records of one `DirectoryRecords`, whose kinds are told by the place of their type.
   bool Append(machine::DirectoryRecordView const& record, bool has_values);
-  // How much the buffer holds then.
+  // How many items the buffer has. Nothing can be appended any more.
   UInt32 Finish();
   // How large the buffer has to be for all that was appended and what did not fit.
   std::size_t needed_size() const { return needed_; }

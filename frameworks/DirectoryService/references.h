@@ -116,7 +116,7 @@ class References {
   }
 
   std::size_t count() const;
-  // The number that the next one follows, for tests of what happens when there are no more.
+  // The next number is behind it.
   void SetLastNumber(UInt32 number);
 
  private:
@@ -199,4 +199,5 @@ class References {
 
 // How much is open, for tests that look whether all was closed.
 CF_EXPORT UInt32 DirectoryServiceOpenReferenceCount(void);
+// What is opened next has the number behind this one, for tests of what comes after the last.
 CF_EXPORT void DirectoryServiceSetLastReference(UInt32 number);
