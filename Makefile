@@ -25,14 +25,17 @@ build:
 	@cmake --preset $(PRESET) --log-level=WARNING >/dev/null
 	@cmake --build --preset $(PRESET) --parallel $(JOBS) --target gatotu Gatotu
 
+# Nothing is installed while the tests run: some of them compare this machine with itself.
 test:
 	@scripts/install-dependencies build test
+	@scripts/test-directory-server install || [ $$? -eq 77 ]
 	cmake --preset $(PRESET)
 	cmake --build --preset $(PRESET) --parallel $(JOBS)
 	ctest --preset $(PRESET) --parallel $(JOBS)
 
 sanitize:
 	@scripts/install-dependencies build test sanitize
+	@scripts/test-directory-server install || [ $$? -eq 77 ]
 	cmake --preset sanitize
 	cmake --build --preset sanitize --parallel $(JOBS)
 	ctest --preset sanitize --parallel $(JOBS)

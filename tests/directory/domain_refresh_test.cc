@@ -39,6 +39,7 @@ TEST_P(DomainRefresh, FillsRecords) {
   EXPECT_THAT(NamesOf(computer), Contains("staff"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Encryption, DomainRefresh, testing::Values("ldap", "ldaps"));
+INSTANTIATE_TEST_SUITE_P(Encryption, DomainRefresh, testing::Values("ldap", "ldaps"),
+                         [](auto const& info) { return std::string(info.param); });
 
 }  // namespace

@@ -74,7 +74,8 @@ TEST_P(DomainVocabulary, SaysWhyItKnowsNothing) {
             "dsGetRecordList() failed, dsGetRecordList() failed\n");
 }
 
-INSTANTIATE_TEST_SUITE_P(Encryption, DomainVocabulary, testing::Values("ldap", "ldaps"));
+INSTANTIATE_TEST_SUITE_P(Encryption, DomainVocabulary, testing::Values("ldap", "ldaps"),
+                         [](auto const& info) { return std::string(info.param); });
 
 }  // namespace
 }  // namespace gatotu::tests

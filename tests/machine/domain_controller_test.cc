@@ -100,6 +100,7 @@ TEST_P(DomainController, IsNotAskedWithoutAGoodCertificate) {
   EXPECT_THAT(answer.back(), AnyOf(HasSubstr("Connect error"), HasSubstr("contact LDAP server")));
 }
 
-INSTANTIATE_TEST_SUITE_P(Encryption, DomainController, testing::Values("ldap", "ldaps"));
+INSTANTIATE_TEST_SUITE_P(Encryption, DomainController, testing::Values("ldap", "ldaps"),
+                         [](auto const& info) { return std::string(info.param); });
 
 }  // namespace
