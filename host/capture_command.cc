@@ -114,6 +114,10 @@ ExitStatus Write(CommandLine const& line, machine::Recorder const& recorder) {
   std::string const& folder = line.capture.folder;
   // What a machine answers is nobody else's business unless its owner says so.
   bool const is_ours = ::mkdir(folder.c_str(), 0700) == 0;
+  if (!is_ours && errno != EEXIST) {
+    Complain(folder + ": " + std::strerror(errno));
+    return ExitStatus::kNoAnswer;
+  }
   std::optional<std::string> const reason = WriteAll(line, recorder);
   if (!reason) return ExitStatus::kAnswered;
   std::error_code ignored;
