@@ -114,6 +114,10 @@ ExitStatus Write(CommandLine const& line, machine::Recorder const& recorder) {
   std::string const& folder = line.capture.folder;
   // What a machine answers is nobody else's business unless its owner says so.
   bool const is_ours = ::mkdir(folder.c_str(), 0700) == 0;
+  if (!is_ours && errno != EEXIST) {
+    Complain(folder + ": " + std::strerror(errno));
+    return ExitStatus::kNoAnswer;
+  }
   std::optional<std::string> const reason = WriteAll(line, recorder);
   if (!reason) return ExitStatus::kAnswered;
   std::error_code ignored;
@@ -150,10 +154,20 @@ machine::RecordingLimits LimitsOf(CaptureRequest const& request) {
   return limits;
 }
 
+// A file in the folder may be of any size.
+ExitStatus Verify(CommandLine const& line) {
+  std::string const& folder = line.capture.folder;
+  ManifestCheck checked;
+  LimitedWork(line, folder + ": not all of it was looked at").Do([&] {
+    checked = CheckManifest(folder);
+  });
+  return TellOfVerification(folder, checked);
+}
+
 }  // namespace
 
 ExitStatus Capture(CommandLine const& line, std::shared_ptr<machine::Machine const> machine) {
-  if (line.capture.is_to_verify) return VerifyCapture(line.capture.folder);
+  if (line.capture.is_to_verify) return Verify(line);
   if (auto const reason = WhyUnfit(line.capture.folder)) {
     Complain(*reason);
     return ExitStatus::kRefused;

@@ -178,6 +178,18 @@ ManifestDifferences Compare(std::string const& folder, Manifest const& recorded,
   return differences;
 }
 
+// Of some two million files. What is larger is not read into memory.
+std::string ReadManifest(std::string const& path) {
+  constexpr std::size_t kLargest = std::size_t{256} << 20;
+  std::string text;
+  ForEachPiece(Open(path), path, [&](std::string_view piece) {
+    if (text.size() + piece.size() > kLargest) throw Failure{path + ": larger than 256 MiB"};
+    text += piece;
+    return true;
+  });
+  return text;
+}
+
 bool WriteAndFlush(machine::FileDescriptor const& file, std::string_view bytes) {
   while (!bytes.empty()) {
     ssize_t const put = ::write(file.number(), bytes.data(), bytes.size());
@@ -225,14 +237,9 @@ std::optional<std::string> WriteManifest(std::string const& folder) try {
   return error.what();
 }
 
-std::variant<ManifestDifferences, std::string> CheckManifest(std::string const& folder) try {
+ManifestCheck CheckManifest(std::string const& folder) try {
   std::string const path = folder + "/" + kManifest;
-  std::string text;
-  ForEachPiece(Open(path), path, [&](std::string_view piece) {
-    text += piece;
-    return true;
-  });
-  auto const recorded = ParseManifest(text);
+  auto const recorded = ParseManifest(ReadManifest(path));
   if (!recorded) return path + ": not a list of digests";
   return Compare(folder, *recorded, ManifestOf(folder));
 } catch (Failure const& failure) {

@@ -31,6 +31,7 @@ struct ManifestDifferences {
   std::size_t count = 0;  // of entries that were looked at
 };
 // The other is what went wrong.
-std::variant<ManifestDifferences, std::string> CheckManifest(std::string const& folder);
+using ManifestCheck = std::variant<ManifestDifferences, std::string>;
+ManifestCheck CheckManifest(std::string const& folder);
 
 }  // namespace gatotu::host

@@ -2,7 +2,6 @@
 
 #include <unistd.h>
 
-#include "host/capture_manifest.h"
 #include "host/output.h"
 
 namespace gatotu::host {
@@ -18,8 +17,7 @@ void Tell(char const* what, std::vector<std::string> const& paths, Output& outpu
 
 }  // namespace
 
-ExitStatus VerifyCapture(std::string const& folder) {
-  auto const checked = CheckManifest(folder);
+ExitStatus TellOfVerification(std::string const& folder, ManifestCheck const& checked) {
   if (auto const* failure = std::get_if<std::string>(&checked)) {
     Complain(*failure);
     return ExitStatus::kUnusable;

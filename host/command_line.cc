@@ -91,9 +91,11 @@ std::variant<CommandLine, Farewell> ReadCommandLine(int argc, char const* const*
   auto& words = line.command == Command::kVocabulary ? line.vocabulary.words : line.expressions;
   std::move(literal.begin(), literal.end(), std::back_inserter(words));
   line.capture.is_for_expressions = !line.expressions.empty() || !line.file.empty();
-  bool const is_to_write =
-      line.capture.is_for_expressions || line.capture.is_redacted || !line.capture.patterns.empty();
-  if (line.capture.is_to_verify && is_to_write) {
+  CaptureRequest const& capture = line.capture;
+  bool const is_to_write = capture.is_for_expressions || capture.is_redacted ||
+                           !capture.patterns.empty() || capture.most_bytes ||
+                           capture.most_file_bytes;
+  if (capture.is_to_verify && is_to_write) {
     return RefuseUsage("--verify: looks at a capture and writes none");
   }
   return line;

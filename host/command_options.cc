@@ -119,6 +119,25 @@ void DescribeCommand(CLI::App& app, CommandLine& line) {
       ->allow_extra_args(false);
 }
 
+// The library would take the next word for the value that "--file=" does not have.
+bool LacksValue(std::string const& word) {
+  return word.starts_with("--") && word.find('=') == word.size() - 1;
+}
+
+// More often a variable that was never set than what somebody means, and some options would be as
+// good as not given.
+bool IsEmpty(CLI::Option const* option) {
+  auto const& values = option->results();
+  return std::find(values.begin(), values.end(), "") != values.end();
+}
+
+std::optional<Farewell> RefuseEmptyValues(CLI::App const& app) {
+  for (CLI::Option const* option : app.get_options()) {
+    if (IsEmpty(option)) return RefuseUsage(option->get_name() + ": its value is empty");
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 std::variant<GivenOptions, Farewell> ReadOptions(std::vector<std::string> arguments,
@@ -131,6 +150,8 @@ std::variant<GivenOptions, Farewell> ReadOptions(std::vector<std::string> argume
     given.words = std::move(arguments);
     return given;
   }
+  auto const lacking = std::find_if(arguments.begin(), arguments.end(), LacksValue);
+  if (lacking != arguments.end()) return RefuseUsage(*lacking + " lacks its value");
   CLI::App app;
   DescribeCommand(app, line);
   auto const own = DescribeOwn(app, line, given);
@@ -144,6 +165,7 @@ std::variant<GivenOptions, Farewell> ReadOptions(std::vector<std::string> argume
   } catch (CLI::ParseError const& error) {
     return RefuseUsage(error.what());
   }
+  if (auto refusal = RefuseEmptyValues(app)) return *std::move(refusal);
   for (auto const& [option, commands] : own) {
     if (option->count() != 0) given.own.push_back({option->get_name(), commands});
   }

@@ -1,6 +1,7 @@
 #include "host/directory_keeper.h"
 
 #include <exception>
+#include <limits>
 #include <utility>
 
 #include "evaluator/plugin/entry_points.h"
@@ -157,7 +158,11 @@ void DirectoryKeeper::Prepare(Account& record) const {
     return;
   }
   if (!machine::CurrentMachine().Clock().MicrosecondsSince1970()) return Fail(record);
-  if (!IsAskedFor(record)) record.SetCacheState(kRequestPending);
+  if (!IsAskedFor(record)) {
+    record.SetCacheState(kRequestPending);
+    // Due now wherever the clock stands, and not in half a day where that is at 1970.
+    record.SetLastSampleTime({std::numeric_limits<std::int64_t>::min()});
+  }
   try {
     record.Refresh(&at_once_);
   } catch (std::exception const&) {

@@ -79,9 +79,19 @@ TEST_F(CaptureManifest, HolesMayBeFilledByADiskThatKnowsNone) {
   EXPECT_EQ(Gatotu({"capture", tree_.Path("full"), "--verify"}).status, 0);
 }
 
+TEST_F(CaptureManifest, OfAnEndlessFileIsGivenUpAtTheTimeLimit) {
+  fs::resize_file(At("/machine.plist"), std::uintmax_t{1} << 40);
+  ProcessResult const run = Gatotu({"capture", At(""), "--verify", "--time-limit", "100ms"});
+  EXPECT_EQ(run.status, 3);
+  EXPECT_EQ(run.errors,
+            "gatotu: the time limit was reached; " + At("") + ": not all of it was looked at\n");
+}
+
 TEST_F(CaptureManifest, ThatIsNoneIsSaidSo) {
   tree_.Write("capture/SHA256SUMS", "nonsense\n");
   EXPECT_THAT(Verify().errors, HasSubstr("not a list of digests"));
+  fs::resize_file(At("/SHA256SUMS"), std::uintmax_t{1} << 40);
+  EXPECT_THAT(Verify().errors, HasSubstr("larger than 256 MiB"));
   fs::remove(At("/SHA256SUMS"));
   EXPECT_EQ(Verify().status, 4);
   // It is no part of the capture.

@@ -43,6 +43,8 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"FileDash", {"--file", "-", "0"}, "1\n", "0\n1\n", "", 0},
         Case{"AbsentFile", {"--file", "/no/such"}, "", "", HasSubstr("/no/such: No such file"), 2},
         Case{"FolderAsFile", {"--file", "/"}, "", "", HasSubstr("Is a directory"), 2},
+        Case{"EmptyValue", {"--file", "", "1"}, "", "", HasSubstr("--file: its value"), 2},
+        Case{"NoValue", {"--file=", "1"}, "", "", HasSubstr("--file= lacks its value"), 2},
         Case{"DashDash", {"--", "-5 + 3"}, "", "-2\n", "", 0},
         Case{"DashDashEndsCommands", {"--", "vocabulary"}, "", "", StartsWith("error: "), 2},
         Case{"Help", {"--help"}, "", HasSubstr("--time-limit DURATION"), "", 0},

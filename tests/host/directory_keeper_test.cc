@@ -161,6 +161,7 @@ TEST_F(Keeper, ListsEachUserOnce) {
 TEST_F(Keeper, ReadsAnotherMachineAtOnceAndKeepsNothingOfIt) {
   host::Settings const settings;
   machine_->sessions = {"ann"};
+  machine_->microseconds = 1;  // after a start without a clock
   for (bool const is_at_hand : {false, true}) {
     host::HostContext const context(settings, options_, is_at_hand ? machine_.get() : nullptr);
     std::uint32_t const state = is_at_hand ? kNeverFilled : kFilledFromDirectory;

@@ -143,7 +143,6 @@ TEST_F(ManyMachines, WhatMakesNoSenseIsRefused) {
   } const rows[] = {
       {{"--machines", "/dev/null", "1"}, 0, ""},
       {{"--machines", "@none", "1"}, 2, "none: No such file"},
-      {{"--machines", "", "1"}, 2, "No such file"},
       {{"--machines", "/", "1"}, 2, "Is a directory"},
       {{"--machines", "-"}, 2, "either machines or expressions"},
       {{"--machines", "@list", "--jobs", "0", "1"}, 2, "--jobs: 0"},
