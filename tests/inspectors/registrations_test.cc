@@ -40,7 +40,7 @@ TEST(Registrations, FewDependOnTheirParametersAlone) {
 
 std::string PluralOf(std::string const& name) {
   if (name.ends_with('s') || name.ends_with('x')) return name + "es";
-  if (!name.ends_with('y') || name.ends_with("ey")) return name + "s";
+  if (!name.ends_with('y') || name.ends_with("ey") || name.ends_with("ay")) return name + "s";
   return name.substr(0, name.size() - 1) + "ies";
 }
 
