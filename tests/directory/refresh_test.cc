@@ -1,12 +1,10 @@
-#include <gtest/gtest.h>
-
 #include <functional>
 
 #include "frameworks/DirectoryService/references.h"
 #include "inspectors/activedirectory/directory/active_directory_local_computer.h"
 #include "inspectors/activedirectory/directory/active_directory_local_user.h"
 #include "tests/directory/folder_context.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/scripted_records.h"
 
 namespace {
@@ -20,7 +18,7 @@ constexpr char kDistinguishedName[] = "dsAttrTypeNative:distinguishedName";
 constexpr char kTokenGroups[] = "dsAttrTypeNative:tokenGroups";
 std::string const kSid = "\1\1\0\0\0\0\0\5\7\0\0\0"s;
 
-class Refresh : public testing::Test {
+class Refresh : public OnScriptedMachine {
  protected:
   Refresh() {
     auto const live = machine::MakeLiveMachine();
@@ -40,8 +38,6 @@ class Refresh : public testing::Test {
   void TearDown() override { EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 0u); }
 
   std::shared_ptr<ScriptedRecords> directory_ = std::make_shared<ScriptedRecords>();
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse in_use_{machine_};
   TemporaryFolder folder_;
   FolderContext context_{folder_};
 };

@@ -10,7 +10,6 @@ std::string const kDomainUser =
     "\1\5\0\0\0\0\0\5\x15\0\0\0\1\2\3\4\xFF\xFF\xFF\xFF\0\0\0\x80\0\2\0\0"s;
 
 TEST(Sid, IsWrittenAsText) {
-  std::string const most = "\1\xFF\0\0\0\0\0\5"s + std::string(4 * 254, '\0') + "\7\0\0\0"s;
   struct {
     char const* name;
     std::string sid, text;
@@ -23,7 +22,6 @@ TEST(Sid, IsWrittenAsText) {
       {"authority 0", "\1\1\0\0\0\0\0\0\1\0\0\0"s, "S-1-0-1"},
       {"upper authority bytes", "\1\1\7\7\1\2\3\4\1\0\0\0"s, "S-1-16909060-1"},
       {"revision is one character", "\x0A\0\0\0\0\0\0\5"s, "S-:-5"},
-      {"255 sub-authorities", most, "S-1-5-7"},
       {"one byte short", kDomainUser.substr(0, 27), ""},
       {"more announced than there are", "\1\xFF\0\0\0\0\0\5\1\0\0\0"s, ""},
       {"no whole header", "\1\0\0\0\0\0\0"s, ""},

@@ -21,32 +21,23 @@ long Slot(Operation operation) {
   return (member.offset_plus_one - 1) / static_cast<long>(sizeof(void*)) - 2;
 }
 
-TEST(Slots, OfTheHostsContext) {
+template <class... Operation>
+void ExpectInOrder(Operation... operations) {
+  long expected = 0;
+  for (long const slot : {Slot(operations)...}) EXPECT_EQ(slot, expected++);
+}
+
+TEST(Slots, AreInTheirOrder) {
   using Context = ActiveDirectoryInspectorContext;
-  long const slots[] = {
-      Slot(&Context::AreLookupsEnabled),   Slot(&Context::ComputerRefreshInterval),
-      Slot(&Context::UserRefreshInterval), Slot(&Context::FindComputerCache),
-      Slot(&Context::FindUserCache),       Slot(&Context::UnusedSlot5),
-      Slot(&Context::UnusedSlot6),         Slot(&Context::LocalComputer),
-      Slot(&Context::LocalUser),           Slot(&Context::LocalUserAt),
-      Slot(&Context::ShouldStop)};
-  for (long i = 0; i < static_cast<long>(std::size(slots)); ++i) EXPECT_EQ(slots[i], i);
-}
-
-TEST(Slots, OfRecords) {
+  ExpectInOrder(&Context::AreLookupsEnabled, &Context::ComputerRefreshInterval,
+                &Context::UserRefreshInterval, &Context::FindComputerCache, &Context::FindUserCache,
+                &Context::UnusedSlot5, &Context::UnusedSlot6, &Context::LocalComputer,
+                &Context::LocalUser, &Context::LocalUserAt, &Context::ShouldStop);
   using Base = ActiveDirectoryBase;
-  long const slots[] = {Slot(&Base::ClearData),         Slot(&Base::GetDistinguishedName),
-                        Slot(&Base::GetLastSampleTime), Slot(&Base::GetErrorMessage),
-                        Slot(&Base::GetErrorCount),     Slot(&Base::ToXml),
-                        Slot(&Base::GetCacheState)};
-  for (long i = 0; i < static_cast<long>(std::size(slots)); ++i) EXPECT_EQ(slots[i], i);
-}
-
-TEST(Slots, OfXmlHandlers) {
-  EXPECT_EQ(Slot(&XMLHandler::StartElement), 0);
-  EXPECT_EQ(Slot(&XMLHandler::EndElement), 1);
-  EXPECT_EQ(Slot(&XMLHandler::Characters), 2);
-  EXPECT_EQ(Slot(&XMLHandler::DoProcessingInstructionElement), 3);
+  ExpectInOrder(&Base::ClearData, &Base::GetDistinguishedName, &Base::GetLastSampleTime,
+                &Base::GetErrorMessage, &Base::GetErrorCount, &Base::ToXml, &Base::GetCacheState);
+  ExpectInOrder(&XMLHandler::StartElement, &XMLHandler::EndElement, &XMLHandler::Characters,
+                &XMLHandler::DoProcessingInstructionElement);
 }
 
 }  // namespace

@@ -1,16 +1,11 @@
 // What expressions answer from the records of a scripted host, and of a directory beside it.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <memory>
-#include <string>
-#include <vector>
-
 #include "inspectors/activedirectory/account_properties.h"
 #include "inspectors/activedirectory/active_directory_server.h"
 #include "inspectors/users/session_info.h"
+#include "inspectors/users/user.h"
+#include "tests/directory/folder_context.h"
 #include "tests/portable_inspectors/answers.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/scripted_records.h"
 
 namespace {
@@ -18,17 +13,13 @@ namespace {
 constexpr char kPending[] = "Data pending request from server";
 constexpr char kNone[] = "no such object";
 
-class ScriptedHost final : public ActiveDirectoryInspectorContext {
+class ScriptedHost final : public FolderContext {
  public:
-  bool are_lookups_enabled = true;
+  using FolderContext::FolderContext;
+
   std::unique_ptr<ActiveDirectoryLocalComputer> computer;
   mutable std::vector<ActiveDirectoryLocalUser> users;
 
-  bool AreLookupsEnabled() const override { return are_lookups_enabled; }
-  std::uint32_t ComputerRefreshInterval() const override { return 0; }
-  std::uint32_t UserRefreshInterval() const override { return 0; }
-  bool FindComputerCache(FileLocation&) const override { return false; }
-  bool FindUserCache(std::string const&, FileLocation&) const override { return false; }
   ActiveDirectoryLocalComputer* LocalComputer() const override { return computer.get(); }
   ActiveDirectoryLocalUser* LocalUser(std::string const& name,
                                       std::string const& domain) const override {
@@ -40,7 +31,6 @@ class ScriptedHost final : public ActiveDirectoryInspectorContext {
   ActiveDirectoryLocalUser* LocalUserAt(std::uint32_t index) const override {
     return index < users.size() ? &users[index] : nullptr;
   }
-  bool ShouldStop() const override { return false; }
 };
 
 std::vector<ActiveDirectoryGroup> Groups() {
@@ -67,7 +57,7 @@ void Fill(Account& account, std::string dn) {
 }
 
 // Ann's record was read, Ben's never, and Cid's reading failed.
-class ActiveDirectory : public testing::Test {
+class ActiveDirectory : public OnScriptedMachine {
  protected:
   ActiveDirectory() {
     host_.computer = std::make_unique<ActiveDirectoryLocalComputer>();
@@ -83,10 +73,10 @@ class ActiveDirectory : public testing::Test {
     Fill(host_.users[3], "CN=nameless");
     machine_->SetZone("UTC", "UTC0");
     machine::RecordArray sessions;
-    for (std::string const name : {"CORP\\ann", "ben", "cid", "stranger"}) {
-      auto const id = static_cast<std::int64_t>(sessions.size());
-      sessions.emplace_back(
-          machine::RecordDictionary({{"kCGSSessionIDKey", id}, {"kCGSSessionUserNameKey", name}}));
+    for (auto const& [name, id] :
+         {std::pair("CORP\\ann", 257), {"ben", 256}, {"cid", 65}, {"stranger", -1}}) {
+      sessions.emplace_back(machine::RecordDictionary(
+          {{"kCGSSessionIDKey", std::int64_t{id}}, {"kCGSSessionUserNameKey", std::string(name)}}));
     }
     machine_->console_user = machine::RecordDictionary(
         {{"Name", std::string("cid")}, {"SessionInfo", std::move(sessions)}});
@@ -97,9 +87,8 @@ class ActiveDirectory : public testing::Test {
     SessionInfo::Shutdown();
   }
 
-  std::shared_ptr<ScriptedMachine> machine_ = std::make_shared<ScriptedMachine>();
-  MachineInUse use_{machine_};
-  ScriptedHost host_;
+  TemporaryFolder const folder_;
+  ScriptedHost host_{folder_};
 };
 
 using Rows = std::vector<std::pair<std::string, char const*>>;
@@ -117,6 +106,7 @@ TEST_F(ActiveDirectory, ShowsWhatTheHostHas) {
       {"names of groups of local computer", "Staff\nNoDn\nOdd"},
       {"distinguished names of groups of local computer", "CN=Staff\nCN=Odd"},
       {"component strings of sids of groups of local computer", "S-1-5-21-7-512\nS-1-5-32-544"},
+      {"sid of group \"staff\" of local computer", "S-1-5-21-7-512"},
       {"name of group \"NoSid\" of local computer", kNone},
       {"sid of group \"odd\" of local computer", kNone},
       {"sid of group \"nodn\" of local computer", "S-1-5-32-544"},
@@ -163,8 +153,8 @@ TEST_F(ActiveDirectory, ARecordThatWasNotReadIsAskedFor) {
 
 TEST_F(ActiveDirectory, IsThereWithoutAnythingInIt) {
   InspectorContext other;
-  ScriptedHost disabled, empty;
-  disabled.are_lookups_enabled = false;
+  ScriptedHost disabled(folder_), empty(folder_);
+  disabled.is_enabled = false;
   disabled.users = host_.users;
   for (InspectorContext* const context :
        std::vector<InspectorContext*>{nullptr, &other, &disabled, &empty}) {
@@ -182,7 +172,7 @@ TEST_F(ActiveDirectory, IsThereWithoutAnythingInIt) {
     });
   }
   EXPECT_EQ(disabled.users[1].GetCacheState(), kNeverFilled);
-  host_.are_lookups_enabled = false;
+  host_.is_enabled = false;
   gatotu::SetInspectorContext(&host_);
   ExpectAnswers({{"distinguished name of local computer", "CN=WS1,DC=corp"}});
 }
@@ -212,9 +202,9 @@ TEST_F(ActiveDirectory, LooksForLoggedOnUsersByNameAndDomain) {
 
 TEST_F(ActiveDirectory, LeadsOnFromTheUsersOfTheMachine) {
   auto const directory = std::make_shared<ScriptedRecords>();
-  for (std::string const name : {"ann", "ben", "cid"}) directory->Add(name, {});
-  for (int const user : {0, 2}) {
-    directory->records[user].attributes.push_back({"dsAttrTypeStandard:NFSHomeDirectory", {"/"}});
+  for (std::string const name : {"ann", "ben", "cid", "CORP\\ann", "stranger"}) {
+    directory->Add(kUsersRecordType, name,
+                   {{"dsAttrTypeStandard:NFSHomeDirectory", {name == "ben" ? "/none" : "/"}}});
   }
   machine_->directory = directory;
   auto const live = machine::MakeLiveMachine();
@@ -223,9 +213,10 @@ TEST_F(ActiveDirectory, LeadsOnFromTheUsersOfTheMachine) {
       {
           {"distinguished names of active directory users of users", "CN=ann"},
           {"exists active directory user of user \"ben\"", "false"},
-          {"number of home directories of users", "2"},
-          {"(name of it, active of it) of current user", "cid, true"},
-          {"names of local users whose (exists home directory of it)", "ann\ncid"},
+          {"names of users whose (not exists home directory of it)", "ben"},
+          {"(active of it, remote of it, name of user of it) of current user", "true, false, cid"},
+          {"(name of it, session id of it) of logged on users",
+           "stranger, \xFF\ncid, A\nben, \nCORP\\ann, \x01"},
       },
       "");
 }

@@ -6,11 +6,11 @@
 
 #include <concepts>
 #include <cstddef>
-#include <set>
 #include <string>
 #include <vector>
 
 #include "evaluator/plugin/exceptions.h"
+#include "frame/inspector_version.h"
 #include "portable_inspectors/moment.h"
 #include "tests/support/recording_evaluator.h"
 
@@ -30,6 +30,15 @@ std::string Shown(Number number) {
 }
 inline std::string Shown(boolean truth) { return truth ? "true" : "false"; }
 inline std::string Shown(moment time) { return std::to_string(time.MicrosecondsSince1970()); }
+// Its five numbers, and the text that it was read from.
+inline std::string Shown(MacintoshPlatform::inspector_version const& version) {
+  std::string text;
+  for (int const number : {int{version.major}, int{version.minor}, int{version.bug_fix},
+                           int{version.stage}, int{version.non_release_revision}}) {
+    text += (text.empty() ? "" : " ") + std::to_string(number);
+  }
+  return version.text.Length() == 0 ? text : text + " " + version.text.Text();
+}
 
 // Stands for any object that is empty.
 inline constexpr std::max_align_t kEmptyObject{};
@@ -43,18 +52,47 @@ Result Ask(std::string const& phrase, std::string const& type = "",
   return found->Get<Result>(parameter, object);
 }
 
+inline std::string const kNone = "no such object";
+
 // What a function answers, shown, or what it throws.
 template <class Function>
 std::string Told(Function&& function) {
   try {
     return Shown(function());
   } catch (NoSuchObject const&) {
-    return "no such object";
+    return kNone;
   } catch (MemoryFullError const& error) {
     return "memory full " + std::to_string(error.Code());
   } catch (OSError const& error) {
     return "error " + std::to_string(error.Code());
   }
+}
+
+// As `Ask`, for a value of any type that can be shown; or what is thrown.
+inline std::string Answer(std::string const& phrase, std::string const& type = "",
+                          void const* object = &kEmptyObject, void const* parameter = nullptr) {
+  auto const* const found = RecordingEvaluator::Instance().Find("Property", phrase, type);
+  std::string const result = found == nullptr ? "" : found->result;
+  if (result == "boolean") return Told([&] { return found->Get<boolean>(parameter, object); });
+  if (result == "integer") return Told([&] { return found->Get<integer>(parameter, object); });
+  if (result == "time") return Told([&] { return found->Get<moment>(parameter, object); });
+  if (result == "string") {
+    return Told([&] { return found->Get<inspector_string>(parameter, object); });
+  }
+  if (result == "version") {
+    return Told([&] { return found->Get<inspector_version>(parameter, object); });
+  }
+  return "no such property";
+}
+
+// The same of several properties of one object.
+inline std::string Answers(std::vector<std::string> const& phrases, std::string const& type,
+                           void const* object) {
+  std::string text;
+  for (std::string const& phrase : phrases) {
+    text += (phrase == phrases.front() ? "" : ", ") + Answer(phrase, type, object);
+  }
+  return text;
 }
 
 // Each element of an iteration to its end, shown by the function; thousands of one without end.
@@ -67,18 +105,4 @@ auto All(Iterator&& iterator, Show const& show, Object const&... object) {
   } catch (NoSuchObject const&) {
   }
   return all;
-}
-
-// The registrations of these names and of what they name, in order: plural and types, and the size
-// where there is one. None of them may be kept.
-inline std::vector<std::string> RegisteredOf(std::set<std::string> const& types) {
-  std::vector<std::string> lines;
-  for (RecordedRegistration const& each : RecordingEvaluator::Instance().registered) {
-    if (!types.contains(each.name) && !types.contains(each.object)) continue;
-    EXPECT_EQ(each.fingerprint, nullptr);
-    lines.push_back(each.call == "Type" ? each.name : each.plural + " of " + each.object);
-    if (!each.parameter.empty()) lines.back() += " by " + each.parameter;
-    if (each.size != 0) lines.back() += " " + std::to_string(each.size);
-  }
-  return lines;
 }

@@ -61,17 +61,12 @@ class Components : public OnScriptedMachine {
     refuses_handles = refuses_to_resize = false;
     EXPECT_EQ(live_handles, 0);
   }
-  // What one function says of one component.
-  static std::string Ask(inspector_string (*function)(ComponentClass const&),
-                         ComponentClass const& component) {
-    return Told([&] { return function(component); });
-  }
-
   std::shared_ptr<SomeComponents> source_ = std::make_shared<SomeComponents>();
   ComponentClass const first_{1}, second_{2}, none_{3};
 };
 
 TEST_F(Components, ComeOneAfterTheOther) {
+  EXPECT_NE(RecordingEvaluator::Instance().Find("Iterated_Property", "component"), nullptr);
   ComponentIterator components;
   for (int i = 0; i < 2; ++i) {
     EXPECT_EQ(components.First().Number(), 1u);
@@ -85,52 +80,36 @@ TEST_F(Components, ComeOneAfterTheOther) {
 }
 
 TEST_F(Components, CodesBeginWithTheirMostSignificantByte) {
-  EXPECT_EQ(Ask(type_of, first_), "AB_d");
-  EXPECT_EQ(Ask(subtype_of, first_), std::string("\0\xFF\n ", 4));
-  EXPECT_EQ(Ask(maker_of, first_), "appl");
-  EXPECT_EQ(Ask(type_of, none_), "error -3000");
-  EXPECT_EQ(Ask(subtype_of, none_), "error -3000");
-  EXPECT_EQ(Ask(maker_of, none_), "error -3000");
+  std::vector<std::string> const codes = {"type", "subtype", "maker"};
+  EXPECT_EQ(Answers(codes, "component", &first_), std::string("AB_d, \0\xFF\n , appl", 16));
+  EXPECT_EQ(Answers(codes, "component", &none_), "error -3000, error -3000, error -3000");
 }
 
 TEST_F(Components, TextsAreCopiedAndTheirHandlesDisposed) {
-  EXPECT_EQ(Ask(name_of, first_), "Sound Output");
-  EXPECT_EQ(Ask(info_of, first_), "");
-  EXPECT_EQ(Ask(name_of, second_), "no such object");
-  EXPECT_EQ(Ask(info_of, second_), std::string(255, '\xE9'));
-  EXPECT_EQ(Ask(name_of, none_), "error -3000");
-  EXPECT_EQ(Ask(info_of, none_), "error -3000");
+  auto const texts = [](ComponentClass const& component) {
+    return Answers({"name", "info"}, "component", &component);
+  };
+  EXPECT_EQ(texts(first_), "Sound Output, ");
+  EXPECT_EQ(texts(second_), kNone + ", " + std::string(255, '\xE9'));
+  EXPECT_EQ(texts(none_), "error -3000, error -3000");
   refuses_to_resize = true;
-  EXPECT_EQ(Ask(name_of, first_), "error -108");
-  EXPECT_EQ(Ask(name_of, second_), "no such object");
+  EXPECT_EQ(texts(first_), "error -108, error -108");
+  EXPECT_EQ(Answer("name", "component", &second_), kNone);
   refuses_handles = true;
-  EXPECT_EQ(Ask(name_of, first_), "memory full -108");
-  EXPECT_EQ(Ask(info_of, second_), "memory full -108");
+  EXPECT_EQ(texts(first_), "memory full -108, memory full -108");
 }
 
 TEST_F(Components, VersionsAreTwoWholeNumbers) {
-  struct {
-    std::uint32_t word;
-    int major, minor;
-  } const cases[] = {{0x00020010, 2, 16}, {0xFFFF8000, 65535, 32768}, {0x80008001, 32768, 32769}};
-  for (auto const& row : cases) {
-    source_->list[0].version = row.word;
-    inspector_version const version = version_of(first_);
-    EXPECT_EQ(version.major, row.major);
-    EXPECT_EQ(version.minor, row.minor);
-    EXPECT_EQ(version.bug_fix + version.stage + version.non_release_revision, 0);
+  std::pair<std::uint32_t, char const*> const cases[] = {{0x00020010, "2 16 0 0 0"},
+                                                         {0xFFFF8000, "65535 32768 0 0 0"},
+                                                         {0x80008001, "32768 32769 0 0 0"}};
+  for (auto const& [word, version] : cases) {
+    source_->list[0].version = word;
+    EXPECT_EQ(Answer("version", "component", &first_), version);
   }
-  EXPECT_THROW(version_of(second_), NoSuchObject);
-  EXPECT_THROW(version_of(none_), NoSuchObject);
+  EXPECT_EQ(Answer("version", "component", &second_), kNone);
+  EXPECT_EQ(Answer("version", "component", &none_), kNone);
   EXPECT_EQ(open_components, 0);
-}
-
-TEST_F(Components, AreRegisteredInTheirOrder) {
-  EXPECT_THAT(
-      RegisteredOf({"component"}),
-      testing::ElementsAre("component 4", "makers of component", "types of component",
-                           "subtypes of component", "names of component", "infos of component",
-                           "versions of component", "components of  4"));
 }
 
 }  // namespace

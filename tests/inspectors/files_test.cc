@@ -32,9 +32,7 @@ TEST(FileCodes, AreAnyFourBytes) {
     EXPECT_THROW(file_signature_of(Bytes("abcde"), length), NoSuchObject);
   }
   for (char const* type : {"file type", "file signature"}) {
-    auto const* const equal = RecordingEvaluator::Instance().Find("Binary_Operator", "6", type);
-    ASSERT_NE(equal, nullptr) << type;
-    EXPECT_EQ(equal->parameter, type);
+    EXPECT_NE(RecordingEvaluator::Instance().Find("Binary_Operator", "6", type), nullptr) << type;
   }
 }
 
@@ -55,30 +53,27 @@ class Files : public testing::Test {
 TEST_F(Files, TellTheirFinderFlagsAndForks) {
   struct {
     std::uint16_t flags;
-    bool visible, alias, stationery;
-    std::uint32_t resource_bytes;
-  } const cases[] = {{0, true, false, false, 1000},
-                     {0x4000, false, false, false, 1},
-                     {0x8000, true, true, false, 7},
-                     {0x0800, true, false, true, 7},
-                     {0xB7FF & ~0x8800, true, false, false, 7}};
+    std::uint32_t bytes, resource_bytes;
+    char const* answers;
+  } const cases[] = {{0, 0, 1000, "true, false, false"},
+                     {0x4000, 3, 1, "false, false, false"},
+                     {0x8000, 3, 7, "true, true, false"},
+                     {0x0800, 3, 7, "true, false, true"},
+                     {0xB7FF & ~0x8800, 3, 7, "true, false, false"}};
   for (auto const& row : cases) {
     Make("._x",
          AppleDoubleText({{9, "TEXTttxt" + BigEndianText(row.flags, 2) + std::string(22, '\0')},
                           {2, std::string(row.resource_bytes, 'r')}}));
-    file const file = Make("x", row.flags == 0 ? "" : "abc");
-    integer const data = row.flags == 0 ? 0 : 3;
+    file const file = Make("x", std::string(row.bytes, 'd'));
     SCOPED_TRACE(row.flags);
-    EXPECT_EQ(Ask<boolean>("visible", "file", &file), row.visible);
-    EXPECT_EQ(Ask<boolean>("alias", "file", &file), row.alias);
-    EXPECT_EQ(Ask<boolean>("stationery", "file", &file), row.stationery);
-    EXPECT_FALSE(Ask<boolean>("locked", "file", &file));
+    EXPECT_EQ(Answers({"visible", "alias", "stationery"}, "file", &file), row.answers);
+    EXPECT_EQ(Answer("locked", "file", &file), "false");
     auto const data_fork = Ask<datafork>("data fork", "file", &file);
     auto const resource_fork = Ask<resfork>("resource fork", "file", &file);
     for (char const* phrase : {"length", "size"}) {
-      EXPECT_EQ(Ask<integer>(phrase, "datafork", &data_fork), data);
+      EXPECT_EQ(Ask<integer>(phrase, "datafork", &data_fork), row.bytes);
       EXPECT_EQ(Ask<integer>(phrase, "resfork", &resource_fork), row.resource_bytes);
-      EXPECT_EQ(Ask<integer>(phrase, "file", &file), data + row.resource_bytes);
+      EXPECT_EQ(Ask<integer>(phrase, "file", &file), row.bytes + row.resource_bytes);
     }
   }
 }
@@ -87,10 +82,8 @@ TEST_F(Files, WithoutFinderInformationAreJustVisible) {
   Make("y", "abcd");
   ::chmod(folder_.Path("y").c_str(), 0444);
   file const file = Find("y");
-  EXPECT_TRUE(locked_of(file));
-  EXPECT_TRUE(visible_of(file));
-  EXPECT_FALSE(alias_of(file) || stationery_of(file));
-  EXPECT_EQ(length_of(file), 4);
+  EXPECT_EQ(Answers({"locked", "visible", "alias", "stationery", "length"}, "file", &file),
+            "true, true, false, false, 4");
   EXPECT_EQ(res_length_of(resfork_of(file)), 0);
 }
 
@@ -98,15 +91,12 @@ TEST_F(Files, HavePathsInBothNotationsAndTheReportEncoding) {
   // No setting names an encoding here: it is Windows Latin-1.
   file const file = Make("a:b caf\u00e9 \u2603", "");
   std::string const posix = folder_.Path() + "/a:b caf\xe9 ?";
-  auto const ask = [&](char const* phrase) {
-    return Shown(Ask<inspector_string>(phrase, "filesystem object", &file));
-  };
-  EXPECT_EQ(ask("posix path"), posix);
-  EXPECT_EQ(ask("pathname"), posix);
+  EXPECT_EQ(Answers({"posix path", "pathname"}, "filesystem object", &file), posix + ", " + posix);
   EXPECT_EQ(Shown(AsString(file)), posix);
   EXPECT_NE(RecordingEvaluator::Instance().Find("Cast", "string", "filesystem object"), nullptr);
-  EXPECT_THAT(ask("hfs path"), testing::AllOf(testing::EndsWith(":a/b caf\xe9 ?"),
-                                              testing::Not(testing::StartsWith(":"))));
+  EXPECT_THAT(
+      Answer("hfs path", "filesystem object", &file),
+      testing::AllOf(testing::EndsWith(":a/b caf\xe9 ?"), testing::Not(testing::StartsWith(":"))));
 }
 
 TEST_F(Files, OpenAsTheKindOfListTheyAre) {

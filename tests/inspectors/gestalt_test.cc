@@ -1,18 +1,14 @@
-// Computer, memory, processors and Gestalt, asked through what they register.
+// Computer, memory, processors, USB and Gestalt, asked through what they register.
 #include "inspectors/system/gestalt.h"
 
 #include "inspectors/system/computer.h"
 #include "inspectors/system/processor.h"
 #include "inspectors/system/ram.h"
+#include "inspectors/system/usb.h"
 #include "tests/inspectors/asking.h"
 #include "tests/support/on_scripted_machine.h"
 
 namespace {
-
-// Every object of these families is empty.
-std::string AskText(std::string const& phrase, std::string const& type = "") {
-  return Shown(Ask<inspector_string>(phrase, type));
-}
 
 integer AskGestalt(std::string const& selector) {
   inspector_string const name = Name(selector);
@@ -21,54 +17,41 @@ integer AskGestalt(std::string const& selector) {
 
 using SystemInspectors = OnScriptedMachine;
 
-TEST_F(SystemInspectors, NumbersOfGestalt) {
+TEST_F(SystemInspectors, AnswerFromGestalt) {
   struct {
     char const* selector;
     std::uint32_t response;
-    char const* phrase;
-    integer answer;
+    char const *phrase, *answer;
   } const cases[] = {
-      {"ramm", 2048, "physical ram", 2147483648},
-      {"ramm", 0xFFFFFFFF, "physical ram", 0xFFFFFFFF00000},
-      {"lram", 0x80000001, "logical ram", 2147483649},
-      {"mach", 0xFFFFFFFF, "machine type", 4294967295},
-      {"kbd ", 31, "keyboard type", 31},
-      {"sltc", 0x81000000, "nubus map", 0x81000000},
-      {"mclk", 2400, "cpu speed", 2400000000},
-      {"mclk", 0xFFFFFFFF, "cpu speed", 4294967295000000},
+      {"ramm", 2048, "physical ram", "2147483648"},
+      {"ramm", 0xFFFFFFFF, "physical ram", "4503599626321920"},
+      {"lram", 0x80000001, "logical ram", "2147483649"},
+      {"mach", 0xFFFFFFFF, "machine type", "4294967295"},
+      {"kbd ", 31, "keyboard type", "31"},
+      {"sltc", 0x81000000, "nubus map", "2164260864"},
+      {"sysa", 1, "powerpc", "false"},
+      {"sysa", 2, "powerpc", "true"},
+      {"sysa", 3, "powerpc", "false"},
+      {"sysa", 10, "powerpc", "false"},
+      {"vm  ", 0, "virtual memory", "false"},
+      {"vm  ", 1, "virtual memory", "true"},
+      {"vm  ", 2, "virtual memory", "false"},
+      {"vm  ", 0x80000001, "virtual memory", "true"},
+      {"qd  ", 0x0230, "quickdraw version", "2 3 0 0 0"},
+      {"romv", 0xFFFF077D, "rom version", "7 7 13 0 0"},
+      {"nreg", 0x12345678, "name registry version", "12 3 4 86 120"},
+      {"mclk", 2400, "cpu speed", "2400000000"},
+      {"mclk", 0xFFFFFFFF, "cpu speed", "4294967295000000"},
   };
   for (auto const& row : cases) {
     machine_->gestalt = {};
-    EXPECT_THROW(Ask<integer>(row.phrase), NoSuchObject) << row.phrase;
+    EXPECT_EQ(Answer(row.phrase), kNone) << row.phrase;
     machine_->gestalt[row.selector] = row.response;
-    EXPECT_EQ(Ask<integer>(row.phrase), row.answer) << row.phrase;
+    EXPECT_EQ(Answer(row.phrase), row.answer) << row.phrase;
   }
   machine_->gestalt["ramm"] = 3u;
-  EXPECT_EQ(Ask<integer>("size", "ram"), 3 << 20);
+  EXPECT_EQ(Answer("size", "ram"), "3145728");
   EXPECT_EQ(Ask<hertz>("speed", "processor").count, 4294967295000000);
-}
-
-TEST_F(SystemInspectors, FlagsOfGestalt) {
-  for (std::uint32_t const architecture : {1u, 2u, 3u, 10u}) {
-    machine_->gestalt["sysa"] = architecture;
-    EXPECT_EQ(Ask<boolean>("powerpc"), architecture == 2);
-  }
-  for (std::uint32_t const attributes : {0u, 1u, 2u, 0x80000001u}) {
-    machine_->gestalt["vm  "] = attributes;
-    EXPECT_EQ(Ask<boolean>("virtual memory"), (attributes & 1) != 0);
-  }
-}
-
-TEST_F(SystemInspectors, VersionsOfGestalt) {
-  machine_->gestalt = {{"qd  ", 0x0230u}, {"romv", 0xFFFF077Du}, {"nreg", 0x12345678u}};
-  auto const fields = [](char const* phrase) {
-    inspector_version const version = Ask<inspector_version>(phrase);
-    return std::vector<int>{version.major, version.minor, version.bug_fix, version.stage,
-                            version.non_release_revision};
-  };
-  EXPECT_THAT(fields("quickdraw version"), testing::ElementsAre(2, 3, 0, 0, 0));
-  EXPECT_THAT(fields("rom version"), testing::ElementsAre(7, 7, 13, 0, 0));
-  EXPECT_THAT(fields("name registry version"), testing::ElementsAre(12, 3, 4, 0x56, 0x78));
 }
 
 TEST_F(SystemInspectors, GestaltItselfExtendsTheSign) {
@@ -92,48 +75,55 @@ TEST_F(SystemInspectors, ProcessorNames) {
   };
   for (auto const& [response, name] : cases) {
     machine_->gestalt = {{"cput", response}, {"cpuf", 0u}};
-    EXPECT_EQ(AskText("type", "processor"), name);
-    EXPECT_EQ(AskText("family name", "processor"), "unknown");
+    EXPECT_EQ(Answer("type", "processor"), name);
+    EXPECT_EQ(Answer("family name", "processor"), "unknown");
   }
   machine_->gestalt = {{"cpuf", 0x103u}};
-  EXPECT_EQ(AskText("family name", "processor"), "PowerPC 603");
-  try {
-    Ask<inspector_string>("type", "processor");
-    ADD_FAILURE() << "an undefined selector has an answer";
-  } catch (OSError const& error) {
-    EXPECT_EQ(error.Code(), -5551);
-  }
+  EXPECT_EQ(Answer("family name", "processor"), "PowerPC 603");
+  EXPECT_EQ(Answer("type", "processor"), "error -5551") << "an undefined selector";
 }
 
 TEST_F(SystemInspectors, ThereAreAsManyProcessorsAsAreOnline) {
   ProcessorIterator processors;
   for (std::uint32_t const online : {0u, 1u, 2u, 2u}) {
     machine_->online_processors = online;
-    for (std::uint32_t at = 0; at < online; ++at) {
-      EXPECT_NO_THROW(at == 0 ? processors.First() : processors.Next());
-    }
-    EXPECT_THROW(online == 0 ? processors.First() : processors.Next(), NoSuchObject);
+    EXPECT_EQ(All(processors, [](auto const&) { return 0; }).size(), online);
   }
 }
 
 TEST_F(SystemInspectors, NamesOfTheMachine) {
-  for (auto const& [phrase, object] :
-       {std::pair("hostname", ""), std::pair("dns name", ""), std::pair("name", "computer"),
-        std::pair("machine name", "")}) {
-    EXPECT_THROW(Ask<inspector_string>(phrase, object), NoSuchObject) << phrase;
-  }
+  struct {
+    char const *phrase, *object, *answer;
+  } const cases[] = {{"hostname", "", "studio.example"},
+                     {"dns name", "", "studio.example"},
+                     {"name", "computer", "Studio caf\xE9 ?"},
+                     {"machine name", "", "PowerMac3,6"}};
+  for (auto const& row : cases) EXPECT_EQ(Answer(row.phrase, row.object), kNone) << row.phrase;
   machine_->host_name = "studio.example";
   machine_->computer_name = "Studio caf\u00E9 \u4E2D";
   machine_->product_name = "PowerMac3,6";
-  for (char const* phrase : {"hostname", "dns name"}) {
-    inspector_string const name = Ask<inspector_string>(phrase);
-    EXPECT_EQ(Shown(name), "studio.example");
-    EXPECT_EQ(name.start[name.length], 0);
-  }
-  EXPECT_EQ(AskText("name", "computer"), "Studio caf\xE9 ?");
-  EXPECT_EQ(AskText("machine name"), "PowerMac3,6");
+  for (auto const& row : cases) EXPECT_EQ(Answer(row.phrase, row.object), row.answer) << row.phrase;
+  auto const name = Ask<inspector_string>("hostname");
+  EXPECT_EQ(name.start[name.length], 0);
   machine_->host_name = std::string(1023, 'x');
-  EXPECT_THROW(Ask<inspector_string>("hostname"), NoSuchObject);
+  EXPECT_EQ(Answer("hostname"), kNone);
+}
+
+TEST_F(SystemInspectors, UsbIsThereWhereGestaltSaysSo) {
+  EXPECT_THROW(usb_of(), NoSuchObject);
+  for (std::uint32_t const attributes : {0u, 2u, 0xFFFFFFFEu}) {
+    machine_->gestalt["usb "] = attributes;
+    EXPECT_THROW(usb_of(), NoSuchObject) << attributes;
+  }
+  machine_->gestalt["usb "] = 3u;
+  auto const with = Ask<usb>("usb");
+  machine_->gestalt = {{"usb ", 0xFFFFFFFDu}, {"usbv", 0x12345678u}};
+  auto const without = Ask<usb>("usb");
+  EXPECT_EQ(Answers({"isochronous", "version"}, "usb", &with), "true, 12 3 4 86 120");
+  EXPECT_EQ(Answer("isochronous", "usb", &without), "false");
+  machine_->gestalt = {};
+  EXPECT_EQ(Answer("version", "usb", &with), kNone);
+  static_assert(sizeof(usb) == 4);
 }
 
 }  // namespace

@@ -8,27 +8,8 @@
 namespace {
 
 using namespace std::string_literals;
-using testing::ElementsAre;
 
 OwnedObject List(std::string const& value) { return Parsed("<plist>" + value + "</plist>"); }
-
-std::string const kNone = "no such object";
-
-// What a registered property gives, shown.
-template <class Result>
-std::string AskText(std::string const& phrase, std::string const& type, void const* object,
-                    void const* parameter = nullptr) {
-  return Told([&] { return Ask<Result>(phrase, type, object, parameter); });
-}
-
-// One conversion, whichever way the value is reached.
-std::string Convert(std::string const& phrase, std::string const& type, void const* object,
-                    void const* parameter = nullptr) {
-  if (phrase == "boolean") return AskText<boolean>(phrase, type, object, parameter);
-  if (phrase == "integer") return AskText<integer>(phrase, type, object, parameter);
-  if (phrase == "date") return AskText<moment>(phrase, type, object, parameter);
-  return AskText<inspector_string>(phrase, type, object, parameter);
-}
 
 TEST(PropertyList, ConvertsEachKindOfValueToItsOwnTypeOnly) {
   struct {
@@ -65,15 +46,15 @@ TEST(PropertyList, ConvertsEachKindOfValueToItsOwnTypeOnly) {
     std::string const key = "k";
     inspector_string const name = Name(key);
 
-    EXPECT_EQ(Convert("type", "osxvalue", &value), row.type);
+    EXPECT_EQ(Answer("type", "osxvalue", &value), row.type);
     for (std::string const phrase : {"string", "data", "cstring", "boolean", "integer", "date"}) {
       bool const answers = row.answering == (phrase == "data" ? "string" : phrase);
       std::string const expected =
           phrase == "cstring" ? row.cstring : (answers ? row.answer : kNone);
-      EXPECT_EQ(Convert(phrase, "osxvalue", &value), expected) << phrase;
-      EXPECT_EQ(Convert(phrase, "dictionary", &dictionary, &name), expected) << phrase;
+      EXPECT_EQ(Answer(phrase, "osxvalue", &value), expected) << phrase;
+      EXPECT_EQ(Answer(phrase, "dictionary", &dictionary, &name), expected) << phrase;
       if (phrase == "data" || phrase == "cstring") continue;
-      EXPECT_EQ(Convert(phrase, "array", &array, &index), expected) << phrase;
+      EXPECT_EQ(Answer(phrase, "array", &array, &index), expected) << phrase;
     }
     EXPECT_EQ(CFGetRetainCount(value.Object()), held);
     EXPECT_EQ(CFGetRetainCount(array.Array()), 2);
@@ -90,92 +71,8 @@ TEST(PropertyList, HasNoTimeForDatesBeyondAllTimes) {
   for (auto const& [seconds, answer] : cases) {
     OwnedObject const date(CFDateCreate(nullptr, seconds));
     OSXValue const value = OSXValue(date.get());
-    EXPECT_EQ(Convert("date", "osxvalue", &value), answer) << seconds;
+    EXPECT_EQ(Answer("date", "osxvalue", &value), answer) << seconds;
   }
-}
-
-TEST(PropertyList, FindsValuesByIndexInsideTheArrayOnly) {
-  OwnedObject const two = List("<array><string>a</string><string>b</string></array>");
-  OwnedObject const none = List("<array/>");
-  struct {
-    OwnedObject const& array;
-    integer index;
-    std::string answer;
-  } const cases[] = {{two, 1, "b"},
-                     {two, 2, kNone},
-                     {two, 0x80000000, kNone},
-                     {two, 0x100000000, kNone},
-                     {none, 0, kNone}};
-  for (auto const& row : cases) {
-    OSXArray const array(static_cast<CFArrayRef>(row.array.get()));
-    EXPECT_EQ(AskText<inspector_string>("string", "array", &array, &row.index), row.answer)
-        << row.index;
-  }
-}
-
-TEST(PropertyList, FindsKeysByTheirExactMacRomanBytes) {
-  OwnedObject const object = List("<dict><key>caf\u00e9</key><integer>1</integer></dict>");
-  OSXDictionary const dictionary(static_cast<CFDictionaryRef>(object.get()));
-  for (auto const& [key, answer] : {std::pair("caf\x8e"s, "1"s),
-                                    {"Caf\x8e", kNone},
-                                    {"caf\xc3\xa9", kNone},
-                                    {"", kNone},
-                                    {"caf\x8e\0"s, kNone}}) {
-    inspector_string const name = Name(key);
-    EXPECT_EQ(AskText<integer>("integer", "dictionary", &dictionary, &name), answer) << key;
-  }
-}
-
-TEST(PropertyList, IteratesValuesKeysAndEntries) {
-  auto const text_of_value = [](OSXValue const& value) { return Shown(string_of_value(value)); };
-  auto const text_of_key = [](inspector_string const& key) { return Shown(key); };
-  auto const text_of_entry = [](OSXDictionaryEntry const& entry) {
-    auto const value = Ask<OSXValue>("value", "dictionaryentry", &entry);
-    return Shown(Ask<inspector_string>("key", "dictionaryentry", &entry)) + "=" +
-           Shown(string_of_value(value));
-  };
-  OwnedObject const lists = List(
-      "<array><array><string>b</string><string>a</string></array><array/>"
-      "<dict><key>k</key><string>1</string><key>\u2603</key><string>2</string></dict><dict/>"
-      "</array>");
-  auto const at = [&](CFIndex index) {
-    return CFArrayGetValueAtIndex(static_cast<CFArrayRef>(lists.get()), index);
-  };
-  OSXArray const two(static_cast<CFArrayRef>(at(0))), none(static_cast<CFArrayRef>(at(1)));
-  OSXDictionary const pairs(static_cast<CFDictionaryRef>(at(2)));
-  OSXDictionary const empty(static_cast<CFDictionaryRef>(at(3)));
-  EXPECT_THAT(All(OSXArrayIterator(), text_of_value, two), ElementsAre("b", "a"));
-  EXPECT_THAT(All(OSXArrayIterator(), text_of_value, none), ElementsAre());
-  EXPECT_THAT(All(OSXDictionaryKeyIterator(), text_of_key, pairs),
-              testing::UnorderedElementsAre("k", "?"));
-  EXPECT_THAT(All(OSXDictionaryEntryIterator(), text_of_entry, pairs),
-              testing::UnorderedElementsAre("k=1", "?=2"));
-  EXPECT_THAT(All(OSXDictionaryKeyIterator(), text_of_key, empty), ElementsAre());
-  EXPECT_THAT(All(OSXDictionaryEntryIterator(), text_of_entry, empty), ElementsAre());
-  EXPECT_EQ(Ask<integer>("size", "array", &two), 2);
-  EXPECT_EQ(Ask<integer>("size", "dictionary", &pairs), 2);
-  EXPECT_EQ(size_of_dictionary(empty), 0);
-}
-
-TEST(PropertyList, FindsListsInLists) {
-  OwnedObject const object = List(
-      "<array><array><true/></array><dict><key>k</key><dict/><key>l</key><array/></dict></array>");
-  OSXArray const array(static_cast<CFArrayRef>(object.get()));
-  integer const first = 0, second = 1;
-  std::string const k = "k", l = "l";
-  inspector_string const name_of_dictionary = Name(k), name_of_array = Name(l);
-  // Of an array in a list one reference is kept for ever on purpose; here it is given back.
-  auto const size_and_release = [](OSXArray const& found) {
-    CFRelease(found.Array());
-    return size_of_array(found);
-  };
-  EXPECT_EQ(size_and_release(Ask<OSXArray>("array", "array", &array, &first)), 1);
-  auto const inner = Ask<OSXDictionary>("dictionary", "array", &array, &second);
-  EXPECT_EQ(size_of_dictionary(inner), 2);
-  EXPECT_EQ(size_of_dictionary(
-                Ask<OSXDictionary>("dictionary", "dictionary", &inner, &name_of_dictionary)),
-            0);
-  EXPECT_EQ(size_and_release(Ask<OSXArray>("array", "dictionary", &inner, &name_of_array)), 0);
 }
 
 TEST(PropertyList, HasNoTextForAKeyThatIsNoString) {

@@ -1,33 +1,22 @@
-// Preferences, asked through what they register.
+// Preferences, asked of the evaluator itself.
 #include "inspectors/plist/preferences.h"
 
-#include "tests/inspectors/asking.h"
 #include "tests/machine/recorded_tree.h"
+#include "tests/portable_inspectors/answers.h"
 #include "tests/support/on_scripted_machine.h"
-
-std::string Shown(OSXArray const& array) { return Shown(size_of_array(array)); }
-std::string Shown(OSXDictionary const& dictionary) { return Shown(size_of_dictionary(dictionary)); }
 
 namespace {
 
 std::string const kHome = "/Users/ann/Library/Preferences/";
 
 Preferences Of(std::string const& application) {
-  return prefs_of(Bytes(application), application.size());
+  ConstData const name(application);
+  return prefs_of(name.begin, name.Length());
 }
 
-std::string const kNone = "no such object";
-
-// The answer to "string "key" of preference "application"" and its like.
-template <class Result>
-std::string Ask(std::string const& phrase, std::string const& application, std::string const& key) {
-  Preferences const preferences = Of(application);
-  inspector_string const name = Name(key);
-  return Told([&] { return ::Ask<Result>(phrase, "preference", &preferences, &name); });
-}
-
-std::string AskText(std::string const& application, std::string const& key) {
-  return Ask<inspector_string>("string", application, key);
+std::string Ask(std::string const& question, std::string const& key,
+                std::string const& application) {
+  return Answer(question + " \"" + key + "\" of preference \"" + application + "\"");
 }
 
 class PreferencesOfAMachine : public OnScriptedMachine {
@@ -37,13 +26,11 @@ class PreferencesOfAMachine : public OnScriptedMachine {
     machine_->current_user = "ann";
     machine_->current_home = "/Users/ann";
     machine_->host_identifier = "0011";
+    machine_->SetZone("UTC", "UTC0");
   }
 
   void Write(std::string const& path, std::string const& entries) const {
     tree_.Write(path, "<plist><dict>" + entries + "</dict></plist>");
-  }
-  void WriteText(std::string const& path, std::string const& key) const {
-    Write(path, "<key>" + key + "</key><string>" + path + "</string>");
   }
 
   RecordedTree tree_;
@@ -65,40 +52,37 @@ TEST_F(PreferencesOfAMachine, HaveValuesOfSixTypes) {
                      {"boolean", "boolean", "true"},
                      {"integer", "integer", "-7"},
                      {"real", "", ""},
-                     {"date", "date", "1000000"},
-                     {"array", "array", "1"},
-                     {"dictionary", "dictionary", "1"},
+                     {"date", "date", "1970-01-01T00:00:01.000000+00:00"},
+                     {"array", "size of array", "1"},
+                     {"dictionary", "size of dictionary", "1"},
                      {"missing", "", ""}};
   for (auto const& row : cases) {
-    auto const expected = [&](char const* phrase) {
-      return row.phrase == phrase ? row.answer : kNone;
-    };
-    SCOPED_TRACE(row.key);
-    EXPECT_EQ(Ask<inspector_string>("string", "a", row.key), expected("string"));
-    EXPECT_EQ(Ask<boolean>("boolean", "a", row.key), expected("boolean"));
-    EXPECT_EQ(Ask<integer>("integer", "a", row.key), expected("integer"));
-    EXPECT_EQ(Ask<moment>("date", "a", row.key), expected("date"));
-    EXPECT_EQ(Ask<OSXArray>("array", "a", row.key), expected("array"));
-    EXPECT_EQ(Ask<OSXDictionary>("dictionary", "a", row.key), expected("dictionary"));
+    for (std::string const phrase :
+         {"string", "boolean", "integer", "date", "size of array", "size of dictionary"}) {
+      EXPECT_EQ(Ask(phrase, row.key, "a"), phrase == row.phrase ? row.answer : "no such object")
+          << phrase << " of " << row.key;
+    }
   }
 }
 
 TEST_F(PreferencesOfAMachine, HaveNamesAndKeysInMacRoman) {
-  WriteText(kHome + "caf\u00e9.plist", "caf\u00e9");
-  EXPECT_NE(AskText("caf\x8E", "caf\x8E"), kNone);
-  EXPECT_EQ(AskText("caf\u00e9", "caf\x8E"), kNone);
-  EXPECT_EQ(AskText("caf\x8E", "caf\u00e9"), kNone);
-  EXPECT_EQ(AskText("", "caf\x8E"), kNone);
-  EXPECT_EQ(AskText("../Preferences/caf\x8E", "caf\x8E"), kNone);
+  Write(kHome + "caf\u00e9.plist", "<key>caf\u00e9</key><true/>");
+  EXPECT_EQ(Ask("boolean", "caf\x8E", "caf\x8E"), "true");
+  for (auto const& [key, application] : {std::pair("caf\x8E", "caf\u00e9"),
+                                         {"caf\u00e9", "caf\x8E"},
+                                         {"caf\x8E", ""},
+                                         {"caf\x8E", "../Preferences/caf\x8E"}}) {
+    EXPECT_EQ(Ask("boolean", key, application), "no such object") << application << ' ' << key;
+  }
 }
 
 TEST_F(PreferencesOfAMachine, KeepTheirValuesForEver) {
   Write(kHome + "a.plist", "<key>d</key><dict/><key>l</key><array/>");
-  OSXDictionary const dictionary = dictionary_of_prefs(Bytes("d"), 1, Of("a"));
-  OSXArray const array = array_of_prefs(Bytes("l"), 1, Of("a"));
+  OSXDictionary const dictionary = dictionary_of_prefs(ConstData("d").begin, 1, Of("a"));
+  OSXArray const array = array_of_prefs(ConstData("l").begin, 1, Of("a"));
   // The file as it was has no holder but these.
   Write(kHome + "a.plist", "<key>other</key><true/>");
-  EXPECT_EQ(AskText("a", "d"), kNone);
+  EXPECT_EQ(Ask("size of dictionary", "d", "a"), "no such object");
   EXPECT_EQ(CFGetRetainCount(dictionary.Dictionary()), 2) << "the one above, and one for ever";
   EXPECT_EQ(CFGetRetainCount(array.Array()), 3) << "the one above, and two for ever";
 }
@@ -108,6 +92,12 @@ TEST(Preferences, GiveTheirNameBackOnceByTheLastCopy) {
   CFStringRef const name = first->Application();
   CFRetain(name);
   auto const second = std::make_unique<Preferences>(*first);
+  {
+    Preferences third = Of("third");
+    third = *first;
+    third = *second;
+    EXPECT_EQ(CFGetRetainCount(name), 2) << "copies hold no reference of their own";
+  }
   first.reset();
   EXPECT_EQ(CFGetRetainCount(name), 2);
   *second = Of("other");

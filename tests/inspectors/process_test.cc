@@ -47,8 +47,8 @@ TEST_F(Processes, ATableThatOutgrowsItsBufferIsReadAgain) {
 TEST_F(Processes, OneByItsNumber) {
   machine_->AddProcess(42, "abcdefghijklmnopqrs");
   process const found = numbered_process_of_world(42);
-  EXPECT_EQ(pid_of_process(found), 42);
-  EXPECT_EQ(Shown(name_of_process(found)), "abcdefghijklmnop");
+  EXPECT_EQ(Answers({"pid", "id", "process id", "name"}, "process", &found),
+            "42, 42, 42, abcdefghijklmnop");
   EXPECT_EQ(machine_->calls().all_processes, 0);
   for (unsigned long long const number : {43ull, 0ull, 0xFFFFFFFFull}) {
     EXPECT_THROW(numbered_process_of_world(number), NoSuchObject) << number;
@@ -58,20 +58,6 @@ TEST_F(Processes, OneByItsNumber) {
     EXPECT_THROW(numbered_process_of_world(number), NoSuchObject) << number;
   }
   EXPECT_EQ(machine_->calls().one_process, asked);
-}
-
-TEST_F(Processes, ThreeNamesOfTheSameNumber) {
-  process found;
-  found.record.kp_proc.p_pid = 7;
-  for (char const* phrase : {"pid", "id", "process id"}) {
-    EXPECT_EQ(Ask<integer>(phrase, "process", &found), 7);
-  }
-}
-
-TEST_F(Processes, TheBootTimeIsZeroWhereNobodyTellsIt) {
-  EXPECT_EQ(BootSecondsSince1970(), 0);
-  machine_->boot_seconds = 1'700'000'000;
-  EXPECT_EQ(BootSecondsSince1970(), 1'700'000'000);
 }
 
 using ProcessesDeathTest = Processes;
