@@ -16,8 +16,8 @@ void MakeTree(TemporaryFolder const& folder) {
   fs::create_directory_symlink(folder.Path("kept"), folder.Path("tree/a/out"));
   fs::create_directory_symlink(folder.Path("tree"), folder.Path("tree/a/b/around"));
   fs::create_symlink("nowhere", folder.Path("tree/dangling"));
-  mkfifo(folder.Path("tree/pipe").c_str(), 0600);
-  std::ofstream(folder.Path("tree/\xFF\xFE")) << "no text";
+  folder.MakeFifo("tree/pipe");
+  folder.Write("tree/\xFF\xFE", "no text");
 }
 
 TEST(FolderContents, AreDeletedWithoutFollowingLinks) {
@@ -26,14 +26,10 @@ TEST(FolderContents, AreDeletedWithoutFollowingLinks) {
     void (*remove)(FileLocation const&);
     bool keeps_folder;
     std::string missing, of_file;
-  } const rows[] = {
-      {"contents", DeleteContents, true, Named<FileNotFoundError>(-43),
-       Named<MacintoshPlatform::FileLoopFailed>(-1407)},
-      {"recursive", DeleteRecursive, false, Named<FileNotFoundError>(-43), ""},
-      {"force contents", ForceDeleteContents, true, "",
-       Named<MacintoshPlatform::FileLoopFailed>(-1407)},
-      {"force recursive", ForceDeleteRecursive, false, "", ""},
-  };
+  } const rows[] = {{"contents", DeleteContents, true, kNotFound, kNoFolder},
+                    {"recursive", DeleteRecursive, false, kNotFound, ""},
+                    {"force contents", ForceDeleteContents, true, "", kNoFolder},
+                    {"force recursive", ForceDeleteRecursive, false, "", ""}};
   for (auto const& row : rows) {
     TemporaryFolder folder;
     MakeTree(folder);
@@ -75,17 +71,13 @@ TEST(FolderContents, AreCopiedInto) {
   EXPECT_EQ(fs::read_symlink(folder.Path("target/a/out")), folder.Path("kept"));
   EXPECT_EQ(fs::read_symlink(folder.Path("target/a/b/around")), folder.Path("tree"));
 
+  std::string const into_itself = Named<FileCopyFailed>(-122), exists = Named<FileExists>(-48);
   struct {
     char const *from, *to;
     std::string error;
-  } const rows[] = {
-      {"kept", "kept", Named<FileCopyFailed>(-122)},
-      {"tree", "tree/a", Named<FileCopyFailed>(-122)},
-      {"none", "kept", Named<FileNotFoundError>(-43)},
-      {"kept", "none", Named<FileNotFoundError>(-43)},
-      {"kept/file", "target", Named<MacintoshPlatform::FileLoopFailed>(-1407)},
-      {"tree/a/b", "target/a/b", Named<FileExists>(-48)},
-  };
+  } const rows[] = {{"kept", "kept", into_itself},      {"tree", "tree/a", into_itself},
+                    {"none", "kept", kNotFound},        {"kept", "none", kNotFound},
+                    {"kept/file", "target", kNoFolder}, {"tree/a/b", "target/a/b", exists}};
   for (auto const& row : rows) {
     EXPECT_EQ(ThrownBy([&] { CopyDirectoryContents(folder.At(row.from), folder.At(row.to)); }),
               row.error)

@@ -20,20 +20,14 @@ bool KeepsTextInside(Stringy const& text) {
 
 TEST(Stringy, IsMadeOfTextsAndNumbers) {
   char const* const none = nullptr;
-  std::pair<Stringy, std::string> const rows[] = {
-      {Stringy(), "(null)"},
-      {Stringy(none), "(null)"},
-      {Stringy("abc", 0ul), "(null)"},
-      {Stringy(ConstData()), "(null)"},
-      {Stringy(""), ""},
-      {Stringy("a\0b", 3ul), std::string("a\0b", 3)},
-      {Stringy(-5), "-5"},
-      {Stringy(0), "0"},
-      {Stringy(UINT32_MAX), "4294967295"},
-      {Stringy(UINT64_MAX), "18446744073709551615"},
-      {Stringy(INT64_MIN), "-9223372036854775808"},
-      {Stringy(7ull), "7"},
-  };
+  std::pair<Stringy, std::string> const rows[] = {{Stringy(), "(null)"},
+                                                  {Stringy(none), "(null)"},
+                                                  {Stringy("abc", 0ul), "(null)"},
+                                                  {Stringy(ConstData()), "(null)"},
+                                                  {Stringy(""), ""},
+                                                  {Stringy("a\0b", 3ul), std::string("a\0b", 3)},
+                                                  {Stringy(-5), "-5"},
+                                                  {Stringy(UINT64_MAX), "18446744073709551615"}};
   for (auto const& [text, shown] : rows) {
     EXPECT_EQ(Shown(text), shown);
     Stringy assigned("long ago");
@@ -92,15 +86,14 @@ TEST(Stringy, Appends) {
 }
 
 TEST(Stringy, Compares) {
-  auto const sign = [](int order) { return (order > 0) - (order < 0); };
   auto const expect = [&](Stringy const& left, Stringy const& right, int order, int without_case) {
     SCOPED_TRACE(Shown(left) + " / " + Shown(right));
-    EXPECT_EQ(sign(left.Compare(right)), order);
-    EXPECT_EQ(sign(right.Compare(left)), -order);
+    EXPECT_EQ(left.Compare(right) <=> 0, order <=> 0);
+    EXPECT_EQ(right.Compare(left) <=> 0, 0 <=> order);
     EXPECT_EQ(left < right, order < 0);
     EXPECT_EQ(left == right, order == 0);
-    EXPECT_EQ(sign(left.CompareNoCase(right)), without_case);
-    EXPECT_EQ(sign(right.CompareNoCase(left)), -without_case);
+    EXPECT_EQ(left.CompareNoCase(right) <=> 0, without_case <=> 0);
+    EXPECT_EQ(right.CompareNoCase(left) <=> 0, 0 <=> without_case);
   };
   expect(Stringy(), Stringy(), 0, 0);
   expect(Stringy(), "", 0, -1);
