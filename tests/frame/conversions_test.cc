@@ -5,13 +5,14 @@
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "frame/combine.h"
 #include "frame/inspector_strings.h"
 #include "frame/inspector_version.h"
 #include "frame/report_encoding.h"
-#include "portable/core_foundation/auto_cf.h"
+#include "portable/core_foundation/strings.h"
 #include "tests/support/recording_evaluator.h"
 
 namespace {
@@ -51,11 +52,7 @@ class Conversions : public testing::Test {
     Host host;
     host.SetEncoding(encoding);
     evaluator_.context = &host;
-    AutoCFString text;
-    text.Seize(
-        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<UInt8 const*>(utf8.data()),
-                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
-    return Text(AsInspectorString(text.Get()));
+    return Text(AsInspectorString(MakeCFString(utf8, kCFStringEncodingUTF8).Get()));
   }
 
   static std::string Text(inspector_string const& string) {
@@ -69,15 +66,13 @@ TEST_F(Conversions, TextIsReportedInTheSetEncoding) {
   struct {
     char const* encoding;
     std::string utf8, reported;
-  } const cases[] = {
-      {"UTF-8", "caf\u00E9 \u4E2D", "caf\u00E9 \u4E2D"},
-      {"iso-8859-1", "caf\u00E9 \u4E2D\u20AC", "caf\xE9 ??"},
-      {"macintosh", "caf\u00E9", "caf\x8E"},
-      {"US-ASCII", "caf\u00E9", "caf?"},
-      {"no such encoding", "\u20AC\u4E2D", "\x80?"},
-      {"UTF-8", "", ""},
-      {"US-ASCII", "a\0b"s, "a\0b"s},
-  };
+  } const cases[] = {{"UTF-8", "caf\u00E9 \u4E2D", "caf\u00E9 \u4E2D"},
+                     {"iso-8859-1", "caf\u00E9 \u4E2D\u20AC", "caf\xE9 ??"},
+                     {"macintosh", "caf\u00E9", "caf\x8E"},
+                     {"US-ASCII", "caf\u00E9", "caf?"},
+                     {"no such encoding", "\u20AC\u4E2D", "\x80?"},
+                     {"UTF-8", "", ""},
+                     {"US-ASCII", "a\0b"s, "a\0b"s}};
   for (auto const& row : cases) {
     evaluator_.allocations.clear();
     EXPECT_EQ(Report(row.utf8, row.encoding), row.reported) << row.encoding;
@@ -101,19 +96,13 @@ TEST_F(Conversions, TheReportEncodingFallsBackToWindowsLatin1) {
   evaluator_.context = &host;
   EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "not set";
 
-  std::pair<std::string, TextEncoding> const cases[] = {
-      {"UTF-8", kCFStringEncodingUTF8},
-      {"", kWindowsLatin1},
-      {"bogus", kWindowsLatin1},
-      {"windows-1252", kWindowsLatin1},
-      {std::string(255, 'x'), kWindowsLatin1},
-      {std::string(256, 'x'), kWindowsLatin1},
-      // Cut to a length byte it would be "UTF-8".
-      {"UTF-8" + std::string(256, 'x'), kWindowsLatin1},
-  };
-  for (auto const& [name, encoding] : cases) {
+  // The last would be "UTF-8", cut to a length byte.
+  for (std::string const& name : {"UTF-8"s, ""s, "bogus"s, "windows-1252"s, std::string(255, 'x'),
+                                  std::string(256, 'x'), "UTF-8" + std::string(256, 'x')}) {
     host.SetEncoding(name);
-    EXPECT_EQ(GetReportEncodingFromInspector(), encoding) << name;
+    EXPECT_EQ(GetReportEncodingFromInspector(),
+              name == "UTF-8" ? kCFStringEncodingUTF8 : kWindowsLatin1)
+        << name;
     EXPECT_EQ(GetReportEncodingNameFromInspector(), name);
   }
 }
@@ -140,14 +129,10 @@ TEST_F(Conversions, BytesAreWrappedOrCopied) {
 }
 
 TEST_F(Conversions, PackedVersionsAreReadFieldByField) {
-  struct {
-    std::uint32_t packed;
-    std::vector<int> fields;
-  } const cases[] = {
+  std::pair<std::uint32_t, std::vector<int>> const cases[] = {
       {0x10208000, {10, 2, 0, 0x80, 0}},
       {0x02305012, {2, 3, 0, 0x50, 0x12}},
-      {0xFFFFFFFF, {165, 15, 15, 0xFF, 0xFF}},
-  };
+      {0xFFFFFFFF, {165, 15, 15, 0xFF, 0xFF}}};
   for (auto const& [packed, fields] : cases) {
     inspector_version const version = MacintoshPlatform::inspector_version(packed);
     EXPECT_THAT(fields, testing::ElementsAre(version.major, version.minor, version.bug_fix,

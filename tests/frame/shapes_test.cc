@@ -17,14 +17,14 @@ struct Thing {
   std::int64_t number = 0;
   friend bool operator==(Thing, Thing) = default;
 };
-struct SpecialThing : Thing {};
+
+int alive = 0;
 
 // Counts those of its kind that stand.
-struct Counted {
-  explicit Counted(int& alive) : alive(alive) { ++alive; }
-  Counted(Counted const&) = delete;
-  ~Counted() { --alive; }
-  int& alive;
+struct SpecialThing : Thing {
+  SpecialThing() { ++alive; }
+  SpecialThing(SpecialThing const&) = delete;
+  ~SpecialThing() { --alive; }
 };
 
 }  // namespace
@@ -36,10 +36,6 @@ struct InspectorTypeName<Thing> {
 template <>
 struct InspectorTypeName<SpecialThing> {
   static constexpr char const* kName = "special thing";
-};
-template <>
-struct InspectorTypeName<Counted> {
-  static constexpr char const* kName = "counted";
 };
 
 namespace {
@@ -213,14 +209,12 @@ TEST(Shapes, OperatorsStoreOneByteAndNothingWithoutAResult) {
   apply(nullptr, nullptr, nullptr, &equal);
 }
 
-int alive = 0;
-Counted MakeCounted() { return Counted(alive); }
-
 TEST(Shapes, ValuesOfATypeAreBuiltInPlaceAndDestroyedByTheirCallback) {
-  Type<Counted> type;
+  DerivedType<SpecialThing, Thing> type;
   InspectorDestroy const destroy = RecordingEvaluator::Instance().registered.back().destroy;
-  GlobalProperty<Counted> property("x", "xs", MakeCounted, nullptr);
-  RawStorage value(sizeof(Counted));
+  GlobalProperty<SpecialThing> property(
+      "x", "xs", +[] { return SpecialThing(); }, nullptr);
+  RawStorage value(sizeof(SpecialThing));
   auto const get = RecordingEvaluator::Instance().registered.back().get;
   ASSERT_TRUE(get(value.Address(), nullptr, nullptr, nullptr, &property));
   EXPECT_EQ(alive, 1);
