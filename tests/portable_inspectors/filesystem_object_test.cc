@@ -70,8 +70,6 @@ TEST(DescendantIterator, WalksEveryStartAsTheFilterDecides) {
 
 TEST(FilesystemObjectIterator, BeginsAnewWithAnotherFolder) {
   TemporaryFolder folder;
-  folder.MakeFolder("one");
-  folder.MakeFolder("two");
   folder.Write("one/a");
   folder.Write("two/b");
   filesystem_object_iterator contents;
