@@ -1,7 +1,6 @@
 // What crosses to the evaluator: strings in the report encoding, versions, codes.
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
@@ -19,27 +18,21 @@ namespace {
 
 using namespace std::string_literals;
 
-class OneItemStore : public SettingStore<CFPreferenceSettingIterator> {
+using Store = SettingStore<CFPreferenceSettingIterator>;
+
+// Both kinds of context and the settings in one object.
+class Host : public InspectorContext, public InspectorSettingsContext, public Store {
  public:
+  explicit Host(StoreFunction store = Self) : InspectorSettingsContext(store) {}
   CFPreferenceSettingIterator FindItem(ConstData section, ConstData name) override {
     bool const is_it = MakeString(section) == "Client" &&
                        MakeString(name) == "_KPXClient_DeploymentEncoding_IANAName";
     return is_it && encoding ? CFPreferenceSettingIterator(*encoding) : End();
   }
   std::optional<std::string> encoding;
-};
-
-// Both kinds of context in one object, as a host has them.
-class Host : public InspectorContext, public InspectorSettingsContext {
- public:
-  explicit Host(StoreFunction store = Store) : InspectorSettingsContext(store) {}
-  void SetEncoding(std::string const& name) { store_.encoding = name; }
 
  private:
-  static SettingStore<CFPreferenceSettingIterator>& Store(InspectorSettingsContext& context) {
-    return dynamic_cast<Host&>(context).store_;
-  }
-  OneItemStore store_;
+  static Store& Self(InspectorSettingsContext& context) { return dynamic_cast<Host&>(context); }
 };
 
 class Conversions : public testing::Test {
@@ -50,7 +43,7 @@ class Conversions : public testing::Test {
   // The text as the evaluator gets it with this report encoding.
   std::string Report(std::string const& utf8, std::string const& encoding) {
     Host host;
-    host.SetEncoding(encoding);
+    host.encoding = encoding;
     evaluator_.context = &host;
     return Text(AsInspectorString(MakeCFString(utf8, kCFStringEncodingUTF8).Get()));
   }
@@ -99,7 +92,7 @@ TEST_F(Conversions, TheReportEncodingFallsBackToWindowsLatin1) {
   // The last would be "UTF-8", cut to a length byte.
   for (std::string const& name : {"UTF-8"s, ""s, "bogus"s, "windows-1252"s, std::string(255, 'x'),
                                   std::string(256, 'x'), "UTF-8" + std::string(256, 'x')}) {
-    host.SetEncoding(name);
+    host.encoding = name;
     EXPECT_EQ(GetReportEncodingFromInspector(),
               name == "UTF-8" ? kCFStringEncodingUTF8 : kWindowsLatin1)
         << name;

@@ -1,6 +1,5 @@
 // What each shape registers, and the contract of its adapter.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <memory>
 #include <stdexcept>

@@ -90,14 +90,12 @@ TEST(FolderContents, ThatMayNotBeDeletedSaySo) {
   TemporaryFolder folder;
   folder.Write("unreadable/file");
   folder.Write("unwritable/file");
-  folder.Write("parent/unwritable/sub/file");
-  for (char const* name : {"", "unreadable", "unwritable", "parent", "parent/unwritable"}) {
-    fs::permissions(folder.Path(name), fs::perms::all);
+  folder.MakeFolder("parent/unwritable/sub");
+  for (auto const& [name, mode] :
+       {std::pair("", 0777), std::pair("parent", 0777), std::pair("unreadable", 0),
+        std::pair("unwritable", 0555), std::pair("parent/unwritable", 0555)}) {
+    fs::permissions(folder.Path(name), fs::perms(mode));
   }
-  fs::permissions(folder.Path("unreadable"), fs::perms::none);
-  fs::permissions(folder.Path("unwritable"), fs::perms(0555));
-  fs::remove(folder.Path("parent/unwritable/sub/file"));
-  fs::permissions(folder.Path("parent/unwritable"), fs::perms(0555));
   bool const is_root = geteuid() == 0;
   if (is_root && seteuid(65534) != 0) GTEST_SKIP();
   std::string const unreadable = ThrownBy([&] { DeleteRecursive(folder.At("unreadable")); });

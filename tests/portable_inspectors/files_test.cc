@@ -40,30 +40,24 @@ class Files : public testing::Test {
 };
 
 TEST_F(Files, AreFoundByPathAndByName) {
+  for (std::string const path : {"%/none", "a.txt", "", "%/a.txt\\x00", "%/sub", "%/a.txt/",
+                                 "%/a.txt/.", "%/to folder", "%/broken"}) {
+    EXPECT_EQ(folder_.Ask("exists file \"" + path + '"'), "false") << path;
+  }
   ExpectAnswers(
-      {{R"(exists file "%/a.txt")", "true"},
-       {R"(exists folder "%/a.txt")", "false"},
-       {R"(exists file "%/sub")", "false"},
-       {R"(name of folder "%/sub/")", "sub"},
-       {R"(exists file "%/a.txt/", exists file "%/a.txt/.")", "false, false"},
+      {{R"(exists file "%/a.txt", exists folder "%/a.txt", exists folder "%/loop")",
+        "true, false, false"},
+       {R"(name of folder "%/sub/", name of folder "%/to folder")", "sub, sub"},
        {R"(names of (filesystem object "%/to folder/"; filesystem object "%/to folder"))",
         "sub\nto folder"},
-       {R"(exists file "%/none")", "false"},
-       {R"(exists file "a.txt")", "false"},
-       {R"(exists file "")", "false"},
-       {R"(exists file "%/a.txt\x00")", "false"},
-       {R"(name of file "%/to file")", "a.txt"},
-       {R"(name of folder "%/to folder")", "sub"},
-       {R"(exists file "%/to folder")", "false"},
-       {R"(exists file "%/broken", exists folder "%/loop")", "false, false"},
-       {R"(name of filesystem object "%/loop")", "loop"},
+       {R"(name of file "%/to file", name of filesystem object "%/loop")", "a.txt, loop"},
        {R"(name of folder "%/sub/deep/../../to folder/..//./sub")", "sub"},
        {R"(name of file "%/to folder/up/a.txt")", "a.txt"},
        {R"(name of folder "/", name of folder "/..")", "/, /"},
        {R"(name of file "b.txt" of folder "sub" of folder "%")", "b.txt"},
        {R"(link target of filesystem object "to file" of folder "%")", "sub/../a.txt"},
        {R"(exists link target of file "%/a.txt")", "false"},
-       {R"(exists file "sub/b.txt" of folder "%", exists folder ".." of folder "%")",
+       {R"((exists file "sub/b.txt" of it, exists folder ".." of it) of folder "%")",
         "false, false"},
        {R"(name of parent folder of file "%/sub/b.txt")", "sub"},
        {R"(exists parent folder of folder "/", exists location of folder "/")", "false, false"},
@@ -71,31 +65,27 @@ TEST_F(Files, AreFoundByPathAndByName) {
 }
 
 TEST_F(Files, AreListed) {
-  ExpectAnswers(
-      {{R"(unique values of names of files of folder "%")",
-        "a.txt\nbroken\nloop\nto file\nto folder"},
-       {R"(names of folders of folder "%")", "sub"},
-       {R"(number of items of folder "%")", "6"},
-       {R"(unique values of names of descendants of folder "%")",
-        "a.txt\nb.txt\nbroken\nc.conf\ndeep\nloop\nsub\nto file\nto folder\nup"},
-       {R"(names of find files "?.txt" of folder "%")", "a.txt"},
-       {R"(unique values of names of find items "*o*" of folder "%")",
-        "broken\nloop\nto file\nto folder"},
-       {R"(names of find folders "S*" of folder "%")", ""},
-       {R"(unique values of names of find descendants "*.*" of folder "%")",
-        "a.txt\nb.txt\nc.conf"},
-       {R"(number of files of folder "%/sub/deep", number of folders of folder "%/sub/deep")",
-        "1, 0"}});
-}
-
-// What other systems leave beside a file belongs to that file.
-TEST_F(Files, HaveCompanionsThatAreNotListed) {
+  // What other systems leave beside a file belongs to that file.
   folder_.Write("._a.txt", std::string("\0\5\26\7\0\2\0\0", 8));
-  folder_.Write("._none", std::string("\0\5\26\7\0\2\0\0", 8));
+  folder_.Write("sub/._none", std::string("\0\5\26\7\0\2\0\0", 8));
   folder_.Write("._sub", "plain text");
-  folder_.Write("._");
-  EXPECT_EQ(folder_.Ask(R"(unique values of names of find files "._*" of folder "%")"),
-            "._\n._none\n._sub");
+  folder_.Write("sub/deep/._");
+  std::pair<std::string, std::string> const rows[] = {
+      {"files", "._sub\na.txt\nbroken\nloop\nto file\nto folder"},
+      {"folders", "sub"},
+      {"descendants",
+       "._\n._none\n._sub\na.txt\nb.txt\nbroken\nc.conf\ndeep\nloop\nsub\nto file\nto folder\nup"},
+      {R"(find files "?.txt")", "a.txt"},
+      {R"(find items "*o*")", "broken\nloop\nto file\nto folder"},
+      {R"(find folders "S*")", ""},
+      {R"(find descendants "*.*")", "._\n._none\n._sub\na.txt\nb.txt\nc.conf"}};
+  for (auto const& [listed, names] : rows) {
+    EXPECT_EQ(folder_.Ask("unique values of names of " + listed + R"( of folder "%")"), names)
+        << listed;
+  }
+  ExpectAnswers(
+      {{R"(number of items of folder "%", number of files of folder "%/sub/deep")", "7, 2"},
+       {R"(number of folders of folder "%/sub/deep")", "0"}});
 }
 
 TEST_F(Files, SayWhatTheStatProgramSays) {

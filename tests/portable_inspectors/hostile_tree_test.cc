@@ -61,6 +61,19 @@ class Questions {
   std::vector<std::string> all_;
 };
 
+// Hands over each value, before it asks for the next one, and tells how many there were.
+std::size_t Visit(std::string const& expression,
+                  gatotu::FunctionRef<void(gatotu::Value const&)> visit) {
+  std::size_t values = 0;
+  auto const compilation = gatotu::Compile(expression, gatotu::Purpose::kUse);
+  auto const take = [&](gatotu::Value const& value) {
+    visit(value);
+    return ++values > 0;
+  };
+  EXPECT_TRUE(gatotu::Evaluate(*compilation.expression, take).IsAnswered()) << expression;
+  return values;
+}
+
 class HostileTree : public testing::Test {
  protected:
   void SetUp() override { ASSERT_NE(module_, nullptr) << error_; }
@@ -74,18 +87,6 @@ class HostileTree : public testing::Test {
     EXPECT_FALSE(answer.starts_with("refused ") || answer.ends_with("failed: ")) << expression;
     if (answer.empty() || answer == "no such object" || answer.starts_with("failed: ")) return 0;
     return 1 + static_cast<std::size_t>(std::ranges::count(answer, '\n'));
-  }
-
-  std::vector<std::string> Descendants() {
-    std::vector<std::string> paths;
-    auto const compilation = gatotu::Compile("descendants of folder \"/\"", gatotu::Purpose::kUse);
-    auto const evaluation =
-        gatotu::Evaluate(*compilation.expression, [&](gatotu::Value const& value) {
-          paths.push_back(static_cast<filesystem_object const*>(value.Address())->Path());
-          return true;
-        });
-    EXPECT_TRUE(evaluation.IsAnswered());
-    return paths;
   }
 
   void ExpectNobodyWasOutside() {
@@ -109,7 +110,10 @@ class HostileTree : public testing::Test {
 TEST_F(HostileTree, AnswersEveryQuestionFromWithin) {
   AddWaysOut(tree_, forbidden_);
   AddOddItems(tree_);
-  std::vector<std::string> const paths = Descendants();
+  std::vector<std::string> paths;
+  Visit(R"(descendants of folder "/")", [&](gatotu::Value const& value) {
+    paths.push_back(static_cast<filesystem_object const*>(value.Address())->Path());
+  });
   EXPECT_GT(paths.size(), 70U);
   std::size_t values = 0;
   for (auto const& [type, plural] : {std::pair("filesystem object", "items"),
@@ -129,20 +133,6 @@ TEST_F(HostileTree, AnswersEveryQuestionFromWithin) {
   ExpectNobodyWasOutside();
 }
 
-// Each value is asked for behind the one before, so that a file changes just between the two.
-std::size_t CountWhile(std::string const& expression, gatotu::FunctionRef<void()> change) {
-  std::size_t values = 0;
-  auto const compilation = gatotu::Compile(expression);
-  EXPECT_TRUE(gatotu::Evaluate(*compilation.expression,
-                               [&](gatotu::Value const&) {
-                                 if (++values == 1) change();
-                                 return true;
-                               })
-                  .IsAnswered())
-      << expression;
-  return values;
-}
-
 TEST(ChangingFiles, AreReadAsFarAsTheyAreThere) {
   constexpr std::size_t kLines = 100'000;
   TemporaryFolder folder;
@@ -150,17 +140,17 @@ TEST(ChangingFiles, AreReadAsFarAsTheyAreThere) {
   for (std::size_t i = 0; i < kLines; ++i) text += "0123456789\n";
   folder.Write("long", text);
   std::string const path = folder.Path("long");
-  std::size_t const read =
-      CountWhile("lines of file \"" + path + '"', [&] { EXPECT_EQ(truncate(path.c_str(), 0), 0); });
+  std::size_t const read = Visit("lines of file \"" + path + '"',
+                                 [&](auto const&) { std::filesystem::resize_file(path, 0); });
   EXPECT_GT(read, 0U);
   EXPECT_LT(read, kLines);
 
   for (int i = 0; i < 10; ++i) folder.Write("few " + std::to_string(i), "x");
-  auto const remove_all = [&] {
+  auto const remove_all = [&](gatotu::Value const&) {
     std::filesystem::remove_all(folder.Path());
     std::filesystem::create_symlink("/dev/zero", folder.Path());
   };
-  EXPECT_EQ(CountWhile("sha256s of files of folder \"" + folder.Path() + '"', remove_all), 1U);
+  EXPECT_EQ(Visit("sha256s of files of folder \"" + folder.Path() + '"', remove_all), 1U);
 }
 
 // Folders and links change places while they are looked at.
