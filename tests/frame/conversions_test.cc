@@ -81,13 +81,13 @@ TEST_F(Conversions, AByteOrderMarkStandsInFrontOfUTF16EvenWhenEmpty) {
 
 TEST_F(Conversions, TheReportEncodingFallsBackToWindowsLatin1) {
   constexpr TextEncoding kWindowsLatin1 = 0x0500;
-  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "no context";
   InspectorContext without_settings;
-  evaluator_.context = &without_settings;
-  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "no settings";
   Host host;
-  evaluator_.context = &host;
-  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "not set";
+  for (InspectorContext* context : {static_cast<InspectorContext*>(nullptr), &without_settings,
+                                    static_cast<InspectorContext*>(&host)}) {
+    evaluator_.context = context;
+    EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1);
+  }
 
   // The last would be "UTF-8", cut to a length byte.
   for (std::string const& name : {"UTF-8"s, ""s, "bogus"s, "windows-1252"s, std::string(255, 'x'),

@@ -20,12 +20,11 @@ bool KeepsTextInside(Stringy const& text) {
 
 TEST(Stringy, IsMadeOfTextsAndNumbers) {
   char const* const none = nullptr;
-  std::pair<Stringy, std::string> const rows[] = {{Stringy(), "(null)"},
+  std::pair<Stringy, char const*> const rows[] = {{Stringy(), "(null)"},
                                                   {Stringy(none), "(null)"},
                                                   {Stringy("abc", 0ul), "(null)"},
                                                   {Stringy(ConstData()), "(null)"},
                                                   {Stringy(""), ""},
-                                                  {Stringy("a\0b", 3ul), std::string("a\0b", 3)},
                                                   {Stringy(-5), "-5"},
                                                   {Stringy(UINT64_MAX), "18446744073709551615"}};
   for (auto const& [text, shown] : rows) {
@@ -34,6 +33,7 @@ TEST(Stringy, IsMadeOfTextsAndNumbers) {
     assigned = text;
     EXPECT_EQ(Shown(assigned), shown);
   }
+  EXPECT_EQ(Shown(Stringy("a\0b", 3ul)), std::string("a\0b", 3));
   EXPECT_EQ(Stringy("a\0b", 3ul)[2], 'b');
   // Refused before a byte is read.
   EXPECT_THROW(Stringy("a", 0xFFFFFFFFul), StringyLengthTooLong);

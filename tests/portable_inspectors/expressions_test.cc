@@ -50,9 +50,8 @@ TEST(Strings, AreTakenApart) {
 
 TEST(Strings, AreComparedAndConverted) {
   ExpectAnswers(
-      {{R"("" & "a" & "")", "a"},
-       {R"("a" < "b" and "a" < "aa" and "a" < "\xff" and "B" < "a")", "true"},
-       {R"("" = "" and "a" != "A")", "true"},
+      {{R"("a" < "b" and "a" < "aa" and "a" < "\xff" and "B" < "a")", "true"},
+       {R"("" & "a" & "" = "a" and "" = "" and "a" != "A")", "true"},
        {R"("abc" contains "bc" and "abc" contains "" and "abc" does not contain "x")", "true"},
        {R"("abc" starts with "ab" and "abc" ends with "bc" and not ("a" ends with "aa"))", "true"},
        {R"(("12" as integer) + ("-3" as integer) + ("+1" as integer))", "10"},
@@ -69,16 +68,15 @@ TEST(Strings, AreComparedAndConverted) {
 }
 
 TEST(Numbers, AreReckonedWith) {
-  ExpectAnswers({{"(-7) / 2; (-7) mod 2; 7 / (-2)", "-3\n-1\n-3"},
-                 {"(-9223372036854775808) mod (-1)", "0"},
-                 {"absolute value of (-5)", "5"},
-                 {"bit 63 of (-1) and bit 0 of 1 and not bit 1 of 1", "true"},
-                 {"bit 64 of 1", "no such object"},
-                 {"sum of integers below 5, number of integers below 0", "10, 0"},
-                 {"number of integers below 9 whose (it mod 2 = 0)", "5"},
-                 {"2 * gigahertz + 400 * megahertz, gigahertz / megahertz", "2400000000, 1000"},
-                 {"(gigahertz / 4 - kilohertz) as integer", "249999000"},
-                 {"hertz < kilohertz and 5 as hertz = 5 * hertz", "true"}});
+  ExpectAnswers(
+      {{"(-7) / 2; (-7) mod 2; 7 / (-2)", "-3\n-1\n-3"},
+       {"(-9223372036854775808) mod (-1), absolute value of (-5)", "0, 5"},
+       {"bit 63 of (-1), bit 0 of 1, bit 1 of 1, exists bit 64 of 1", "true, true, false, false"},
+       {"sum of integers below 5, number of integers below 0", "10, 0"},
+       {"number of integers below 9 whose (it mod 2 = 0)", "5"},
+       {"2 * gigahertz + 400 * megahertz, gigahertz / megahertz", "2400000000, 1000"},
+       {"(gigahertz / 4 - kilohertz) as integer", "249999000"},
+       {"hertz < kilohertz and 5 as hertz = 5 * hertz", "true"}});
 }
 
 TEST(Matches, AreFound) {
@@ -111,13 +109,11 @@ TEST(Versions, AreComparedAndTakenApart) {
 
 TEST(Times, AreReckonedWith) {
   ExpectAnswers(
-      {{"day / hour", "24"},
+      {{"day / hour, (3 * day) mod (36 * hour)", "24, 00:00:00.000000"},
        {"3 * day + 4 * hour", "3 days, 04:00:00.000000"},
-       {"(3 * day) mod (36 * hour)", "00:00:00.000000"},
        {R"("3 days, 04:00:00" as time interval = 76 * hour)", "true"},
        {R"("soon" as time interval)", "no such object"},
-       {"3 * day + now > now + 2 * day", "true"},
-       {"absolute value of (week - 8 * day) = day", "true"},
+       {"3 * day + now > now + 2 * day, absolute value of (week - 8 * day) = day", "true, true"},
        {R"((time "2024-02-29T23:59:59.5Z" - time "2024-02-29T00:59:59.25+01:00") / millisecond)",
         "86400250"},
        {R"((universal date of it, universal weekday of it, universal month name of it,
@@ -126,8 +122,8 @@ TEST(Times, AreReckonedWith) {
         "2024-02-29, Thursday, February, 60, 23, 7"},
        {R"((unix epoch - microsecond) as universal string)", "1969-12-31T23:59:59.999999Z"},
        {R"(universal time_of_day of unix epoch)", "00:00:00.000000"},
-       {R"((now as string) as time <= now)", "true"},
-       {R"(exists ("2024-13-01T00:00:00Z" as time))", "false"},
+       {R"((now as string) as time <= now, exists ("2024-13-01T00:00:00Z" as time))",
+        "true, false"},
        {R"(exists name of time zone)", "true"}});
 }
 
