@@ -149,7 +149,7 @@ TEST(Stringy, TakesParts) {
   for (auto const& [part, expected] : rows) EXPECT_EQ(part, expected) << Shown(part);
 }
 
-TEST(Stringy, ChangesInPlace) {
+TEST(Stringy, ChangesAndStripsInPlace) {
   Stringy text("aXbX"), null;
   for (Stringy* each : {&text, &null}) each->Replace('X', 'Y');
   EXPECT_EQ(Shown(text), "aYbY");
@@ -158,9 +158,7 @@ TEST(Stringy, ChangesInPlace) {
   text.MakeUpper();
   EXPECT_EQ(Shown(text), "AYBY");
   EXPECT_EQ(Shown(null), "(null)");
-}
 
-TEST(Stringy, Strips) {
   struct {
     char const *text, *left, *both;
   } const rows[] = {{" \t\r\na b \t", "a b \t", "a b"},
