@@ -117,10 +117,9 @@ void Expect(std::string const& registers, integer answer, auto... arguments) {
 
   evaluator.withdrawn.clear();
   shape.reset();
-  bool const iterated = registration.call == "Iterated_Property";
-  EXPECT_THAT(evaluator.withdrawn,
-              testing::ElementsAre(
-                  testing::Pair(iterated ? "Property" : registration.call, registration.handle)));
+  std::string const call =
+      registration.call == "Iterated_Property" ? "Property" : registration.call;
+  EXPECT_THAT(evaluator.withdrawn, testing::ElementsAre(testing::Pair(call, registration.handle)));
 }
 
 // A property's names, the rest of its arguments, and on what it depends.

@@ -151,11 +151,11 @@ TEST(FileContent, IsReplacedAndTheRestOfTheFileKept) {
 
 // The writer is killed at a different moment each time, while it puts one content after the other.
 TEST(FileContent, IsOldOrNewWhenTheWriterIsKilled) {
-  TemporaryFolder folder;
   constexpr std::size_t kSize = 3'000'000;
-  FileLocation const file = folder.Write("file", std::string(kSize, 'a'));
   int was_interrupted = 0;
   for (int round = 0; round < 30; ++round) {
+    TemporaryFolder folder;
+    FileLocation const file = folder.Write("file", std::string(kSize, 'a'));
     pid_t const writer = fork();
     ASSERT_GE(writer, 0);
     if (writer == 0) {
@@ -170,9 +170,6 @@ TEST(FileContent, IsOldOrNewWhenTheWriterIsKilled) {
     ASSERT_EQ(content.size(), kSize) << round;
     EXPECT_EQ(content.find_first_not_of(content[0]), std::string::npos) << round;
     if (folder.Count() > 1) ++was_interrupted;
-    for (auto const& entry : fs::directory_iterator(folder.Path())) {
-      if (entry.path().filename() != "file") fs::remove(entry.path());
-    }
   }
   // Else the moments were badly chosen.
   EXPECT_GT(was_interrupted, 0);

@@ -104,16 +104,16 @@ TEST(FileName, FallsIntoParts) {
   using Kind = FileName::Kind;
   struct {
     char const *name, *base, *digits;
-    Kind kind;
-  } const rows[] = {{"archive.tar.gz", "archive.tar", "", Kind::kPlain},
-                    {"README", "README", "", Kind::kPlain},
-                    {".profile", "", "", Kind::kPlain},
-                    {"2009report", "2009report", "2009", Kind::kPlain},
+    Kind kind = Kind::kPlain;
+  } const rows[] = {{"archive.tar.gz", "archive.tar", ""},
+                    {"README", "README", ""},
+                    {".profile", "", ""},
+                    {"2009report", "2009report", "2009"},
                     {"12.APP", "12", "12", Kind::kApplication},
                     {"٣.framework", "٣", "", Kind::kBundle},
                     {"a.pkg", "a", "", Kind::kPackage},
-                    {"app", "app", "", Kind::kPlain},
-                    {"", "", "", Kind::kPlain}};
+                    {"app", "app", ""},
+                    {"", "", ""}};
   for (auto const& row : rows) {
     SCOPED_TRACE(row.name);
     FileName const name = Named(row.name);
