@@ -38,6 +38,6 @@ TEST(Overflow, IsToldOfEveryPairOfBytes) {
 static_assert(CanAdd(INT64_MAX - 1, INT64_C(1)) && !CanAdd(INT64_MAX, INT64_C(1)));
 // One width under two names.
 static_assert(CanAddSigned(std::numeric_limits<long>::min(), ~0ull) && !CanAddUnsigned(-1ll, 0ul));
-static_assert(CanSubtractSigned(0ul, 1ull << 63) && !CanSubtractUnsigned(0l, 1ull));
+static_assert(CanSubtractSigned(0ul, 1ul << 63) && !CanSubtractUnsigned(0l, 1ull));
 
 }  // namespace
