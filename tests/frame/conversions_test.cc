@@ -1,44 +1,38 @@
 // What crosses to the evaluator: strings in the report encoding, versions, codes.
 #include <CoreFoundation/CoreFoundation.h>
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "frame/combine.h"
 #include "frame/inspector_strings.h"
 #include "frame/inspector_version.h"
 #include "frame/report_encoding.h"
-#include "portable/core_foundation/auto_cf.h"
+#include "portable/core_foundation/strings.h"
 #include "tests/support/recording_evaluator.h"
 
 namespace {
 
 using namespace std::string_literals;
 
-class OneItemStore : public SettingStore<CFPreferenceSettingIterator> {
+using Store = SettingStore<CFPreferenceSettingIterator>;
+
+// Both kinds of context and the settings in one object.
+class Host : public InspectorContext, public InspectorSettingsContext, public Store {
  public:
+  explicit Host(StoreFunction store = Self) : InspectorSettingsContext(store) {}
   CFPreferenceSettingIterator FindItem(ConstData section, ConstData name) override {
     bool const is_it = MakeString(section) == "Client" &&
                        MakeString(name) == "_KPXClient_DeploymentEncoding_IANAName";
     return is_it && encoding ? CFPreferenceSettingIterator(*encoding) : End();
   }
   std::optional<std::string> encoding;
-};
-
-// Both kinds of context in one object, as a host has them.
-class Host : public InspectorContext, public InspectorSettingsContext {
- public:
-  explicit Host(StoreFunction store = Store) : InspectorSettingsContext(store) {}
-  void SetEncoding(std::string const& name) { store_.encoding = name; }
 
  private:
-  static SettingStore<CFPreferenceSettingIterator>& Store(InspectorSettingsContext& context) {
-    return dynamic_cast<Host&>(context).store_;
-  }
-  OneItemStore store_;
+  static Store& Self(InspectorSettingsContext& context) { return dynamic_cast<Host&>(context); }
 };
 
 class Conversions : public testing::Test {
@@ -49,13 +43,9 @@ class Conversions : public testing::Test {
   // The text as the evaluator gets it with this report encoding.
   std::string Report(std::string const& utf8, std::string const& encoding) {
     Host host;
-    host.SetEncoding(encoding);
+    host.encoding = encoding;
     evaluator_.context = &host;
-    AutoCFString text;
-    text.Seize(
-        CFStringCreateWithBytes(kCFAllocatorDefault, reinterpret_cast<UInt8 const*>(utf8.data()),
-                                static_cast<CFIndex>(utf8.size()), kCFStringEncodingUTF8, false));
-    return Text(AsInspectorString(text.Get()));
+    return Text(AsInspectorString(MakeCFString(utf8, kCFStringEncodingUTF8).Get()));
   }
 
   static std::string Text(inspector_string const& string) {
@@ -69,15 +59,13 @@ TEST_F(Conversions, TextIsReportedInTheSetEncoding) {
   struct {
     char const* encoding;
     std::string utf8, reported;
-  } const cases[] = {
-      {"UTF-8", "caf\u00E9 \u4E2D", "caf\u00E9 \u4E2D"},
-      {"iso-8859-1", "caf\u00E9 \u4E2D\u20AC", "caf\xE9 ??"},
-      {"macintosh", "caf\u00E9", "caf\x8E"},
-      {"US-ASCII", "caf\u00E9", "caf?"},
-      {"no such encoding", "\u20AC\u4E2D", "\x80?"},
-      {"UTF-8", "", ""},
-      {"US-ASCII", "a\0b"s, "a\0b"s},
-  };
+  } const cases[] = {{"UTF-8", "caf\u00E9 \u4E2D", "caf\u00E9 \u4E2D"},
+                     {"iso-8859-1", "caf\u00E9 \u4E2D\u20AC", "caf\xE9 ??"},
+                     {"macintosh", "caf\u00E9", "caf\x8E"},
+                     {"US-ASCII", "caf\u00E9", "caf?"},
+                     {"no such encoding", "\u20AC\u4E2D", "\x80?"},
+                     {"UTF-8", "", ""},
+                     {"US-ASCII", "a\0b"s, "a\0b"s}};
   for (auto const& row : cases) {
     evaluator_.allocations.clear();
     EXPECT_EQ(Report(row.utf8, row.encoding), row.reported) << row.encoding;
@@ -93,27 +81,21 @@ TEST_F(Conversions, AByteOrderMarkStandsInFrontOfUTF16EvenWhenEmpty) {
 
 TEST_F(Conversions, TheReportEncodingFallsBackToWindowsLatin1) {
   constexpr TextEncoding kWindowsLatin1 = 0x0500;
-  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "no context";
   InspectorContext without_settings;
-  evaluator_.context = &without_settings;
-  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "no settings";
   Host host;
-  evaluator_.context = &host;
-  EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1) << "not set";
+  for (InspectorContext* context : {static_cast<InspectorContext*>(nullptr), &without_settings,
+                                    static_cast<InspectorContext*>(&host)}) {
+    evaluator_.context = context;
+    EXPECT_EQ(GetReportEncodingFromInspector(), kWindowsLatin1);
+  }
 
-  std::pair<std::string, TextEncoding> const cases[] = {
-      {"UTF-8", kCFStringEncodingUTF8},
-      {"", kWindowsLatin1},
-      {"bogus", kWindowsLatin1},
-      {"windows-1252", kWindowsLatin1},
-      {std::string(255, 'x'), kWindowsLatin1},
-      {std::string(256, 'x'), kWindowsLatin1},
-      // Cut to a length byte it would be "UTF-8".
-      {"UTF-8" + std::string(256, 'x'), kWindowsLatin1},
-  };
-  for (auto const& [name, encoding] : cases) {
-    host.SetEncoding(name);
-    EXPECT_EQ(GetReportEncodingFromInspector(), encoding) << name;
+  // The last would be "UTF-8", cut to a length byte.
+  for (std::string const& name : {"UTF-8"s, ""s, "bogus"s, "windows-1252"s, std::string(255, 'x'),
+                                  std::string(256, 'x'), "UTF-8" + std::string(256, 'x')}) {
+    host.encoding = name;
+    EXPECT_EQ(GetReportEncodingFromInspector(),
+              name == "UTF-8" ? kCFStringEncodingUTF8 : kWindowsLatin1)
+        << name;
     EXPECT_EQ(GetReportEncodingNameFromInspector(), name);
   }
 }
@@ -140,14 +122,10 @@ TEST_F(Conversions, BytesAreWrappedOrCopied) {
 }
 
 TEST_F(Conversions, PackedVersionsAreReadFieldByField) {
-  struct {
-    std::uint32_t packed;
-    std::vector<int> fields;
-  } const cases[] = {
+  std::pair<std::uint32_t, std::vector<int>> const cases[] = {
       {0x10208000, {10, 2, 0, 0x80, 0}},
       {0x02305012, {2, 3, 0, 0x50, 0x12}},
-      {0xFFFFFFFF, {165, 15, 15, 0xFF, 0xFF}},
-  };
+      {0xFFFFFFFF, {165, 15, 15, 0xFF, 0xFF}}};
   for (auto const& [packed, fields] : cases) {
     inspector_version const version = MacintoshPlatform::inspector_version(packed);
     EXPECT_THAT(fields, testing::ElementsAre(version.major, version.minor, version.bug_fix,

@@ -1,6 +1,5 @@
 // Iterations as an evaluator drives them.
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <stdexcept>
 #include <vector>

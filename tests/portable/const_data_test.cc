@@ -1,6 +1,5 @@
 #include "portable/const_data.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
@@ -12,13 +11,11 @@
 
 namespace {
 
-using testing::ElementsAre;
-using testing::IsEmpty;
-
-std::vector<std::string> Strings(std::vector<ConstData> const& pieces) {
-  std::vector<std::string> strings;
-  for (ConstData piece : pieces) strings.push_back(MakeString(piece));
-  return strings;
+// "(a)(b)" of the pieces a and b.
+std::string Shown(std::vector<ConstData> const& pieces) {
+  std::string text;
+  for (ConstData piece : pieces) text += "(" + MakeString(piece) + ")";
+  return text;
 }
 
 // An area whose bytes are '.' until something is written.
@@ -29,34 +26,30 @@ struct Area {
   std::string Text() const { return MakeString(ConstData(bytes, sizeof bytes)); }
 };
 
-TEST(ConstData, FindsTheLeftmostOccurrenceAndItsEnds) {
+TEST(ConstData, FindsOccurrencesThatDoNotOverlapAndItsEnds) {
   struct {
     char const *text, *pattern;
-    long position;
+    std::vector<unsigned long> positions;
     bool is_start, is_end;
-  } const rows[] = {{"abcabc", "bc", 1, false, true}, {"abc", "abc", 0, true, true},
-                    {"aab", "ab", 1, false, true},    {"abc", "a", 0, true, false},
-                    {"abc", "", -1, true, true},      {"", "", -1, true, true},
-                    {"", "a", -1, false, false},      {"ab", "abc", -1, false, false},
-                    {"bc", "abc", -1, false, false},  {"abc", "x", -1, false, false}};
+  } const rows[] = {{"abcabc", "bc", {1, 4}, false, true}, {"abc", "abc", {0}, true, true},
+                    {"aab", "ab", {1}, false, true},       {"abc", "a", {0}, true, false},
+                    {"abc", "", {}, true, true},           {"", "", {}, true, true},
+                    {"", "a", {}, false, false},           {"ab", "abc", {}, false, false},
+                    {"bc", "abc", {}, false, false},       {"abc", "x", {}, false, false},
+                    {"aaaa", "aa", {0, 2}, true, true},    {"aaa", "aa", {0}, true, true},
+                    {"xaaxaa", "aa", {1, 4}, false, true}};
   for (auto const& row : rows) {
     SCOPED_TRACE(std::string(row.text) + " / " + row.pattern);
     ConstData const text(row.text), pattern(row.pattern);
-    EXPECT_EQ(text.PositionOf(pattern), row.position);
-    EXPECT_EQ(text.Contains(pattern), row.position != -1);
+    bool const is_found = !row.positions.empty();
+    EXPECT_EQ(text.PositionsOf(pattern), row.positions);
+    EXPECT_EQ(text.PositionOf(pattern), is_found ? static_cast<long>(row.positions[0]) : -1);
+    EXPECT_EQ(text.Contains(pattern), is_found);
     EXPECT_EQ(text.StartsWith(pattern), row.is_start);
     EXPECT_EQ(text.EndsWith(pattern), row.is_end);
   }
   EXPECT_EQ(ConstData("a\xFFz").PositionOf(static_cast<unsigned char>(0xFF)), 1);
   EXPECT_FALSE(ConstData().Contains(static_cast<unsigned char>('a')));
-}
-
-TEST(ConstData, PositionsDoNotOverlap) {
-  EXPECT_THAT(ConstData("aaaa").PositionsOf("aa"), ElementsAre(0, 2));
-  EXPECT_THAT(ConstData("aaa").PositionsOf("aa"), ElementsAre(0));
-  EXPECT_THAT(ConstData("xaaxaa").PositionsOf("aa"), ElementsAre(1, 4));
-  EXPECT_THAT(ConstData("aa").PositionsOf(""), IsEmpty());
-  EXPECT_THAT(ConstData("a").PositionsOf("aa"), IsEmpty());
 }
 
 TEST(ConstData, Orders) {
@@ -84,26 +77,24 @@ TEST(Split, TellsPiecesApart) {
   struct {
     char const *text, *separator;
     bool trim;
-    std::vector<std::string> full, all;
-  } const rows[] = {
-      {"a,,b", ",", false, {"a", "b"}, {"a", "", "b"}},
-      {" a , b ", ",", true, {"a", "b"}, {"a", "b"}},
-      {" a , b ", ",", false, {" a ", " b "}, {" a ", " b "}},
-      {"a,b,", ",", false, {"a", "b"}, {"a", "b", ""}},
-      {",", ",", false, {}, {"", ""}},
-      {"a, ,b", ",", true, {"a", "b"}, {"a", "", "b"}},
-      {"a::b:::c", "::", false, {"a", "b", ":c"}, {"a", "b", ":c"}},
-      {"", ",", false, {""}, {""}},
-      {"", "", true, {""}, {""}},
-      {"abc", "", false, {"abc"}, {"abc"}},
-      {" a ", ",", true, {"a"}, {"a"}},
-      {"  ", "long", true, {""}, {""}},
-  };
+    char const *full, *all;
+  } const rows[] = {{"a,,b", ",", false, "(a)(b)", "(a)()(b)"},
+                    {" a , b ", ",", true, "(a)(b)", "(a)(b)"},
+                    {" a , b ", ",", false, "( a )( b )", "( a )( b )"},
+                    {"a,b,", ",", false, "(a)(b)", "(a)(b)()"},
+                    {",", ",", false, "", "()()"},
+                    {"a, ,b", ",", true, "(a)(b)", "(a)()(b)"},
+                    {"a::b:::c", "::", false, "(a)(b)(:c)", "(a)(b)(:c)"},
+                    {"", ",", false, "()", "()"},
+                    {"", "", true, "()", "()"},
+                    {"abc", "", false, "(abc)", "(abc)"},
+                    {" a ", ",", true, "(a)", "(a)"},
+                    {"  ", "long", true, "()", "()"}};
   for (auto const& row : rows) {
     SCOPED_TRACE(row.text);
     ConstData const text(row.text);
-    EXPECT_EQ(Strings(text.Split(row.separator, row.trim, false)), row.full);
-    EXPECT_EQ(Strings(text.Split(row.separator, row.trim, true)), row.all);
+    EXPECT_EQ(Shown(text.Split(row.separator, row.trim, false)), row.full);
+    EXPECT_EQ(Shown(text.Split(row.separator, row.trim, true)), row.all);
   }
 }
 

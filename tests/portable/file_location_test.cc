@@ -1,7 +1,8 @@
 #include "portable/file_location.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
+
+#include <filesystem>
 
 #include "portable/core_foundation/errors.h"
 #include "portable/macintosh/file_info.h"
@@ -10,36 +11,36 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using Platform = MacintoshPlatform::FileLocation;
+
+Platform At(char const* path) { return MakeFileLocation(path).Platform(); }
 
 TEST(FileLocation, IsMadeFromPathsAndNames) {
   FileLocation const a = MakeFileLocation("/a");
   struct {
     FileLocation location;
     char const *path, *name;
-  } const rows[] = {
-      {a, "/a", "a"},
-      {MakeFileLocation("/"), "/", "/"},
-      {MakeFileLocation("/a/b/"), "/a/b", "b"},
-      {MakeFileLocation(ConstData("/x\xFF")), "/x\xFF", "x\xFF"},
-      {MakeFileLocation(UStringRef<UTF8>(ConstData("/é"))), "/é", "é"},
-      {FileLocation(a, "b c"), "/a/b c", "b c"},
-      {FileLocation(a, ConstData("\xFF")), "/a/\xFF", "\xFF"},
-      {a.Child(FileName(ConstData("%41"))), "/a/%41", "%41"},
-      {a.Sibling(FileName(ConstData("b"))), "/b", "b"},
-      {MakeRelativeFileLocation(a, "b/../c"), "/a/b/../c", "c"},
-      {MakeRelativeFileLocation(a, "/c"), "/c", "c"},
-      {a.Child(FileName(ConstData("b"))).Parent(), "/a", "a"},
-      {a.Parent(), "/", "/"},
-  };
+  } const rows[] = {{a, "/a", "a"},
+                    {MakeFileLocation("/"), "/", "/"},
+                    {MakeFileLocation("/a/b/"), "/a/b", "b"},
+                    {MakeFileLocation(ConstData("/x\xFF")), "/x\xFF", "x\xFF"},
+                    {MakeFileLocation(UStringRef<UTF8>(ConstData("/é"))), "/é", "é"},
+                    {FileLocation(a, "b c"), "/a/b c", "b c"},
+                    {FileLocation(a, ConstData("\xFF")), "/a/\xFF", "\xFF"},
+                    {a.Child(FileName(ConstData("%41"))), "/a/%41", "%41"},
+                    {a.Sibling(FileName(ConstData("b"))), "/b", "b"},
+                    {MakeRelativeFileLocation(a, "b/../c"), "/a/b/../c", "c"},
+                    {MakeRelativeFileLocation(a, "/c"), "/c", "c"},
+                    {a.Child(FileName(ConstData("b"))).Parent(), "/a", "a"},
+                    {a.Parent(), "/", "/"}};
   for (auto const& row : rows) {
     EXPECT_EQ(row.location.POSIXPath(), row.path);
     EXPECT_EQ(row.location.Name().MakeUTF8String(), row.name);
   }
-  EXPECT_EQ(MacintoshPlatform::MakeFileLocation("System:\x8E", 8, kCFStringEncodingMacRoman,
-                                                kCFURLHFSPathStyle)
-                .POSIXPath(),
-            "/é");
+  Platform const by_volume = MacintoshPlatform::MakeFileLocation(
+      "System:\x8E", 8, kCFStringEncodingMacRoman, kCFURLHFSPathStyle);
+  EXPECT_EQ(by_volume.POSIXPath(), "/é");
   EXPECT_THROW(MakeFileLocation(""), CFURLCreateWithFileSystemPathFailed);
   EXPECT_THROW(MakeFileLocation(ConstData("/a\0b", 4)), CFURLCreateWithFileSystemPathFailed);
   EXPECT_TRUE(IsAbsolutePath("/a"));
@@ -93,80 +94,72 @@ TEST_F(Locations, TellWhatStandsThere) {
   struct {
     char const* path;
     bool exists, is_link, is_root;
-  } const rows[] = {
-      {"/folder", true, false, false},   {"/link", true, true, false},
-      {"/dangling", true, true, false},  {"/gone", false, false, false},
-      {"/", true, false, true},          {"//", true, false, true},
-      {"/folder/..", true, false, true}, {"/folder/../..", true, false, true},
-      {"/way/.", true, false, false},    {"/folder/file/x", false, false, false},
-  };
+  } const rows[] = {{"/folder", true, false, false},   {"/link", true, true, false},
+                    {"/dangling", true, true, false},  {"/gone", false, false, false},
+                    {"/", true, false, true},          {"//", true, false, true},
+                    {"/folder/..", true, false, true}, {"/folder/../..", true, false, true},
+                    {"/way/.", true, false, false},    {"/folder/file/x", false, false, false}};
   for (auto const& row : rows) {
     SCOPED_TRACE(row.path);
     FileLocation const location = MakeFileLocation(row.path);
     EXPECT_EQ(location.Exists(), row.exists);
     EXPECT_EQ(location.IsLink(), row.is_link);
-    EXPECT_EQ(location.Platform().IsSymLink(), row.is_link);
     EXPECT_EQ(location.IsRoot(), row.is_root);
     if (!row.is_root) continue;
     EXPECT_THROW(location.Parent(), RootHasNoParent);
   }
-  EXPECT_THROW(MakeFileLocation("/").Platform().ParentURL(), MacintoshPlatform::InvalidParentURL);
-  EXPECT_EQ(MakeFileLocation("/folder/..").Platform().ParentURL().Get() != nullptr, true);
+  EXPECT_THROW(At("/").ParentURL(), MacintoshPlatform::InvalidParentURL);
+  EXPECT_EQ(At("/folder/..").ParentURL().Get() != nullptr, true);
 }
 
 TEST_F(Locations, LeadToItemsAndLinksToTargets) {
-  Platform const file = MakeFileLocation("/way/file").Platform();
+  Platform const file = At("/way/file");
   EXPECT_EQ(Platform(file.Ref()).POSIXPath(), "/folder/file");
-  EXPECT_EQ(Platform(MakeFileLocation("/way/new").Platform().ParentRef()).POSIXPath(), "/folder");
-  for (char const* path : {"/gone", "/gone/x"}) {
-    EXPECT_THROW(MakeFileLocation(path).Platform().Ref(), FileIOError) << path;
-  }
-  EXPECT_THROW(MakeFileLocation("/gone").Platform().Ref(), FileNotFoundError);
+  EXPECT_EQ(Platform(At("/way/new").ParentRef()).POSIXPath(), "/folder");
+  EXPECT_THROW(At("/gone/x").Ref(), FileIOError);
+  EXPECT_THROW(At("/gone").Ref(), FileNotFoundError);
   EXPECT_THROW((void)(MakeFileLocation("/gone") == MakeFileLocation("/")), FileNotFoundError);
 
   bool is_folder = true, was_aliased = false;
-  EXPECT_EQ(
-      MakeFileLocation("/link").Platform().ResolveAliasFile(&is_folder, &was_aliased).POSIXPath(),
-      "/folder/file");
+  EXPECT_EQ(At("/link").ResolveAliasFile(&is_folder, &was_aliased).POSIXPath(), "/folder/file");
   EXPECT_FALSE(is_folder);
   EXPECT_TRUE(was_aliased);
-  MakeFileLocation("/folder").Platform().ResolveAliasFile(&is_folder, &was_aliased);
+  At("/folder").ResolveAliasFile(&is_folder, &was_aliased);
   EXPECT_TRUE(is_folder);
   EXPECT_FALSE(was_aliased);
-  EXPECT_THROW(MakeFileLocation("/dangling").Platform().ResolveAliasFile(), FileNotFoundError);
+  EXPECT_THROW(At("/dangling").ResolveAliasFile(), FileNotFoundError);
 }
 
 TEST_F(Locations, MakeAndLockItems) {
-  Platform const file = MakeFileLocation("/folder/new").Platform();
-  Platform const folder = MakeFileLocation("/made").Platform();
+  Platform const file = At("/folder/new");
+  Platform const folder = At("/made");
   file.CreateFile({.mode = 0640, .finder_info = {}});
   folder.CreateDirectory({.mode = 0750, .finder_info = {}});
-  struct stat status;
-  ASSERT_EQ(::stat(tree_.At("/folder/new").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode, S_IFREG | 0640u);
-  ASSERT_EQ(::stat(tree_.At("/made").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode, S_IFDIR | 0750u);
+  EXPECT_TRUE(fs::status(tree_.At("/folder/new")) ==
+              fs::file_status(fs::file_type::regular, fs::perms(0640)));
+  EXPECT_TRUE(fs::status(tree_.At("/made")) ==
+              fs::file_status(fs::file_type::directory, fs::perms(0750)));
   EXPECT_THROW(file.CreateFile({}), FileExists);
   EXPECT_THROW(folder.CreateDirectory({}), DirectoryExists);
-  EXPECT_THROW(MakeFileLocation("/gone/x").Platform().CreateFile({}), FileNotFoundError);
-  EXPECT_THROW(MakeFileLocation("/folder/file/x").Platform().CreateDirectory({}), FileIOError);
+  EXPECT_THROW(At("/gone/x").CreateFile({}), FileNotFoundError);
+  EXPECT_THROW(At("/folder/file/x").CreateDirectory({}), FileIOError);
 
   MacintoshPlatform::MacFileInfo info(file);
   for (bool const is_locked : {true, false}) {
     is_locked ? file.Lock(info) : file.Unlock(info);
-    EXPECT_EQ((info.Catalog().nodeFlags & kFSNodeLockedMask) != 0, is_locked);
-    MacintoshPlatform::MacFileInfo const again(file);
-    EXPECT_EQ((again.Catalog().nodeFlags & kFSNodeLockedMask) != 0, is_locked);
+    for (auto const& seen : {info, MacintoshPlatform::MacFileInfo(file)}) {
+      EXPECT_EQ((seen.Catalog().nodeFlags & kFSNodeLockedMask) != 0, is_locked);
+    }
   }
-  EXPECT_THROW(MakeFileLocation("/gone").Platform().Lock(info), FileNotFoundError);
+  EXPECT_THROW(At("/gone").Lock(info), FileNotFoundError);
 }
 
 TEST_F(Locations, ChangeNothingOnAReadOnlyMachine) {
   MachineInUse const use(tree_.Machine());
-  EXPECT_THROW(MakeFileLocation("/x").Platform().CreateFile({}), FileCreateFailed);
-  EXPECT_THROW(MakeFileLocation("/x").Platform().CreateDirectory({}), DirectoryCreateFailed);
+  EXPECT_THROW(At("/x").CreateFile({}), FileCreateFailed);
+  EXPECT_THROW(At("/x").CreateDirectory({}), DirectoryCreateFailed);
   MacintoshPlatform::MacFileInfo info;
-  EXPECT_THROW(MakeFileLocation("/link").Platform().Lock(info), SoftwareVolumeLockError);
+  EXPECT_THROW(At("/link").Lock(info), SoftwareVolumeLockError);
 }
 
 }  // namespace

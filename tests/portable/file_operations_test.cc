@@ -1,5 +1,9 @@
 #include "portable/file_operations.h"
 
+#include <sstream>
+#include <utility>
+#include <vector>
+
 #include "portable/file_item.h"
 #include "tests/portable/temporary_folder.h"
 
@@ -7,50 +11,47 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// "source" is a file, "taken" another, "full" a folder with a file, "empty" one without, "link"
-// leads nowhere.
+// "source" is a file, "taken" another, "full" a folder with a file, "empty" one without, "to-full"
+// leads to "full", "link" nowhere.
 class FileOperations : public testing::Test {
  protected:
   FileOperations() {
     folder.Write("source", "source");
     folder.Write("taken", "taken");
     folder.Write("full/inner", "inner");
-    fs::create_directory(folder.Path("empty"));
-    fs::create_symlink("nowhere", folder.Path("link"));
+    folder.MakeFolder("empty");
+    folder.Link("link", "nowhere");
+    folder.Link("to-full", "full");
   }
 
   TemporaryFolder folder;
 };
 
-using Transfer = void (*)(FileLocation const&, FileLocation const&);
-
 TEST_F(FileOperations, TransferOrSayWhyNot) {
-  std::string const missing = Named<FileNotFoundError>(-43);
   struct {
     char const* name;
-    Transfer transfer;
+    void (*transfer)(FileLocation const&, FileLocation const&);
     char const *from, *to;
     std::string error, content;
   } const rows[] = {
       {"copy", CopyFile, "source", "copy", "", "source"},
       {"copy onto", CopyFile, "source", "taken", Named<FileExists>(-48), "taken"},
-      {"copy nothing", CopyFile, "none", "copy2", missing, ""},
-      {"copy nowhere", CopyFile, "source", "none/x", missing, ""},
+      {"copy nothing", CopyFile, "none", "copy2", kNotFound, ""},
+      {"copy nowhere", CopyFile, "source", "none/x", kNotFound, ""},
       {"copy folder", CopyFile, "full", "full2", "", ""},
       {"copy into itself", CopyFile, "full", "full/again", Named<FileCopyFailed>(-122), ""},
       {"copy link", CopyFile, "link", "link2", "", ""},
       {"force copy", ForceCopyFile, "source", "taken", "", "source"},
       {"force copy onto itself", ForceCopyFile, "source", "source", "", "source"},
-      {"force copy nothing", ForceCopyFile, "none", "taken", missing, "source"},
+      {"force copy nothing", ForceCopyFile, "none", "taken", kNotFound, "source"},
       {"force copy onto full", ForceCopyFile, "source", "full", Named<DirectoryNotEmpty>(-47), ""},
       {"move", MoveFile, "copy", "empty/moved", "", "source"},
       {"move onto", MoveFile, "source", "taken", Named<FileExists>(-48), "source"},
-      {"move nothing", MoveFile, "none", "copy2", missing, ""},
+      {"move nothing", MoveFile, "none", "copy2", kNotFound, ""},
       {"move into itself", MoveFile, "full", "full/again", Named<FileMoveFailed>(-122), ""},
       {"force move", ForceMoveFile, "empty/moved", "taken", "", "source"},
-      {"force move nothing", ForceMoveFile, "none", "taken", missing, "source"},
-      {"force move onto itself", ForceMoveFile, "source", "source", "", "source"},
-  };
+      {"force move nothing", ForceMoveFile, "none", "taken", kNotFound, "source"},
+      {"force move onto itself", ForceMoveFile, "source", "source", "", "source"}};
   for (auto const& row : rows) {
     EXPECT_EQ(ThrownBy([&] { row.transfer(folder.At(row.from), folder.At(row.to)); }), row.error)
         << row.name;
@@ -62,57 +63,48 @@ TEST_F(FileOperations, TransferOrSayWhyNot) {
 }
 
 TEST_F(FileOperations, DeleteOneItem) {
-  std::string const missing = Named<FileNotFoundError>(-43);
+  std::string const not_empty = Named<DirectoryNotEmpty>(-47);
   struct {
     char const* name;
     std::string deleted, forced;
   } const rows[] = {{"source", "", ""},
                     {"empty", "", ""},
                     {"link", "", ""},
-                    {"none", missing, ""},
-                    {"full", Named<DirectoryNotEmpty>(-47), Named<DirectoryNotEmpty>(-47)}};
+                    {"none", kNotFound, ""},
+                    {"full", not_empty, not_empty}};
   for (auto const& row : rows) {
     EXPECT_EQ(ThrownBy([&] { DeleteFile(folder.At(row.name)); }), row.deleted) << row.name;
     EXPECT_EQ(ThrownBy([&] { DeleteDirectory(folder.At(row.name)); }),
-              row.deleted.empty() ? missing : row.deleted);
+              row.deleted.empty() ? kNotFound : row.deleted);
     EXPECT_EQ(ThrownBy([&] { ForceNonexistence(folder.At(row.name)); }), row.forced) << row.name;
     EXPECT_EQ(folder.Has(row.name), !row.forced.empty()) << row.name;
   }
-  EXPECT_EQ(ThrownBy([&] { DeleteFile(FileLocation()); }), Named<EmptyFileLocationError>());
+  EXPECT_EQ(ThrownBy([&] { DeleteFile(FileLocation()); }), kEmpty);
 }
 
 TEST_F(FileOperations, CreateItems) {
-  fs::create_directory_symlink("full", folder.Path("to-full"));
-  std::string const exists = Named<DirectoryExists>(-48);
-  auto const create = [](FileLocation const& at) { CreateDirectory(at); };
-  auto const force = [](FileLocation const& at) { ForceDirectoryExistence(at); };
-  auto const file = [](FileLocation const& at) { CreateFile(at); };
+  std::string const exists = Named<DirectoryExists>(-48), found = Named<FileFoundError>();
   struct {
     void (*create)(FileLocation const&);
-    char const* name;
-    std::string error;
+    std::vector<std::pair<char const*, std::string>> items;
   } const rows[] = {
-      {create, "new", ""},
-      {create, "new", exists},
-      {create, "source", exists},
-      {create, "none/new", Named<FileNotFoundError>(-43)},
-      {force, "new", ""},
-      {force, "new2", ""},
-      {force, "to-full", ""},
-      {force, "source", exists},
-      {force, "link", exists},
-      {file, "file", ""},
-      {file, "file", Named<FileExists>(-48)},
-      {file, "full", Named<FileExists>(-48)},
-      {CreateDirectoryTree, "a/b/c/d", ""},
-      {CreateDirectoryTree, "a/b/c/d", ""},
-      {CreateDirectoryTree, "to-full/b/c", ""},
-      {CreateDirectoryTree, "source/b", Named<FileFoundError>()},
-      {CreateDirectoryTree, "source", Named<FileFoundError>()},
-      {CreateDirectoryForUserAppAccess, "mine", ""},
-  };
+      {[](FileLocation const& at) { CreateDirectory(at); },
+       {{"new", ""}, {"new", exists}, {"source", exists}, {"none/new", kNotFound}}},
+      {[](FileLocation const& at) { ForceDirectoryExistence(at); },
+       {{"new", ""}, {"new2", ""}, {"to-full", ""}, {"source", exists}, {"link", exists}}},
+      {[](FileLocation const& at) { CreateFile(at); },
+       {{"file", ""}, {"file", Named<FileExists>(-48)}, {"full", Named<FileExists>(-48)}}},
+      {CreateDirectoryTree,
+       {{"a/b/c/d", ""},
+        {"a/b/c/d", ""},
+        {"to-full/b/c", ""},
+        {"source/b", found},
+        {"source", found}}},
+      {CreateDirectoryForUserAppAccess, {{"mine", ""}}}};
   for (auto const& row : rows) {
-    EXPECT_EQ(ThrownBy([&] { row.create(folder.At(row.name)); }), row.error) << row.name;
+    for (auto const& item : row.items) {
+      EXPECT_EQ(ThrownBy([&] { row.create(folder.At(item.first)); }), item.second) << item.first;
+    }
   }
   for (char const* name : {"new", "new2", "a/b/c/d", "full/b/c", "mine"}) {
     EXPECT_TRUE(fs::is_directory(folder.Path(name))) << name;
@@ -127,17 +119,14 @@ TEST_F(FileOperations, LockAndMeasure) {
   EXPECT_TRUE(FileItem(file).IsLocked());
   SetFileReadOnly(file, false);
   EXPECT_FALSE(FileItem(file).IsLocked());
-  EXPECT_EQ(ThrownBy([&] { SetFileReadOnly(folder.At("none"), true); }),
-            Named<FileNotFoundError>(-43));
+  EXPECT_EQ(ThrownBy([&] { SetFileReadOnly(folder.At("none"), true); }), kNotFound);
 
   double const space = static_cast<double>(fs::space(folder.Path()).available);
   EXPECT_NEAR(static_cast<double>(CalculateFreeSpace(file)), space, 64e6);
-  EXPECT_EQ(ThrownBy([&] { CalculateFreeSpace(folder.At("none")); }),
-            Named<FileNotFoundError>(-43));
+  EXPECT_EQ(ThrownBy([&] { CalculateFreeSpace(folder.At("none")); }), kNotFound);
 }
 
 TEST_F(FileOperations, KnowDescendants) {
-  fs::create_directory_symlink("full", folder.Path("to-full"));
   struct {
     char const *ancestor, *location;
     bool equal_or_descendant, descendant;
@@ -150,28 +139,25 @@ TEST_F(FileOperations, KnowDescendants) {
     EXPECT_EQ(IsDescendant(ancestor, location), row.descendant) << row.location;
   }
   EXPECT_TRUE(IsDescendant(MakeFileLocation("/"), folder.At("full/inner")));
-  std::string const empty = Named<EmptyFileLocationError>();
-  EXPECT_EQ(ThrownBy([&] { EqualOrDescendant(FileLocation(), folder.At()); }), empty);
-  EXPECT_EQ(ThrownBy([&] { EqualOrDescendant(folder.At(), FileLocation()); }), empty);
-  EXPECT_EQ(ThrownBy([&] { IsDescendant(FileLocation(), FileLocation()); }), empty);
+  EXPECT_EQ(ThrownBy([&] { EqualOrDescendant(FileLocation(), folder.At()); }), kEmpty);
+  EXPECT_EQ(ThrownBy([&] { EqualOrDescendant(folder.At(), FileLocation()); }), kEmpty);
+  EXPECT_EQ(ThrownBy([&] { IsDescendant(FileLocation(), FileLocation()); }), kEmpty);
 }
 
 TEST(DateFromName, IsReadFromEightBytes) {
-  struct {
-    char const* name;
-    long year, month, day;
-    std::string error;
-  } const rows[] = {{"20090131.log", 2009, 1, 31, ""},
-                    {"99999999x", 9999, 99, 99, ""},
-                    {"0000000:x", 0, 0, 10, ""},
-                    {"20090131", 0, 0, 0, Named<IllegalFileName>()},
-                    {"a", 0, 0, 0, Named<IllegalFileName>()}};
-  for (auto const& row : rows) {
+  std::string const illegal = Named<IllegalFileName>() + " ";
+  std::pair<std::string, std::string> const rows[] = {{"20090131.log", " 2009 1 31"},
+                                                      {"99999999x", " 9999 99 99"},
+                                                      {"0000000:x", " 0 0 10"},
+                                                      {"20090131", illegal + "0 0 0"},
+                                                      {"a", illegal + "0 0 0"}};
+  for (auto const& [name, told] : rows) {
+    FileLocation const at = MakeFileLocation(("/none/" + name).c_str());
     long year = 0, month = 0, day = 0;
-    FileLocation const location = MakeFileLocation((std::string("/none/") + row.name).c_str());
-    EXPECT_EQ(ThrownBy([&] { GetDateFromNameInFileLocation(location, year, month, day); }),
-              row.error);
-    EXPECT_EQ(std::tie(year, month, day), std::tie(row.year, row.month, row.day)) << row.name;
+    std::ostringstream text;
+    text << ThrownBy([&] { GetDateFromNameInFileLocation(at, year, month, day); });
+    text << ' ' << year << ' ' << month << ' ' << day;
+    EXPECT_EQ(text.str(), told) << name;
   }
 }
 
@@ -205,18 +191,15 @@ TEST(UniqueLocation, SaysWhyThereIsNone) {
   std::string const too_long = Named<MacintoshPlatform::FullPathFailed>();
   // What a path may have before "/", six characters and the NUL.
   std::string const fits(1024 - 8 - folder.Path().size(), 'x');
-  struct {
-    std::string hint, error;
-  } const rows[] = {
+  std::pair<std::string, std::string> const rows[] = {
       {"../x", failed}, {fits, failed}, {fits + "x", too_long}, {std::string(2000, 'x'), too_long}};
-  for (auto const& row : rows) {
-    EXPECT_EQ(ThrownBy([&] { CreateUniqueFileLocation(folder.At(), row.hint.c_str()); }), row.error)
-        << row.hint.size();
+  for (auto const& [hint, error] : rows) {
+    auto const create = [&, text = hint.c_str()] { CreateUniqueFileLocation(folder.At(), text); };
+    EXPECT_EQ(ThrownBy(create), error) << hint.size();
   }
   EXPECT_EQ(ThrownBy([&] { CreateUniqueDirLocation(folder.At("none"), "x"); }), failed);
-  std::string const empty = Named<EmptyFileLocationError>();
-  EXPECT_EQ(ThrownBy([&] { LocationForTemporaryFile(FileLocation()); }), empty);
-  EXPECT_EQ(ThrownBy([&] { CreateUniqueFileLocationWithHint(FileLocation(), "x"); }), empty);
+  EXPECT_EQ(ThrownBy([&] { LocationForTemporaryFile(FileLocation()); }), kEmpty);
+  EXPECT_EQ(ThrownBy([&] { CreateUniqueFileLocationWithHint(FileLocation(), "x"); }), kEmpty);
 }
 
 TEST(TemporaryFolders, AreThePlatforms) {

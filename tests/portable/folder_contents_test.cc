@@ -1,4 +1,3 @@
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include "portable/file_operations.h"
@@ -16,8 +15,8 @@ void MakeTree(TemporaryFolder const& folder) {
   fs::create_directory_symlink(folder.Path("kept"), folder.Path("tree/a/out"));
   fs::create_directory_symlink(folder.Path("tree"), folder.Path("tree/a/b/around"));
   fs::create_symlink("nowhere", folder.Path("tree/dangling"));
-  mkfifo(folder.Path("tree/pipe").c_str(), 0600);
-  std::ofstream(folder.Path("tree/\xFF\xFE")) << "no text";
+  folder.MakeFifo("tree/pipe");
+  folder.Write("tree/\xFF\xFE", "no text");
 }
 
 TEST(FolderContents, AreDeletedWithoutFollowingLinks) {
@@ -26,22 +25,16 @@ TEST(FolderContents, AreDeletedWithoutFollowingLinks) {
     void (*remove)(FileLocation const&);
     bool keeps_folder;
     std::string missing, of_file;
-  } const rows[] = {
-      {"contents", DeleteContents, true, Named<FileNotFoundError>(-43),
-       Named<MacintoshPlatform::FileLoopFailed>(-1407)},
-      {"recursive", DeleteRecursive, false, Named<FileNotFoundError>(-43), ""},
-      {"force contents", ForceDeleteContents, true, "",
-       Named<MacintoshPlatform::FileLoopFailed>(-1407)},
-      {"force recursive", ForceDeleteRecursive, false, "", ""},
-  };
+  } const rows[] = {{"contents", DeleteContents, true, kNotFound, kNoFolder},
+                    {"recursive", DeleteRecursive, false, kNotFound, ""},
+                    {"force contents", ForceDeleteContents, true, "", kNoFolder},
+                    {"force recursive", ForceDeleteRecursive, false, "", ""}};
   for (auto const& row : rows) {
     TemporaryFolder folder;
     MakeTree(folder);
     row.remove(folder.At("tree"));
     EXPECT_EQ(folder.Has("tree"), row.keeps_folder) << row.name;
-    if (row.keeps_folder) {
-      EXPECT_TRUE(fs::is_empty(folder.Path("tree"))) << row.name;
-    }
+    EXPECT_TRUE(!folder.Has("tree") || fs::is_empty(folder.Path("tree"))) << row.name;
     EXPECT_EQ(folder.Read("kept/file"), "kept") << row.name;
 
     fs::create_directory_symlink("kept", folder.Path("link"));
@@ -75,17 +68,13 @@ TEST(FolderContents, AreCopiedInto) {
   EXPECT_EQ(fs::read_symlink(folder.Path("target/a/out")), folder.Path("kept"));
   EXPECT_EQ(fs::read_symlink(folder.Path("target/a/b/around")), folder.Path("tree"));
 
+  std::string const into_itself = Named<FileCopyFailed>(-122), exists = Named<FileExists>(-48);
   struct {
     char const *from, *to;
     std::string error;
-  } const rows[] = {
-      {"kept", "kept", Named<FileCopyFailed>(-122)},
-      {"tree", "tree/a", Named<FileCopyFailed>(-122)},
-      {"none", "kept", Named<FileNotFoundError>(-43)},
-      {"kept", "none", Named<FileNotFoundError>(-43)},
-      {"kept/file", "target", Named<MacintoshPlatform::FileLoopFailed>(-1407)},
-      {"tree/a/b", "target/a/b", Named<FileExists>(-48)},
-  };
+  } const rows[] = {{"kept", "kept", into_itself},      {"tree", "tree/a", into_itself},
+                    {"none", "kept", kNotFound},        {"kept", "none", kNotFound},
+                    {"kept/file", "target", kNoFolder}, {"tree/a/b", "target/a/b", exists}};
   for (auto const& row : rows) {
     EXPECT_EQ(ThrownBy([&] { CopyDirectoryContents(folder.At(row.from), folder.At(row.to)); }),
               row.error)
@@ -98,14 +87,12 @@ TEST(FolderContents, ThatMayNotBeDeletedSaySo) {
   TemporaryFolder folder;
   folder.Write("unreadable/file");
   folder.Write("unwritable/file");
-  folder.Write("parent/unwritable/sub/file");
-  for (char const* name : {"", "unreadable", "unwritable", "parent", "parent/unwritable"}) {
-    fs::permissions(folder.Path(name), fs::perms::all);
+  folder.MakeFolder("parent/unwritable/sub");
+  for (auto const& [name, mode] :
+       {std::pair("", 0777), std::pair("parent", 0777), std::pair("unreadable", 0),
+        std::pair("unwritable", 0555), std::pair("parent/unwritable", 0555)}) {
+    fs::permissions(folder.Path(name), fs::perms(mode));
   }
-  fs::permissions(folder.Path("unreadable"), fs::perms::none);
-  fs::permissions(folder.Path("unwritable"), fs::perms(0555));
-  fs::remove(folder.Path("parent/unwritable/sub/file"));
-  fs::permissions(folder.Path("parent/unwritable"), fs::perms(0555));
   bool const is_root = geteuid() == 0;
   if (is_root && seteuid(65534) != 0) GTEST_SKIP();
   std::string const unreadable = ThrownBy([&] { DeleteRecursive(folder.At("unreadable")); });

@@ -10,20 +10,17 @@ namespace {
 
 using namespace MacintoshPlatform;
 
-template <typename Ask>
-auto OnAnotherThread(Ask&& ask) {
-  return std::async(std::launch::async, ask).get();
-}
-
 TEST(Mutex, IsFreeOnceItWasGivenBackAsOftenAsTaken) {
   Mutex mutex;
-  auto const is_free = [&] { return OnAnotherThread([&] { return mutex.Available(); }); };
+  auto const is_free = [&] {
+    return std::async(std::launch::async, [&] { return mutex.Available(); }).get();
+  };
   EXPECT_TRUE(is_free());
   EXPECT_EQ(WaitForMutex(mutex), &mutex);
   EXPECT_EQ(TryMutex(mutex), &mutex);
   EXPECT_TRUE(mutex.Available());
   EXPECT_FALSE(is_free());
-  EXPECT_EQ(OnAnotherThread([&] { return TryMutex(mutex); }), nullptr);
+  EXPECT_EQ(std::async(std::launch::async, [&] { return TryMutex(mutex); }).get(), nullptr);
   ReleaseMutex(&mutex);
   EXPECT_FALSE(is_free());
   ReleaseMutex(nullptr);

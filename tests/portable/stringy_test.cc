@@ -20,26 +20,20 @@ bool KeepsTextInside(Stringy const& text) {
 
 TEST(Stringy, IsMadeOfTextsAndNumbers) {
   char const* const none = nullptr;
-  std::pair<Stringy, std::string> const rows[] = {
-      {Stringy(), "(null)"},
-      {Stringy(none), "(null)"},
-      {Stringy("abc", 0ul), "(null)"},
-      {Stringy(ConstData()), "(null)"},
-      {Stringy(""), ""},
-      {Stringy("a\0b", 3ul), std::string("a\0b", 3)},
-      {Stringy(-5), "-5"},
-      {Stringy(0), "0"},
-      {Stringy(UINT32_MAX), "4294967295"},
-      {Stringy(UINT64_MAX), "18446744073709551615"},
-      {Stringy(INT64_MIN), "-9223372036854775808"},
-      {Stringy(7ull), "7"},
-  };
+  std::pair<Stringy, char const*> const rows[] = {{Stringy(), "(null)"},
+                                                  {Stringy(none), "(null)"},
+                                                  {Stringy("abc", 0ul), "(null)"},
+                                                  {Stringy(ConstData()), "(null)"},
+                                                  {Stringy(""), ""},
+                                                  {Stringy(-5), "-5"},
+                                                  {Stringy(UINT64_MAX), "18446744073709551615"}};
   for (auto const& [text, shown] : rows) {
     EXPECT_EQ(Shown(text), shown);
     Stringy assigned("long ago");
     assigned = text;
     EXPECT_EQ(Shown(assigned), shown);
   }
+  EXPECT_EQ(Shown(Stringy("a\0b", 3ul)), std::string("a\0b", 3));
   EXPECT_EQ(Stringy("a\0b", 3ul)[2], 'b');
   // Refused before a byte is read.
   EXPECT_THROW(Stringy("a", 0xFFFFFFFFul), StringyLengthTooLong);
@@ -92,15 +86,14 @@ TEST(Stringy, Appends) {
 }
 
 TEST(Stringy, Compares) {
-  auto const sign = [](int order) { return (order > 0) - (order < 0); };
   auto const expect = [&](Stringy const& left, Stringy const& right, int order, int without_case) {
     SCOPED_TRACE(Shown(left) + " / " + Shown(right));
-    EXPECT_EQ(sign(left.Compare(right)), order);
-    EXPECT_EQ(sign(right.Compare(left)), -order);
+    EXPECT_EQ(left.Compare(right) <=> 0, order <=> 0);
+    EXPECT_EQ(right.Compare(left) <=> 0, 0 <=> order);
     EXPECT_EQ(left < right, order < 0);
     EXPECT_EQ(left == right, order == 0);
-    EXPECT_EQ(sign(left.CompareNoCase(right)), without_case);
-    EXPECT_EQ(sign(right.CompareNoCase(left)), -without_case);
+    EXPECT_EQ(left.CompareNoCase(right) <=> 0, without_case <=> 0);
+    EXPECT_EQ(right.CompareNoCase(left) <=> 0, 0 <=> without_case);
   };
   expect(Stringy(), Stringy(), 0, 0);
   expect(Stringy(), "", 0, -1);
@@ -156,7 +149,7 @@ TEST(Stringy, TakesParts) {
   for (auto const& [part, expected] : rows) EXPECT_EQ(part, expected) << Shown(part);
 }
 
-TEST(Stringy, ChangesInPlace) {
+TEST(Stringy, ChangesAndStripsInPlace) {
   Stringy text("aXbX"), null;
   for (Stringy* each : {&text, &null}) each->Replace('X', 'Y');
   EXPECT_EQ(Shown(text), "aYbY");
@@ -165,9 +158,7 @@ TEST(Stringy, ChangesInPlace) {
   text.MakeUpper();
   EXPECT_EQ(Shown(text), "AYBY");
   EXPECT_EQ(Shown(null), "(null)");
-}
 
-TEST(Stringy, Strips) {
   struct {
     char const *text, *left, *both;
   } const rows[] = {{" \t\r\na b \t", "a b \t", "a b"},

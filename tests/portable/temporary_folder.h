@@ -44,3 +44,6 @@ template <typename Error>
 std::string Named(int code = 0) {
   return typeid(Error).name() + std::string(" ") + std::to_string(code);
 }
+inline std::string const kNotFound = Named<FileNotFoundError>(-43);
+inline std::string const kNoFolder = Named<MacintoshPlatform::FileLoopFailed>(-1407);
+inline std::string const kEmpty = Named<EmptyFileLocationError>();

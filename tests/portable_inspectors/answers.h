@@ -2,8 +2,8 @@
 #pragma once
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
+#include <chrono>
 #include <string>
 #include <string_view>
 
@@ -19,21 +19,20 @@ inline std::string Shown(gatotu::Value const& value) {
   return text;
 }
 
-// The values, a line each but for the last; "refused CODE" where the text does not compile,
-// "no such object", or "failed: MESSAGE".
-inline std::string Answer(std::string_view expression) {
+// The values, a line each but for the last; behind them "no such object" or "failed: MESSAGE" where
+// that is the end. "refused CODE" where the text does not compile. No limit lets it take any time.
+inline std::string Answer(std::string_view expression, std::chrono::seconds limit = {}) {
   gatotu::Compilation const compilation = gatotu::Compile(expression);
   if (!compilation.expression) return "refused " + compilation.diagnostics.at(0).code;
+  gatotu::EvaluateOptions options;
+  options.time_limit = limit;
   std::string text;
-  bool first = true;
-  gatotu::Evaluation const evaluation =
-      gatotu::Evaluate(*compilation.expression, [&](gatotu::Value const& value) {
-        if (!first) text += '\n';
-        first = false;
-        text += Shown(value);
-        return true;
-      });
-  if (evaluation.IsAnswered()) return text;
-  if (evaluation.outcome == gatotu::Outcome::kNoSuchObject) return "no such object";
-  return "failed: " + evaluation.diagnostic.message;
+  auto const take = [&](gatotu::Value const& value) {
+    text += Shown(value) + '\n';
+    return true;
+  };
+  auto const evaluation = gatotu::Evaluate(*compilation.expression, take, options);
+  if (evaluation.IsAnswered()) return text.substr(0, text.rfind('\n'));
+  bool const is_none = evaluation.outcome == gatotu::Outcome::kNoSuchObject;
+  return text + (is_none ? "no such object" : "failed: " + evaluation.diagnostic.message);
 }

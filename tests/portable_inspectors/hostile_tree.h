@@ -17,7 +17,7 @@
 class Forbidden {
  public:
   static constexpr char kContent[] = "the canary sang";
-  static constexpr char kYear[] = "1991";
+  static constexpr char kMonth[] = "1991-07-";
 
   Forbidden() {
     folder_.Write("file", kContent);
@@ -26,8 +26,7 @@ class Forbidden {
     folder_.MakeFolder("folder");
     folder_.Write("folder/the canary sang");
     folder_.MakeFifo("fifo");
-    timespec const times[2] = {{.tv_sec = 678900000, .tv_nsec = 0},
-                               {.tv_sec = 678900000, .tv_nsec = 0}};
+    timespec const long_ago = {.tv_sec = 678900000, .tv_nsec = 0}, times[] = {long_ago, long_ago};
     for (char const* name : {"file", "list", "double", "folder", "fifo"}) {
       utimensat(AT_FDCWD, Path(name).c_str(), times, 0);
     }
