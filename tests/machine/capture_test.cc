@@ -97,34 +97,33 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
       "<key>Partial</key><array><string>Files</string></array>"
       "<key>Files</key><dict><key>/f</key>";
   std::string const known = item + "<dict><key>Known</key><string>all</string>";
-  std::pair<std::string, std::string> const cases[] = {
+  std::tuple<std::string, char const*, char const*> const cases[] = {
       {"<key>Processes</key><array><dict><key>pid</key><string>1</string></dict></array>",
-       "Processes[0].pid"},
+       "processes", "Processes[0].pid"},
       {"<key>Processes</key><array><dict><key>pid</key><integer>1</integer></dict></array>",
-       "Processes[0].name"},
-      {"<key>Processes</key><array><true/></array>", "Processes[0].pid"},
-      {"<key>Processes</key><dict/>", "Processes"},
-      {"<key>Taken</key><string>now</string>", "Taken"},
-      {"<key>Environment</key><array/>", "Environment"},
-      {"<key>Environment</key><dict><key>A</key><dict/></dict>", "Environment.A"},
-      {"<key>Processors</key><integer>-1</integer>", "Processors"},
-      {"<key>Processors</key><true/>", "Processors"},
-      {"<key>ConsoleUser</key><array/>", "ConsoleUser"},
-      {"<key>TimeZone</key><string>../../etc/passwd</string>", "TimeZone"},
-      {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>",
+       "processes", "Processes[0].name"},
+      {"<key>Processes</key><array><true/></array>", "processes", "Processes[0].pid"},
+      {"<key>Processes</key><dict/>", "processes", "Processes"},
+      {"<key>Taken</key><string>now</string>", "clock", "Taken"},
+      {"<key>Environment</key><array/>", "no variable", "Environment"},
+      {"<key>Environment</key><dict><key>A</key><dict/></dict>", "A", "Environment.A"},
+      {"<key>Processors</key><integer>-1</integer>", "processors", "Processors"},
+      {"<key>Processors</key><true/>", "processors", "Processors"},
+      {"<key>ConsoleUser</key><array/>", "console", "ConsoleUser"},
+      {"<key>TimeZone</key><string>../../etc/passwd</string>", "zone", "TimeZone"},
+      {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>", "zone",
        "TimeZoneRules"},
-      {known + "<key>Mode</key><integer>65536</integer></dict></dict>", "Files./f.Mode"},
-      {known + "<key>Born</key><string>1.5</string></dict></dict>", "Files./f.Born"},
-      {item + "<dict><key>Parts</key><dict><key>-1</key><data/></dict></dict></dict>",
+      {known + "<key>Mode</key><integer>65536</integer></dict></dict>", "itself", "Files./f.Mode"},
+      {known + "<key>Born</key><string>1.5</string></dict></dict>", "itself", "Files./f.Born"},
+      {item + "<dict><key>Parts</key><dict><key>-1</key><data/></dict></dict></dict>", "itself",
        "Files./f.Parts.-1"},
-      {item + "<string>x</string></dict>", "Files./f"},
+      {item + "<string>x</string></dict>", "itself", "Files./f"},
   };
-  for (auto const& [entries, source] : cases) {
+  for (auto const& [entries, asked, source] : cases) {
     auto const capture = With(entries + "<key>HostName</key><string>box</string>");
-    EXPECT_THAT(FactsText(*capture) + FilesText(capture->Files(), {"/f"}),
-                AllOf(HasSubstr(": malformed [machine.plist: " + source + "]"),
-                      HasSubstr("host: \"box\"\n")))
-        << entries;
+    std::string const text = FactsText(*capture) + FilesText(capture->Files(), {"/f"});
+    std::string const line = std::string(asked) + ": malformed [machine.plist: " + source + "]";
+    EXPECT_THAT(text, AllOf(HasSubstr(line), HasSubstr("host: \"box\"\n"))) << entries;
   }
 }
 
@@ -147,13 +146,13 @@ TEST_F(Capture, ProcessesAreThoseThatAreWellFormed) {
         << time;
   }
   EXPECT_EQ(capture->Processes().ProcessWithPid(5)->pid, 5);
-  std::pair<char const*, std::size_t> const counts[] = {{"", 2},
-                                                        {"<integer>1</integer>", 2},
-                                                        {"<integer>3</integer>", 3},
-                                                        {"<integer>2147483647</integer>", 2}};
+  std::pair<char const*, std::size_t> const counts[] = {
+      {"", 2},
+      {"<key>ProcessCount</key><integer>1</integer>", 2},
+      {"<key>ProcessCount</key><integer>3</integer>", 3},
+      {"<key>ProcessCount</key><integer>2147483647</integer>", 2}};
   for (auto const& [count, expected] : counts) {
-    auto const counted = With(list + (*count == '\0' ? "" : "<key>ProcessCount</key>") + count);
-    EXPECT_EQ(counted->Processes().CountProcesses().value(), expected) << count;
+    EXPECT_EQ(With(list + count)->Processes().CountProcesses().value(), expected) << count;
   }
 }
 
@@ -231,9 +230,8 @@ TEST_F(Capture, HomesAreThoseOfItsUsers) {
   }
   tree.Write("/root/Users/dan/x", "");
   tree.Write("/root/Users/file", "");
-  With(
-      "<key>CurrentUser</key><string>ann</string><key>Users</key><dict><key>ann</key>"
-      "<dict><key>Home</key><string>/home/ann</string></dict></dict>");
+  With(R"(<key>CurrentUser</key><string>ann</string><key>Users</key>
+      <dict><key>ann</key><dict><key>Home</key><string>/home/ann</string></dict></dict>)");
   std::pair<char const*, char const*> const cases[] = {
       {"", "/home/ann"},        {"ann", "/home/ann"},  {"bob", "/home/bob"},
       {"cat", "/Volumes/cat"},  {"dan", "/Users/dan"}, {"rel", "none"},
