@@ -104,9 +104,7 @@ TEST_F(Files, FoldersAreReadWhateverTheirSize) {
     companions += (*entry)->is_companion;
     if (names.size() % 500 == 0) (*folder)->Rest();
   }
-  EXPECT_EQ(names.size(), 3001u);
-  EXPECT_EQ(with_info, 1);
-  EXPECT_EQ(companions, 1);
+  EXPECT_EQ(std::tuple(names.size(), with_info, companions), std::tuple(3001u, 1, 1));
 }
 
 TEST_F(Files, PathsMayBeLongerThanTheKernelTakes) {

@@ -53,7 +53,6 @@ namespace {
 
 using machine::FileSource;
 using machine::Fork;
-using machine::Links;
 
 template <typename Value>
 void Line(std::ostream& out, std::string const& name, Value const& value) {
@@ -124,8 +123,8 @@ std::string FilesText(FileSource const& files, std::vector<std::string> const& p
   std::ostringstream out;
   for (std::string const& path : paths) {
     out << path << '\n';
-    Line(out, "  item", files.Describe(path, Links::kFollow));
-    Line(out, "  itself", files.Status(path, Links::kKeep));
+    Line(out, "  item", files.Describe(path, machine::Links::kFollow));
+    Line(out, "  itself", files.Status(path, machine::Links::kKeep));
     Line(out, "  target", files.ReadLink(path));
     Line(out, "  canonical", files.CanonicalFolder(path));
     Line(out, "  space", files.Space(path));

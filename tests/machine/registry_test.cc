@@ -117,7 +117,7 @@ TEST_F(LiveRegistry, OnlyHarmlessTextOfAttributesIsTaken) {
   ::chmod(tree.At("/sys/devices/a/ro").c_str(), 0640);
   tree.Link("/sys/devices/a/range", "uevent");
   ::mkfifo(tree.At("/sys/devices/a/start").c_str(), 0644);
-  std::filesystem::create_directory(tree.At("/sys/devices/a/hidden"));
+  tree.MakeFolder("/sys/devices/a/hidden");
   AnnouncementLog log;
   EXPECT_EQ(PropertiesAt("IOService", "/a"), "{BSD Name='a'}");
   EXPECT_THAT(log.entries,
@@ -151,14 +151,13 @@ TEST_F(LiveRegistry, EveryPathLeadsBack) {
   for (char const* plane :
        {"IOService", "IODeviceTree", "IOUSB", "IOPower", "IOAudio", "IOFireWire"}) {
     std::vector<SharedRegistryNode> nodes = {NodeAt(plane, "/")};
-    while (!nodes.empty()) {
+    for (; !nodes.empty(); ++visited) {
       auto const node = nodes.back();
       nodes.pop_back();
       auto const again = NodeAt(plane, *node->PathIn(plane));
       ASSERT_NE(again, nullptr) << *node->PathIn(plane);
       EXPECT_EQ(again->Identity(), node->Identity());
       for (auto const& child : ChildrenOf(*node, plane)) nodes.push_back(child);
-      ++visited;
     }
   }
   EXPECT_EQ(visited, count + 1 + 7 + 12);

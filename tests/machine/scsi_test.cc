@@ -127,15 +127,14 @@ TEST(CapturedScsi, WhatIsMalformedOrMissingSaysSo) {
 // Everything that can be asked of the buses, on a line each.
 std::vector<std::string> Answers(Machine const& machine) {
   std::vector<std::string> answers;
-  auto const add = [&answers](std::string const& what, auto const& fact, auto&& text) {
-    answers.push_back(what + ": " + (fact ? text(*fact) : std::string(NameOf(fact.outcome()))));
-  };
   for (std::uint8_t const bus : {0, 1, 2, 9, 10, 255}) {
     std::string const name = std::to_string(bus);
-    add(name, machine.Scsi().Bus(bus), Text);
+    auto const told = machine.Scsi().Bus(bus);
+    answers.push_back(name + ": " + (told ? Text(*told) : std::string(NameOf(told.outcome()))));
     for (std::uint8_t const target : {0, 3, 7}) {
-      add(name + ":" + std::to_string(target), machine.Scsi().Inquiry(bus, target),
-          std::identity());
+      auto const data = machine.Scsi().Inquiry(bus, target);
+      answers.push_back(name + ":" + std::to_string(target) + ": " +
+                        (data ? *data : std::string(NameOf(data.outcome()))));
     }
   }
   return answers;
