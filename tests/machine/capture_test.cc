@@ -105,6 +105,7 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
       {"<key>Processes</key><array><true/></array>", "processes", "Processes[0].pid"},
       {"<key>Processes</key><dict/>", "processes", "Processes"},
       {"<key>Taken</key><string>now</string>", "clock", "Taken"},
+      {"<key>Environment</key><array/>", "variables", "Environment"},
       {"<key>Environment</key><array/>", "no variable", "Environment"},
       {"<key>Environment</key><dict><key>A</key><dict/></dict>", "A", "Environment.A"},
       {"<key>Processors</key><integer>-1</integer>", "processors", "Processors"},
