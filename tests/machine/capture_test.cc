@@ -4,7 +4,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <functional>
 
 #include "tests/machine/machine_text.h"
 #include "tests/machine/recorded_capture.h"
@@ -15,9 +14,7 @@
 namespace {
 
 using machine::Links;
-using machine::Machine;
 using machine::Outcome;
-using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
@@ -28,51 +25,42 @@ std::string Plist(std::string const& content) {
 
 class Capture : public testing::Test {
  protected:
-  void Document(std::string const& entries) {
-    tree.Write("/machine.plist", Plist("<dict>" + entries + "</dict>"));
-  }
-  SharedMachine Opened(std::string const& user = {}) { return OpenedCapture(tree.At(""), user); }
+  SharedMachine With(std::string const& entries) const { return Documented(tree, entries); }
 
   RecordedTree tree;
 };
 
 TEST_F(Capture, AnswersWhatItsDocumentTells) {
-  Document(
-      "<key>FormatVersion</key><integer>1</integer><key>Platform</key><string>macos</string>"
-      "<key>Taken</key><date>2004-02-29T12:00:00Z</date><key>TimeZone</key><string>XYZ-5:30</"
-      "string>"
-      "<key>SystemVersion</key><dict><key>ProductVersion</key><string>10.3.11</string></dict>"
-      "<key>ComputerName</key><string>Cube</string><key>Architecture</key><string>ppc</string>"
-      "<key>Environment</key><dict><key>HOME</key><string>/x</string></dict>"
-      "<key>Gestalt</key><dict><key>ramm</key><integer>512</integer><key>mnam</key><string>G4</"
-      "string>"
-      "<key>mach</key><integer>-1</integer></dict><key>Processors</key><integer>2</integer>"
-      "<key>BootTime</key><date>2004-02-29T11:00:00Z</date><key>Unknown</key><true/>"
-      "<key>Processes</key><array><dict><key>pid</key><integer>9</integer>"
-      "<key>name</key><string>a name of more than sixteen</string></dict>"
-      "<dict><key>pid</key><integer>1</integer><key>name</key><data>/w==</data></dict></array>"
-      "<key>Absent</key><dict><key>HostName</key><string>permission refused</string>"
-      "<key>KernelRelease</key><string>lost</string></dict>");
-  auto const capture = Opened();
-  EXPECT_EQ(capture->Clock().MicrosecondsSince1970().value(), 1078056000'000000);
-  EXPECT_EQ(capture->Clock().BootSecondsSince1970().value(), 1078052400);
-  EXPECT_EQ(capture->Zone().CurrentZone()->rules->At(0).from_utc, 19800);
+  auto const capture = With(R"(
+      <key>FormatVersion</key><integer>1</integer><key>Platform</key><string>macos</string>
+      <key>Taken</key><date>2004-02-29T12:00:00Z</date><key>Unknown</key><true/>
+      <key>TimeZone</key><string>XYZ-5:30</string>
+      <key>SystemVersion</key><dict><key>ProductVersion</key><string>10.3.11</string></dict>
+      <key>ComputerName</key><string>Cube</string><key>Architecture</key><string>ppc</string>
+      <key>Environment</key><dict><key>HOME</key><string>/x</string></dict>
+      <key>Gestalt</key><dict><key>ramm</key><integer>512</integer>
+        <key>mnam</key><string>G4</string><key>mach</key><integer>-1</integer></dict>
+      <key>Processors</key><integer>2</integer>
+      <key>BootTime</key><date>2004-02-29T11:00:00Z</date>
+      <key>Processes</key><array>
+        <dict><key>pid</key><integer>9</integer>
+          <key>name</key><string>a name of more than sixteen</string></dict>
+        <dict><key>pid</key><integer>1</integer><key>name</key><data>/w==</data></dict></array>
+      <key>Absent</key><dict><key>HostName</key><string>permission refused</string>
+        <key>KernelRelease</key><string>lost</string></dict>)");
+  std::string const text = "\n" + FactsText(*capture);
+  for (std::string const line :
+       {"clock: 1078056000000000", "boot: 1078052400", "computer: \"Cube\"",
+        "zone: XYZ-5:30 XYZ-5:30 19800/0 19800/0 19800/0 19800/0 19800/0",
+        "version: { (\"ProductVersion\", \"10.3.11\"), (\"Architecture\", \"ppc\") }",
+        "host: permission refused [HostName] [] 0", "kernel: absent [KernelRelease] [lost] 0",
+        "identifier: absent [HostIdentifier] [not recorded] 0", "variables: { \"HOME\" }",
+        "  HOME: \"/x\"", "no variable: absent [environment NO_SUCH_VARIABLE] [] 0",
+        "processors: 2", "count: 2", "processes: { 1\xFF, 9a name of more t }"}) {
+    EXPECT_THAT(text, HasSubstr("\n" + line + "\n"));
+  }
   EXPECT_EQ(capture->System().SystemPlatform().value(), machine::Platform::kMacOS);
-  EXPECT_THAT(*capture->System().Version(), Contains(Pair("Architecture", "ppc")));
-  EXPECT_EQ(capture->Names().ComputerName().value(), "Cube");
-  EXPECT_EQ(capture->Names().HostName().outcome(), Outcome::kPermissionRefused);
-  EXPECT_EQ(capture->System().KernelRelease().absence().where, "lost");
-  EXPECT_EQ(capture->Names().HostIdentifier().absence().where, "not recorded");
-  EXPECT_EQ(capture->Environment().Variable("HOME").value(), "/x");
-  EXPECT_EQ(capture->Environment().Variable("PATH").outcome(), Outcome::kAbsent);
-  EXPECT_THAT(*capture->Environment().VariableNames(), ElementsAre("HOME"));
-  EXPECT_EQ(capture->Processors().OnlineCount().value(), 2u);
   EXPECT_EQ(capture->Processors().Kind().value(), machine::Architecture::kPowerPC);
-  auto const processes = capture->Processes().AllProcesses().value();
-  ASSERT_EQ(processes.size(), 2u);
-  EXPECT_STREQ(processes[0].name, "\xFF");
-  EXPECT_STREQ(processes[1].name, "a name of more t");
-  EXPECT_EQ(capture->Processes().CountProcesses().value(), 2u);
   std::pair<char const*, machine::GestaltResponse> const responses[] = {
       {"ramm", 512u}, {"mnam", "G4"}, {"mach", 0xFFFFFFFF}, {"sysv", 0x1039u}, {"sysa", 2u}};
   for (auto const& [selector, response] : responses) {
@@ -86,7 +74,7 @@ TEST_F(Capture, AnswersWhatItsDocumentTells) {
 
 TEST_F(Capture, IsNoLessACaptureWhenTooManyFilesAreOpen) {
   if (kIsSanitized) GTEST_SKIP() << "the sanitizers open files of their own";
-  Document("");
+  tree.Write("/machine.plist", Plist("<dict/>"));
   rlimit before;
   ::getrlimit(RLIMIT_NOFILE, &before);
   int const next = ::dup(0);
@@ -104,72 +92,50 @@ TEST_F(Capture, IsNoLessACaptureWhenTooManyFilesAreOpen) {
   EXPECT_TRUE(is_opened);
 }
 
-struct MalformedCase {
-  char const* entries;
-  std::function<machine::Absence(Machine const&)> ask;
-  char const* source;
-};
-
 TEST_F(Capture, AWrongValueIsMalformedByItself) {
-  auto const process = [](Machine const& it) { return it.Processes().AllProcesses().absence(); };
-  auto const clock = [](Machine const& it) { return it.Clock().MicrosecondsSince1970().absence(); };
-  auto const variable = [](Machine const& it) { return it.Environment().Variable("A").absence(); };
-  auto const status = [](Machine const& it) {
-    return it.Files().Status("/f", Links::kKeep).absence();
-  };
-  auto const console = [](Machine const& it) { return it.Sessions().ConsoleUser().absence(); };
-  auto const zone = [](Machine const& it) { return it.Zone().CurrentZone().absence(); };
-  auto const count = [](Machine const& it) { return it.Processors().OnlineCount().absence(); };
   std::string const item =
       "<key>Partial</key><array><string>Files</string></array>"
       "<key>Files</key><dict><key>/f</key>";
   std::string const known = item + "<dict><key>Known</key><string>all</string>";
-  std::string const mode = known + "<key>Mode</key><integer>65536</integer></dict></dict>";
-  std::string const time = known + "<key>Born</key><string>1.5</string></dict></dict>";
-  std::string const parts =
-      item + "<dict><key>Parts</key><dict><key>-1</key><data/></dict></dict></dict>";
-  std::string const text = item + "<string>x</string></dict>";
-  MalformedCase const cases[] = {
-      {"<key>Processes</key><array><dict><key>pid</key><string>1</string></dict></array>", process,
-       "Processes[0].pid"},
+  std::tuple<std::string, char const*, char const*> const cases[] = {
+      {"<key>Processes</key><array><dict><key>pid</key><string>1</string></dict></array>",
+       "processes", "Processes[0].pid"},
       {"<key>Processes</key><array><dict><key>pid</key><integer>1</integer></dict></array>",
-       process, "Processes[0].name"},
-      {"<key>Processes</key><array><true/></array>", process, "Processes[0].pid"},
-      {"<key>Processes</key><dict/>", process, "Processes"},
-      {"<key>Taken</key><string>now</string>", clock, "Taken"},
-      {"<key>Environment</key><array/>", variable, "Environment"},
-      {"<key>Environment</key><dict><key>A</key><dict/></dict>", variable, "Environment.A"},
-      {"<key>Processors</key><integer>-1</integer>", count, "Processors"},
-      {"<key>Processors</key><true/>", count, "Processors"},
-      {"<key>ConsoleUser</key><array/>", console, "ConsoleUser"},
-      {"<key>TimeZone</key><string>../../etc/passwd</string>", zone, "TimeZone"},
-      {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>", zone,
+       "processes", "Processes[0].name"},
+      {"<key>Processes</key><array><true/></array>", "processes", "Processes[0].pid"},
+      {"<key>Processes</key><dict/>", "processes", "Processes"},
+      {"<key>Taken</key><string>now</string>", "clock", "Taken"},
+      {"<key>Environment</key><array/>", "variables", "Environment"},
+      {"<key>Environment</key><array/>", "no variable", "Environment"},
+      {"<key>Environment</key><dict><key>A</key><dict/></dict>", "A", "Environment.A"},
+      {"<key>Processors</key><integer>-1</integer>", "processors", "Processors"},
+      {"<key>Processors</key><true/>", "processors", "Processors"},
+      {"<key>ConsoleUser</key><array/>", "console", "ConsoleUser"},
+      {"<key>TimeZone</key><string>../../etc/passwd</string>", "zone", "TimeZone"},
+      {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>", "zone",
        "TimeZoneRules"},
-      {mode.c_str(), status, "Files./f.Mode"},
-      {time.c_str(), status, "Files./f.Born"},
-      {parts.c_str(), status, "Files./f.Parts.-1"},
-      {text.c_str(), status, "Files./f"},
+      {known + "<key>Mode</key><integer>65536</integer></dict></dict>", "itself", "Files./f.Mode"},
+      {known + "<key>Born</key><string>1.5</string></dict></dict>", "itself", "Files./f.Born"},
+      {item + "<dict><key>Parts</key><dict><key>-1</key><data/></dict></dict></dict>", "itself",
+       "Files./f.Parts.-1"},
+      {item + "<string>x</string></dict>", "itself", "Files./f"},
   };
-  for (MalformedCase const& row : cases) {
-    Document(std::string(row.entries) + "<key>HostName</key><string>box</string>");
-    auto const capture = Opened();
-    machine::Absence const absence = row.ask(*capture);
-    EXPECT_EQ(absence.reason, Outcome::kMalformed) << row.entries;
-    EXPECT_THAT(absence.source, testing::EndsWith(row.source)) << row.entries;
-    EXPECT_EQ(capture->Names().HostName().value(), "box") << row.entries;
+  for (auto const& [entries, asked, source] : cases) {
+    auto const capture = With(entries + "<key>HostName</key><string>box</string>");
+    std::string const text = FactsText(*capture) + FilesText(capture->Files(), {"/f"});
+    std::string const line = std::string(asked) + ": malformed [machine.plist: " + source + "]";
+    EXPECT_THAT(text, AllOf(HasSubstr(line), HasSubstr("host: \"box\"\n"))) << entries;
   }
 }
 
 TEST_F(Capture, ProcessesAreThoseThatAreWellFormed) {
-  auto const process = [](char const* pid) {
-    return "<dict><key>pid</key>" + std::string(pid) + "<key>name</key><string>a</string></dict>";
-  };
-  std::string const list = "<key>Processes</key><array>" + process("<string>7</string>") +
-                           process("<integer>9</integer>") + "<true/>" +
-                           process("<integer>5</integer>") + process("<integer>9</integer>") +
-                           "</array>";
-  Document(list);
-  auto const capture = Opened();
+  std::string const list = R"(<key>Processes</key><array>
+      <dict><key>pid</key><string>7</string><key>name</key><string>a</string></dict>
+      <dict><key>pid</key><integer>9</integer><key>name</key><string>a</string></dict>
+      <true/>
+      <dict><key>pid</key><integer>5</integer><key>name</key><string>a</string></dict>
+      <dict><key>pid</key><integer>9</integer><key>name</key><string>a</string></dict></array>)";
+  auto const capture = With(list);
   for (char const* time : {"first", "again"}) {
     AnnouncementLog log;
     EXPECT_EQ(capture->Processes().AllProcesses()->size(), 2u);
@@ -181,13 +147,13 @@ TEST_F(Capture, ProcessesAreThoseThatAreWellFormed) {
         << time;
   }
   EXPECT_EQ(capture->Processes().ProcessWithPid(5)->pid, 5);
-  std::pair<char const*, std::size_t> const counts[] = {{"", 2},
-                                                        {"<integer>1</integer>", 2},
-                                                        {"<integer>3</integer>", 3},
-                                                        {"<integer>2147483647</integer>", 2}};
+  std::pair<char const*, std::size_t> const counts[] = {
+      {"", 2},
+      {"<key>ProcessCount</key><integer>1</integer>", 2},
+      {"<key>ProcessCount</key><integer>3</integer>", 3},
+      {"<key>ProcessCount</key><integer>2147483647</integer>", 2}};
   for (auto const& [count, expected] : counts) {
-    Document(list + (*count == '\0' ? "" : "<key>ProcessCount</key>") + count);
-    EXPECT_EQ(Opened()->Processes().CountProcesses().value(), expected) << count;
+    EXPECT_EQ(With(list + count)->Processes().CountProcesses().value(), expected) << count;
   }
 }
 
@@ -198,30 +164,21 @@ TEST_F(Capture, FilesStayBelowTheSystemRoot) {
   tree.Link("/out", "/");
   tree.Link("/up", "..");
   tree.Link("/root/out", "../../../../../../etc/passwd");
-  std::pair<char const*, bool> const cases[] = {
-      {"", true},
-      {"<string>other/../root</string>", true},
-      {"<string>linked</string>", true},
-      {"<string>../..</string>", false},
-      {"<string>/etc</string>", false},
-      {"<string>out</string>", false},
-      {"<string>up</string>", false},
-      {"<string>none</string>", false},
-      {"<string>root/etc/passwd</string>", false},
-      {"<string></string>", false},
-      {"<true/>", false},
-      {"<data>AA==</data>", false},
-  };
-  for (auto const& [value, has_files] : cases) {
-    Document(*value == '\0' ? "" : std::string("<key>SystemRoot</key>") + value);
-    auto const capture = Opened();
+  auto const read = [this](char const* root) {
+    auto const capture = With(std::string("<key>SystemRoot</key>") + root);
     auto const text = capture->Files().ReadFile("/etc/passwd", 1000);
-    EXPECT_EQ(text ? text.value() : "none", has_files ? "inside" : "none") << value;
-    if (has_files) continue;
-    EXPECT_THAT(text.absence().where, HasSubstr("SystemRoot")) << value;
+    return text ? *text : text.absence().where;
+  };
+  for (char const* root : {"<string>other/../root</string>", "<string>linked</string>"}) {
+    EXPECT_EQ(read(root), "inside") << root;
   }
-  Document("");
-  auto const capture = Opened();
+  for (char const* root :
+       {"<string>../..</string>", "<string>/etc</string>", "<string>out</string>",
+        "<string>up</string>", "<string>none</string>", "<string>root/etc/passwd</string>",
+        "<string></string>", "<true/>", "<data>AA==</data>"}) {
+    EXPECT_THAT(read(root), HasSubstr("SystemRoot")) << root;
+  }
+  auto const capture = With("");
   EXPECT_EQ(capture->Files().ReadFile("/out", 1000).value(), "inside");
   EXPECT_EQ(capture->Files().Remove("/etc/passwd").absence().error, EROFS);
   EXPECT_EQ(capture->Files().Space("/").absence().where, "not recorded");
@@ -231,31 +188,23 @@ TEST_F(Capture, RecordedItemsLieOverTheCopies) {
   tree.Write("/root/folder/file", "content");
   tree.Write("/root/folder/gone", "");
   tree.Link("/root/link", "folder");
-  auto const item = [](char const* path, std::string const& entries) {
-    return "<key>" + std::string(path) + "</key><dict>" + entries + "</dict>";
-  };
-  Document("<key>Files</key><dict>" +
-           item("/folder/file",
-                "<key>User</key><integer>501</integer>"
-                "<key>Modified</key><date>2004-02-29T12:00:00Z</date>") +
-           item("/folder/gone", "<key>Absent</key><string>permission refused</string>") +
-           item("/../../etc/passwd", "<key>User</key><integer>1</integer>") +
-           item("/far",
-                "<key>Known</key><string>all</string><key>Kind</key><string>link</string>"
-                "<key>Target</key><string>/../../../etc/passwd</string>") +
-           item("/loop",
-                "<key>Known</key><string>all</string><key>Kind</key><string>link</string>"
-                "<key>Target</key><string>loop/loop</string>") +
-           item("/list",
-                "<key>Known</key><string>all</string><key>Kind</key><string>folder</string>"
-                "<key>Entries</key><array><string>../x</string></array>") +
-           "</dict><key>UserNames</key><dict><key>501</key><string>ann</string></dict>");
-  auto const capture = Opened();
+  auto const capture = With(R"(<key>Files</key><dict>
+      <key>/folder/file</key><dict><key>User</key><integer>501</integer>
+        <key>Modified</key><date>2004-02-29T12:00:00Z</date></dict>
+      <key>/folder/gone</key><dict><key>Absent</key><string>permission refused</string></dict>
+      <key>/../../etc/passwd</key><dict><key>User</key><integer>1</integer></dict>
+      <key>/far</key><dict><key>Known</key><string>all</string><key>Kind</key><string>link</string>
+        <key>Target</key><string>/../../../etc/passwd</string></dict>
+      <key>/loop</key><dict><key>Known</key><string>all</string><key>Kind</key><string>link</string>
+        <key>Target</key><string>loop/loop</string></dict>
+      <key>/list</key><dict><key>Known</key><string>all</string>
+        <key>Kind</key><string>folder</string>
+        <key>Entries</key><array><string>../x</string></array></dict></dict>
+      <key>UserNames</key><dict><key>501</key><string>ann</string></dict>)");
   machine::FileSource const& files = capture->Files();
   auto const file = files.Describe("/link/file", Links::kFollow);
-  EXPECT_EQ(file->status.user, 501u);
-  EXPECT_EQ(file->status.modification.seconds, 1078056000);
-  EXPECT_EQ(file->status.bytes, 7u);
+  EXPECT_EQ(std::tuple(file->status.user, file->status.modification.seconds, file->status.bytes),
+            std::tuple(501u, 1078056000, 7u));
   EXPECT_EQ(files.ReadFile("/link/file", 10).value(), "content");
   EXPECT_EQ(files.UserName(501).value(), "ann");
   EXPECT_EQ(files.Status("/folder/gone", Links::kKeep).outcome(), Outcome::kPermissionRefused);
@@ -273,55 +222,47 @@ TEST_F(Capture, RecordedItemsLieOverTheCopies) {
   EXPECT_EQ(*(*folder)->Next(machine::Detail::kAll), nullptr);
 }
 
-struct UserCase {
-  char const* user;
-  char const* home;  // null: there is none
-};
-
 TEST_F(Capture, HomesAreThoseOfItsUsers) {
+  std::string const users = "/root/var/db/dslocal/nodes/Default/users/";
   tree.Write("/root/etc/passwd", "bob:x:1:1::/home/bob:\n");
-  tree.Write("/root/var/db/dslocal/nodes/Default/users/cat.plist",
-             Plist("<dict><key>home</key><array><string>/Volumes/cat</string></array></dict>"));
-  tree.Write("/root/var/db/dslocal/nodes/Default/users/rel.plist",
-             Plist("<dict><key>home</key><array><string>etc</string></array></dict>"));
+  for (auto const& [name, home] : {std::pair("cat", "/Volumes/cat"), std::pair("rel", "etc")}) {
+    tree.Write(users + name + ".plist", Plist("<dict><key>home</key><array><string>" +
+                                              std::string(home) + "</string></array></dict>"));
+  }
   tree.Write("/root/Users/dan/x", "");
   tree.Write("/root/Users/file", "");
-  Document(
-      "<key>CurrentUser</key><string>ann</string><key>Users</key><dict><key>ann</key>"
-      "<dict><key>Home</key><string>/home/ann</string></dict></dict>");
-  UserCase const cases[] = {
-      {"", "/home/ann"},         {"ann", "/home/ann"},  {"bob", "/home/bob"},
-      {"cat", "/Volumes/cat"},   {"dan", "/Users/dan"}, {"rel", nullptr},
-      {"file", nullptr},         {"eve", nullptr},      {"..", nullptr},
-      {"../Users/dan", nullptr}, {"dan/", nullptr},     {".", nullptr},
+  With(R"(<key>CurrentUser</key><string>ann</string><key>Users</key>
+      <dict><key>ann</key><dict><key>Home</key><string>/home/ann</string></dict></dict>)");
+  std::pair<char const*, char const*> const cases[] = {
+      {"", "/home/ann"},        {"ann", "/home/ann"},  {"bob", "/home/bob"},
+      {"cat", "/Volumes/cat"},  {"dan", "/Users/dan"}, {"rel", "none"},
+      {"file", "none"},         {"eve", "none"},       {"..", "none"},
+      {"../Users/dan", "none"}, {"dan/", "none"},      {".", "none"},
   };
-  for (UserCase const& row : cases) {
-    auto const home = Opened(row.user)->Users().CurrentHome();
-    EXPECT_EQ(home ? home.value() : "none", row.home != nullptr ? row.home : "none") << row.user;
+  for (auto const& [user, expected] : cases) {
+    auto const home = OpenedCapture(tree.At(""), user)->Users().CurrentHome();
+    EXPECT_EQ(home ? *home : "none", expected) << user;
   }
-  EXPECT_EQ(Opened("bob")->Users().CurrentUser().value(), "bob");
-  EXPECT_FALSE(Opened()->Users().HomeOf(std::string("dan\0", 4)));
-  Document("");
-  EXPECT_EQ(Opened()->Users().CurrentHome().outcome(), Outcome::kAbsent);
+  auto const capture = OpenedCapture(tree.At(""), "bob");
+  EXPECT_EQ(capture->Users().CurrentUser().value(), "bob");
+  EXPECT_FALSE(capture->Users().HomeOf(std::string("dan\0", 4)));
+  EXPECT_EQ(With("")->Users().CurrentHome().outcome(), Outcome::kAbsent);
 }
 
 TEST_F(Capture, AVolumeTellsWhatItsFilesDo) {
   tree.Write("/System/Library/CoreServices/SystemVersion.plist",
              Plist("<dict><key>ProductName</key><string>Mac OS X</string>"
                    "<key>ProductVersion</key><string>10.4.11</string></dict>"));
-  tree.Write(
-      "/Library/Preferences/SystemConfiguration/preferences.plist",
-      Plist("<dict><key>System</key><dict><key>System</key><dict>"
-            "<key>ComputerName</key><string>Ann's Mac</string></dict><key>Network</key><dict>"
-            "<key>HostNames</key><dict><key>LocalHostName</key><string>anns-mac</string>"
-            "</dict></dict></dict></dict>"));
+  tree.Write("/Library/Preferences/SystemConfiguration/preferences.plist", Plist(R"(
+      <dict><key>System</key><dict>
+        <key>System</key><dict><key>ComputerName</key><string>Ann's Mac</string></dict>
+        <key>Network</key><dict><key>HostNames</key><dict>
+          <key>LocalHostName</key><string>anns-mac</string></dict></dict></dict></dict>)"));
   tree.Link("/etc", "private/etc");
   tree.Link("/private/etc/localtime", "/usr/share/zoneinfo/Europe/Berlin");
-  auto const volume = Opened();
+  auto const volume = OpenedCapture(tree.At(""));
   EXPECT_EQ(volume->System().SystemPlatform().value(), machine::Platform::kMacOS);
   EXPECT_EQ(volume->System().Version()->at(1).second, "10.4.11");
-  EXPECT_EQ(volume->Gestalt().Response(BigEndianNumber("sysv")).value(),
-            machine::GestaltResponse(0x1049u));
   EXPECT_EQ(volume->Names().ComputerName().value(), "Ann's Mac");
   EXPECT_EQ(volume->Names().HostName().value(), "anns-mac");
   EXPECT_TRUE(volume->Files().Space("/"));

@@ -1,22 +1,15 @@
 #include "machine/directory.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <fstream>
-
-#include "frameworks/CoreFoundation/recorded_facts.h"
-#include "machine/capture/capture.h"
-#include "machine/capture/recorder.h"
 #include "machine/directory_records.h"
 #include "machine/live/directory_entry.h"
 #include "machine/live/directory_filter.h"
-#include "tests/machine/recorded_tree.h"
+#include "tests/machine/recorded_capture.h"
+#include "tests/portable_inspectors/program_output.h"
+#include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_records.h"
 
 namespace {
 
-using machine::DirectoryMatch;
-using machine::DirectoryNode;
 using machine::DirectoryQuery;
 using machine::DirectoryRecord;
 using machine::Outcome;
@@ -47,19 +40,15 @@ std::vector<std::string> Lines(machine::Fact<machine::DirectoryRecords> const& r
 }
 
 DirectoryQuery Named(std::string type, std::vector<std::string> names, std::string requested) {
-  return {.node = DirectoryNode::kSearch,
-          .type = std::move(type),
-          .attribute = kName,
-          .values = std::move(names),
-          .match = DirectoryMatch::kIgnoringCase,
-          .requested = {std::move(requested)},
-          .limit = 0};
+  return {.type = std::move(type), .values = std::move(names), .requested = {std::move(requested)}};
 }
 
 TEST(LocalDirectory, AgreesWithGetent) {
+  std::string const expected = OutputOf("getent passwd | cut -d: -f1,3,4,6,7");
+  if (expected.empty()) GTEST_SKIP() << "getent is missing";
   auto const live = machine::MakeLiveMachine();
   DirectoryQuery query = Named(kUsers, {}, kAll);
-  query.node = DirectoryNode::kLocal;
+  query.node = machine::DirectoryNode::kLocal;
   auto const users = live->Directory().Find(query);
   ASSERT_TRUE(users);
   std::string text;
@@ -71,10 +60,6 @@ TEST(LocalDirectory, AgreesWithGetent) {
     }
     text += "\n";
   }
-  FILE* const getent = ::popen("getent passwd | cut -d: -f1,3,4,6,7", "r");
-  std::string expected(1 << 16, '\0');
-  expected.resize(std::fread(expected.data(), 1, expected.size(), getent));
-  if (::pclose(getent) != 0 || expected.empty()) GTEST_SKIP() << "getent is missing";
   EXPECT_EQ(text, expected);
   EXPECT_THAT(
       Lines(live->Directory().Find(Named(kUsers, {"ROOT"}, kAll)), "dsAttrTypeStandard:UniqueID"),
@@ -140,78 +125,57 @@ TEST(DirectoryFilter, SendsSecurityIdentifiersAsBytes) {
   }
 }
 
-// Sends the values "0", "1", ... of one attribute, as many at a time as it is told to.
+// Answers a search for an attribute with the part of its values that it has.
 class RangedConnection final : public machine::live::LdapConnection {
  public:
-  RangedConnection(std::size_t count, std::size_t at_once) : count_(count), at_once_(at_once) {}
-
-  std::string const& uri() const override { return uri_; }
-  std::string const& configured_base() const override { return uri_; }
+  std::string const& uri() const override { return default_base; }
+  std::string const& configured_base() const override { return default_base; }
   bool is_usable() const override { return true; }
   machine::Fact<std::vector<machine::live::LdapEntry>> Search(
       machine::live::LdapSearch const& search, machine::live::Patience const&) override {
-    std::size_t const first = std::stoul(search.attributes.front().substr(13));
-    std::size_t const end = std::min(first + at_once_, count_);
     machine::live::LdapEntry entry = {search.base, {}};
-    std::vector<std::string> values;
-    for (std::size_t i = first; i < end; ++i) values.push_back(std::to_string(i));
-    std::string const last = end == count_ ? "*" : std::to_string(end - 1);
-    std::string const name = "member;range=" + std::to_string(first) + "-" + last;
-    if (!values.empty()) entry.attributes.emplace_back(name, std::move(values));
+    auto const part = parts.find(search.attributes.front());
+    if (part != parts.end()) entry.attributes.push_back(part->second);
     return std::vector{entry};
   }
 
- private:
-  std::string const uri_ = "ldap://dc1";
-  std::size_t const count_, at_once_;
+  std::map<std::string, std::pair<std::string, std::vector<std::string>>> parts;
 };
 
 TEST(DirectoryEntry, JoinsValuesThatComeInParts) {
   machine::live::Patience const patience(std::chrono::milliseconds(10'000));
-  for (std::size_t const count : {2u, 3u, 7u}) {
-    RangedConnection connection(count, 2);
-    machine::live::LdapEntry entry = {"cn=g", {{"cn", {"g"}}, {"member;Range=0-1", {"0", "1"}}}};
-    bool const goes_on = count > 2;
-    EXPECT_EQ(CompleteEntry(connection, {}, patience, entry).has_value(), !goes_on) << count;
-    if (!goes_on) continue;  // nothing came behind what was promised
-    EXPECT_EQ(entry.attributes[1].first, "member");
-    EXPECT_EQ(entry.attributes[1].second.size(), count);
-    EXPECT_EQ(entry.attributes[1].second.back(), std::to_string(count - 1));
-  }
+  machine::live::LdapEntry const first = {"cn=g",
+                                          {{"cn", {"g"}}, {"member;Range=0-1", {"0", "1"}}}};
+  RangedConnection connection;
+  auto entry = first;
+  EXPECT_TRUE(CompleteEntry(connection, {}, patience, entry)) << "nothing came behind the promise";
+  connection.parts = {{"member;range=2-*", {"member;range=2-3", {"2", "3"}}},
+                      {"member;range=4-*", {"member;range=4-*", {"4"}}}};
+  entry = first;
+  EXPECT_FALSE(CompleteEntry(connection, {}, patience, entry));
+  EXPECT_EQ(entry.attributes[1].first, "member");
+  EXPECT_THAT(entry.attributes[1].second, ElementsAre("0", "1", "2", "3", "4"));
 }
 
-class CapturedDirectory : public testing::Test {
- protected:
-  std::shared_ptr<machine::Machine const> Open() {
-    auto const capture = machine::OpenCapture(tree.At(""), {}, &ReadRecordedFacts);
-    EXPECT_TRUE(capture) << machine::CaptureMessage(capture.absence());
-    return capture ? *capture : nullptr;
-  }
-  void Write(std::string const& path, std::string const& entries) {
-    tree.Write(path, "<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
-  }
-
-  RecordedTree tree;
-};
-
-TEST_F(CapturedDirectory, JoinsItsRecordsAndThoseOfAVolume) {
-  Write("/machine.plist",
-        "<key>Directory</key><dict><key>dsRecTypeStandard:Users</key><array>"
-        "<dict><key>dsAttrTypeStandard:RecordName</key><array><string>ann</string></array>"
-        "<key>dsAttrTypeStandard:AppleMetaNodeLocation</key><string>/LDAPv3/dc1</string>"
-        "<key>dsAttrTypeNative:tokenGroups</key><array><data>AQIA</data></array></dict>"
-        // One that has no name is left out.
-        "<dict><key>dsAttrTypeStandard:UniqueID</key><string>7</string></dict>"
-        "</array></dict>");
+TEST(CapturedDirectory, JoinsItsRecordsAndThoseOfAVolume) {
+  RecordedTree const tree;
   std::string const users = "/root/var/db/dslocal/nodes/Default/users/";
-  Write(users + "ann.plist",
-        "<key>name</key><array><string>ann</string><string>Ann L</string></array>"
-        "<key>uid</key><array><string>501</string></array>"
-        "<key>ShadowHashData</key><array><data>AAAA</data></array>");
-  Write(users + "zoe.plist", "<key>name</key><array><string>zoe</string></array>");
-  Write(users + "nameless.plist", "<key>uid</key><array><string>0</string></array>");
+  tree.Write(users + "ann.plist", R"(<plist><dict>
+      <key>name</key><array><string>ann</string><string>Ann L</string></array>
+      <key>uid</key><array><string>501</string></array>
+      <key>ShadowHashData</key><array><data>AAAA</data></array></dict></plist>)");
+  tree.Write(users + "zoe.plist",
+             "<plist><dict><key>name</key><array><string>zoe</string></array></dict></plist>");
+  tree.Write(users + "nameless.plist",
+             "<plist><dict><key>uid</key><array><string>0</string></array></dict></plist>");
   tree.Write(users + "broken.plist", "<plist><dict><key>name");
-  auto const capture = Open();
+  // The record that has no name is left out.
+  auto const capture = Documented(tree, R"(
+      <key>Directory</key><dict><key>dsRecTypeStandard:Users</key><array>
+        <dict><key>dsAttrTypeStandard:RecordName</key><array><string>ann</string></array>
+          <key>dsAttrTypeStandard:AppleMetaNodeLocation</key><string>/LDAPv3/dc1</string>
+          <key>dsAttrTypeNative:tokenGroups</key><array><data>AQIA</data></array></dict>
+        <dict><key>dsAttrTypeStandard:UniqueID</key><string>7</string></dict></array></dict>)");
   auto const find = [&](std::vector<std::string> names, char const* requested) {
     return Lines(capture->Directory().Find(Named(kUsers, std::move(names), requested)), requested);
   };
@@ -222,61 +186,47 @@ TEST_F(CapturedDirectory, JoinsItsRecordsAndThoseOfAVolume) {
   EXPECT_THAT(find({"ann"}, "dsAttrTypeNative:ShadowHashData"), IsEmpty());
 }
 
-TEST_F(CapturedDirectory, AWrongRecordIsMalformed) {
+TEST(CapturedDirectory, AWrongRecordIsMalformed) {
+  RecordedTree const tree;
+  auto const outcome_of = [&tree](std::string const& entries) {
+    return Documented(tree, entries)->Directory().Find(Named(kUsers, {}, kAll)).outcome();
+  };
   for (char const* directory :
        {"<string/>", "<dict><key>dsRecTypeStandard:Users</key><dict/></dict>",
         "<dict><key>dsRecTypeStandard:Users</key><array><true/></array></dict>",
         "<dict><key>dsRecTypeStandard:Users</key><array><dict/></array></dict>",
         "<dict><key>dsRecTypeStandard:Users</key><array><dict>"
         "<key>dsAttrTypeStandard:RecordName</key><array><true/></array></dict></array></dict>"}) {
-    Write("/machine.plist", "<key>Directory</key>" + std::string(directory));
-    EXPECT_EQ(Open()->Directory().Find(Named(kUsers, {}, kAll)).outcome(), Outcome::kMalformed)
+    EXPECT_EQ(outcome_of(std::string("<key>Directory</key>") + directory), Outcome::kMalformed)
         << directory;
   }
-  Write("/machine.plist", "");
-  EXPECT_EQ(Open()->Directory().Find(Named(kUsers, {}, kAll)).outcome(), Outcome::kAbsent);
+  EXPECT_EQ(outcome_of(""), Outcome::kAbsent);
 }
 
-// Answers with its records, and fails for one name.
-class ScriptedDirectory final : public machine::Machine, private machine::DirectorySource {
- public:
-  machine::DirectorySource const& Directory() const override { return *this; }
-
- private:
-  machine::Fact<machine::DirectoryRecords> Find(DirectoryQuery const& query) const override {
-    if (query.values == std::vector<std::string>{"slow"}) {
-      return machine::Absence{Outcome::kTimedOut, "ldap://dc1", "no answer in time"};
-    }
-    machine::DirectoryAnswer answer(query);
-    for (char const* name : {"ann", "bob*", "bob*"}) {
-      DirectoryRecord record = {kUsers, name, "/LDAPv3/dc1", {}};
-      record.Add(kName, name);
-      record.Add("dsAttrTypeNative:objectSid", std::string("\1\1\0\0\0\0\0\5\7\0\0\0", 12));
-      if (Matches(record, query)) answer.Offer(std::move(record));
-    }
-    return answer.Take();
+TEST(CapturedDirectory, AnswersAsItWasRecorded) {
+  auto const records = std::make_shared<ScriptedRecords>();
+  auto const live = std::make_shared<ScriptedMachine>();
+  live->directory = records;
+  for (char const* name : {"ann", "bob*", "bob*"}) {
+    records->Add(kUsers, name,
+                 {{"dsAttrTypeNative:objectSid", {std::string("\1\1\0\0\0\0\0\5\7\0\0\0", 12)}}});
   }
-};
-
-TEST_F(CapturedDirectory, AnswersAsItWasRecorded) {
-  auto const live = std::make_shared<ScriptedDirectory>();
   machine::Recorder recorder(live);
+  auto const ask = [&records](machine::Machine const& machine, DirectoryQuery const& query) {
+    records->failure.reset();
+    if (query.values == std::vector<std::string>{"slow"}) records->failure = Outcome::kTimedOut;
+    auto const found = machine.Directory().Find(query);
+    return found ? Lines(found, kName) : std::vector{found.absence().source, Lines(found).front()};
+  };
   DirectoryQuery by_sid = Named(kUsers, {"S-1-5-7"}, kName);
   by_sid.attribute = "dsAttrTypeNative:objectSid";
   by_sid.limit = 2;
   DirectoryQuery const asked[] = {Named(kUsers, {"bob*"}, kName), Named(kUsers, {"nobody"}, kName),
                                   Named(kUsers, {"slow"}, kName), by_sid, Named(kUsers, {}, kAll)};
-  for (DirectoryQuery const& query : asked) {
-    recorder.RecordingMachine()->Directory().Find(query);
-  }
-  ASSERT_TRUE(recorder.Write(tree.At("/taken"), &WriteRecordedFacts));
-  auto const capture = machine::OpenCapture(tree.At("/taken"), {}, &ReadRecordedFacts).value();
-  for (DirectoryQuery const& query : asked) {
-    auto const expected = live->Directory().Find(query);
-    auto const found = capture->Directory().Find(query);
-    EXPECT_EQ(Lines(found, kName), Lines(expected, kName));
-    EXPECT_EQ(found ? "" : found.absence().where, expected ? "" : expected.absence().where);
-  }
+  for (DirectoryQuery const& query : asked) ask(*recorder.RecordingMachine(), query);
+  RecordedTree const tree;
+  auto const capture = Recorded(recorder, tree.At("/taken"));
+  for (DirectoryQuery const& query : asked) EXPECT_EQ(ask(*capture, query), ask(*live, query));
   EXPECT_THAT(Lines(capture->Directory().Find(Named(kUsers, {"ANN"}, kName))), ElementsAre("ann"));
   EXPECT_EQ(capture->Directory().Find(Named(kGroups, {}, kName)).outcome(), Outcome::kAbsent);
 }

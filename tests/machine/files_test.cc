@@ -3,7 +3,7 @@
 #include <sys/xattr.h>
 
 #include <cerrno>
-#include <cstdio>
+#include <set>
 
 #include "tests/machine/apple_double_text.h"
 #include "tests/machine/on_recorded_tree.h"
@@ -12,27 +12,14 @@
 namespace {
 
 using machine::Access;
-using machine::Detail;
 using machine::FileSource;
 using machine::Fork;
 using machine::ItemKind;
 using machine::Links;
 using machine::Outcome;
-using testing::Contains;
-using testing::ElementsAre;
 using testing::Pair;
-using testing::UnorderedElementsAre;
 
 using Files = OnRecordedTree;
-
-std::vector<std::string> NamesIn(machine::Folder& folder, Detail detail = Detail::kKind) {
-  std::vector<std::string> names;
-  for (;;) {
-    auto const entry = folder.Next(detail);
-    if (!entry || *entry == nullptr) return names;
-    names.emplace_back((*entry)->name);
-  }
-}
 
 std::string ForkOf(FileSource const& files, std::string const& path, Fork fork) {
   auto const file = files.OpenFork(path, fork, Access::kRead);
@@ -107,20 +94,17 @@ TEST_F(Files, FoldersAreReadWhateverTheirSize) {
   tree.Write("/many/._item2999", AppleDoubleText({{9, std::string(32, 'F')}}));
   auto const folder = machine->Files().OpenFolder("/many");
   int with_info = 0, companions = 0;
-  std::vector<std::string> names;
+  std::set<std::string> names;
   for (;;) {
-    auto const entry = (*folder)->Next(Detail::kAll);
+    auto const entry = (*folder)->Next(machine::Detail::kAll);
     ASSERT_TRUE(entry);
     if (*entry == nullptr) break;
-    names.emplace_back((*entry)->name);
+    names.emplace((*entry)->name);
     with_info += (*entry)->item.has_finder_info;
     companions += (*entry)->is_companion;
     if (names.size() % 500 == 0) (*folder)->Rest();
   }
-  std::sort(names.begin(), names.end());
-  EXPECT_EQ(std::unique(names.begin(), names.end()) - names.begin(), 3001);
-  EXPECT_EQ(with_info, 1);
-  EXPECT_EQ(companions, 1);
+  EXPECT_EQ(std::tuple(names.size(), with_info, companions), std::tuple(3001u, 1, 1));
 }
 
 TEST_F(Files, PathsMayBeLongerThanTheKernelTakes) {
@@ -139,13 +123,6 @@ TEST_F(Files, PathsMayBeLongerThanTheKernelTakes) {
   }
 }
 
-struct CompanionCase {
-  char const* name;
-  std::string content;
-  bool has_info;
-  std::string resource;
-};
-
 TEST_F(Files, BelieveNoOffsetOfACompanion) {
   std::string const info(32, 'F');
   std::string const good = AppleDoubleText({{9, info}, {2, "resource"}});
@@ -153,7 +130,12 @@ TEST_F(Files, BelieveNoOffsetOfACompanion) {
     return std::string(good).replace(at, bytes.size(), bytes);
   };
   constexpr std::size_t kCount = 24, kInfo = 26, kResource = 38;
-  CompanionCase const cases[] = {
+  struct {
+    char const* name;
+    std::string content;
+    bool has_info;
+    std::string resource;
+  } const cases[] = {
       {"good", good, true, "resource"},
       {"not AppleDouble", "text", false, ""},
       {"empty", "", false, ""},
@@ -168,7 +150,7 @@ TEST_F(Files, BelieveNoOffsetOfACompanion) {
       {"truncated", good.substr(0, good.size() - 1), true, ""},
   };
   tree.Write("/f/item", "data");
-  for (CompanionCase const& row : cases) {
+  for (auto const& row : cases) {
     tree.Write("/f/._item", row.content);
     auto const item = machine->Files().Describe("/f/item", Links::kKeep);
     EXPECT_EQ(item->has_finder_info, row.has_info) << row.name;
@@ -181,8 +163,8 @@ TEST_F(Files, BelieveNoOffsetOfACompanion) {
   }
   AnnouncementLog log;
   machine->Files().Describe("/f/item", Links::kKeep);
-  EXPECT_THAT(log.entries, ElementsAre(Pair("/f/item", Outcome::kAnswered),
-                                       Pair("/f/._item", Outcome::kMalformed)));
+  EXPECT_THAT(log.entries, testing::ElementsAre(Pair("/f/item", Outcome::kAnswered),
+                                                Pair("/f/._item", Outcome::kMalformed)));
   ASSERT_EQ(::unlink(tree.At("/f/._item").c_str()), 0);
   tree.MakeFifo("/f/._item");
   EXPECT_EQ(machine->Files().Describe("/f/item", Links::kKeep)->resource_bytes, 0u);
@@ -200,8 +182,6 @@ TEST_F(Files, AttributesComeBeforeCompanions) {
   EXPECT_EQ(item->resource_bytes, 9u);
   ASSERT_EQ(::setxattr(tree.At("/item").c_str(), "user.com.apple.ResourceFork", "rsrc", 4, 0), 0);
   EXPECT_EQ(ForkOf(machine->Files(), "/item", Fork::kResource), "rsrc");
-  auto const folder = machine->Files().OpenFolder("/");
-  EXPECT_THAT(NamesIn(**folder), UnorderedElementsAre("item", "._item"));
 }
 
 TEST_F(Files, OpenFilesTellWhatWasReadWhenTheyClose) {
@@ -216,7 +196,7 @@ TEST_F(Files, OpenFilesTellWhatWasReadWhenTheyClose) {
   }
   EXPECT_EQ(log.bytes, 6u);
   machine->Files().Status("/none", Links::kKeep);
-  EXPECT_THAT(log.entries, Contains(Pair("/none", Outcome::kAbsent)));
+  EXPECT_THAT(log.entries, testing::Contains(Pair("/none", Outcome::kAbsent)));
 }
 
 }  // namespace

@@ -13,17 +13,9 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::Pair;
 
-using Memory = OnRecordedTree;
-using Processors = OnRecordedTree;
-using Names = OnRecordedTree;
-using Hardware = OnRecordedTree;
-using Processes = OnRecordedTree;
-using Root = OnRecordedTree;
-using Observer = OnRecordedTree;
-using System = OnRecordedTree;
-using Users = OnRecordedTree;
+using Live = OnRecordedTree;
 
-TEST_F(Memory, AsksTheFirmwareThenTheBlocksThenTheKernel) {
+TEST_F(Live, MemoryIsThatOfTheFirmwareThenTheBlocksThenTheKernel) {
   auto const bytes = [&] { return machine->Memory().PhysicalBytes(); };
   EXPECT_EQ(bytes().outcome(), Outcome::kAbsent);
   tree.Write("/proc/meminfo", "MemFree: 1 kB\nMemTotal:     2000001 kB\nSwapTotal: 8 kB\n");
@@ -42,19 +34,20 @@ TEST_F(Memory, AsksTheFirmwareThenTheBlocksThenTheKernel) {
     for (int i = 0; i < 4; ++i) fields[28 + i] = static_cast<char>(extended >> (8 * i));
     return fields + std::string("A\0B\0\0", 5);
   };
-  std::string const other("\0\4\0\0\0\0", 6);
-  std::string const devices =
-      other + device(4096, 0) + device(0, 0) + device(0x7fff, 65536) + device(0x8400, 0);
-  tree.Write("/sys/firmware/dmi/tables/DMI", devices);
-  EXPECT_EQ(bytes().value(), (4096ull + 65536 + 1) << 20);
+  std::string const devices = std::string("\0\4\0\0\0\0", 6) + device(4096, 0) + device(0, 0) +
+                              device(0x7fff, 65536) + device(0x8400, 0);
   constexpr int kUnknownSize = 0xffff;
-  tree.Write("/sys/firmware/dmi/tables/DMI", devices + device(kUnknownSize, 0));
-  EXPECT_EQ(bytes().value(), 2u << 27);
-  tree.Write("/sys/firmware/dmi/tables/DMI", std::string("\x11\xff\0\0", 4));
-  EXPECT_EQ(bytes().value(), 2u << 27);
+  std::pair<std::string, std::uint64_t> const tables[] = {
+      {devices, (4096ull + 65536 + 1) << 20},
+      {devices + device(kUnknownSize, 0), 2u << 27},
+      {std::string("\x11\xff\0\0", 4), 2u << 27}};
+  for (auto const& [table, expected] : tables) {
+    tree.Write("/sys/firmware/dmi/tables/DMI", table);
+    EXPECT_EQ(bytes().value(), expected) << table.size();
+  }
 }
 
-TEST_F(Memory, RefusesWhatIsMalformed) {
+TEST_F(Live, MemoryRefusesWhatIsMalformed) {
   for (char const* text :
        {"MemTotal: x kB\n", "MemTotal: 12\n", "MemTotal: 99999999999999999999 kB",
         "MemTotal: 18446744073709551615 kB\n"}) {
@@ -65,7 +58,7 @@ TEST_F(Memory, RefusesWhatIsMalformed) {
   }
 }
 
-TEST_F(Processors, AreReadFromTheirList) {
+TEST_F(Live, ProcessorsAreReadFromTheirList) {
   using enum machine::Architecture;
   struct {
     char const* info;
@@ -83,9 +76,7 @@ TEST_F(Processors, AreReadFromTheirList) {
   auto const known = [](auto const& fact) { return fact ? *fact : 0; };
   for (auto const& row : cases) {
     SCOPED_TRACE(row.info);
-    RecordedTree tree;
     tree.Write("/proc/cpuinfo", row.info);
-    auto const machine = tree.Machine();
     auto const& processors = machine->Processors();
     EXPECT_EQ(processors.Kind().value(), row.kind);
     EXPECT_EQ(processors.OnlineCount().value(), row.count);
@@ -94,7 +85,7 @@ TEST_F(Processors, AreReadFromTheirList) {
   }
 }
 
-TEST_F(Processors, AreCountedAndTimedBySysFirst) {
+TEST_F(Live, ProcessorsAreCountedAndTimedBySysFirst) {
   tree.Write("/proc/cpuinfo", "processor: 0\ncpu MHz : 800\n");
   tree.Write("/sys/devices/system/cpu/online", "0-3,6,8-9\n");
   tree.Write("/sys/devices/system/cpu/cpu0/cpufreq/cpuinfo_max_freq", "3400000\n");
@@ -106,7 +97,7 @@ TEST_F(Processors, AreCountedAndTimedBySysFirst) {
   EXPECT_EQ(machine->Processors().OnlineCount().value(), 1u);
 }
 
-TEST_F(Names, FollowTheirFiles) {
+TEST_F(Live, NamesFollowTheirFiles) {
   EXPECT_FALSE(machine->Names().ComputerName());
   tree.Write("/etc/hostname", "# comment\n\nbox.example.org\n");
   EXPECT_EQ(machine->Names().HostName().value(), "box.example.org");
@@ -118,7 +109,7 @@ TEST_F(Names, FollowTheirFiles) {
   EXPECT_EQ(machine->Names().ComputerName().value(), "kernel");
 }
 
-TEST_F(Hardware, NamesTheProductAndTheFirstRootHub) {
+TEST_F(Live, HardwareNamesTheProductAndTheFirstRootHub) {
   EXPECT_EQ(machine->Hardware().HasUsb().outcome(), Outcome::kAbsent);
   tree.Write("/sys/class/dmi/id/product_name", " PowerEdge R740 \n");
   tree.Write("/sys/bus/usb/devices/usb10/bcdDevice", "0601\n");
@@ -128,7 +119,7 @@ TEST_F(Hardware, NamesTheProductAndTheFirstRootHub) {
   EXPECT_EQ(machine->Hardware().UsbRelease().value(), 0x0510u);
 }
 
-TEST_F(Processes, AreListedByNumberWithWhateverName) {
+TEST_F(Live, ProcessesAreListedByNumberWithWhateverName) {
   tree.Write("/proc/1/comm", "init\n");
   tree.Write("/proc/20/comm", "name of more than sixteen bytes\n");
   tree.Write("/proc/3/comm", "a\nb\xff\n\n");
@@ -136,9 +127,10 @@ TEST_F(Processes, AreListedByNumberWithWhateverName) {
   tree.Write("/proc/self/comm", "no number\n");
   tree.Write("/proc/21/comm", "thread\n");
   tree.Write("/proc/21/status", "Name:\tthread\nTgid:\t20\n");
-  auto const all = machine->Processes().AllProcesses();
   std::vector<std::pair<int, std::string>> found;
-  for (auto const& process : *all) found.emplace_back(process.pid, process.name);
+  for (auto const& process : machine->Processes().AllProcesses().value()) {
+    found.emplace_back(process.pid, process.name);
+  }
   EXPECT_THAT(found, ElementsAre(Pair(1, "init"), Pair(3, "a\nb\xff\n"),
                                  Pair(20, "name of more tha"), Pair(21, "thread")));
   EXPECT_GE(machine->Processes().CountProcesses().value(), 5u);
@@ -148,27 +140,28 @@ TEST_F(Processes, AreListedByNumberWithWhateverName) {
   }
 }
 
-TEST_F(Root, LetsNothingOutAndOpensOnlyRegularFiles) {
+TEST_F(Live, RootLetsNothingOutAndOpensOnlyRegularFiles) {
+  std::string const path = "/sys/class/dmi/id/product_name";
   auto const name = [&] { return machine->Hardware().ProductName(); };
   tree.Write("/real", "inside\n");
-  tree.Link("/sys/class/dmi/id/product_name", "/real");
+  tree.Link(path, "/real");
   EXPECT_EQ(name().value(), "inside");
   for (char const* target :
        {"/etc/passwd", "../../../../../../../../etc/passwd", "/proc/self/exe"}) {
-    std::filesystem::remove(tree.At("/sys/class/dmi/id/product_name"));
-    tree.Link("/sys/class/dmi/id/product_name", target);
+    std::filesystem::remove(tree.At(path));
+    tree.Link(path, target);
     EXPECT_FALSE(name()) << target;
   }
-  std::filesystem::remove(tree.At("/sys/class/dmi/id/product_name"));
-  tree.MakeFifo("/sys/class/dmi/id/product_name");
+  std::filesystem::remove(tree.At(path));
+  tree.MakeFifo(path);
   EXPECT_EQ(name().outcome(), Outcome::kMalformed);
   std::filesystem::resize_file(tree.At("/real"), 17 << 20);
-  std::filesystem::rename(tree.At("/real"), tree.At("/sys/class/dmi/id/product_name"));
+  std::filesystem::rename(tree.At("/real"), tree.At(path));
   EXPECT_EQ(name().outcome(), Outcome::kMalformed);
   EXPECT_FALSE(machine::MakeLiveMachine("/no/such/folder")->Memory().SwapBytes());
 }
 
-TEST_F(Observer, HearsEverySourceOnItsOwnThread) {
+TEST_F(Live, ObserverHearsEverySourceOnItsOwnThread) {
   tree.Write("/etc/hostname", "box\n");
   AnnouncementLog log;
   std::thread([&] { machine->Names().HostName(); }).join();
@@ -181,7 +174,7 @@ TEST_F(Observer, HearsEverySourceOnItsOwnThread) {
   EXPECT_THAT(log.entries, Contains(Pair("clock", Outcome::kNotSupported)));
 }
 
-TEST_F(System, IsWhatTheTreeSays) {
+TEST_F(Live, SystemIsWhatTheTreeSays) {
   EXPECT_EQ(machine->System().SystemPlatform().outcome(), Outcome::kAbsent);
   tree.Write("/usr/lib/os-release", "PRETTY_NAME=x\nNAME=\"Some OS\"\nVERSION_ID='12'\n");
   EXPECT_EQ(machine->System().SystemPlatform().value(), machine::Platform::kLinux);
@@ -200,7 +193,7 @@ TEST_F(System, IsWhatTheTreeSays) {
   EXPECT_EQ(machine->System().Version().outcome(), Outcome::kNotSupported);
 }
 
-TEST_F(Users, AreThoseOfTheTree) {
+TEST_F(Live, UsersAreThoseOfTheTree) {
   tree.Write("/etc/passwd", "ann:x:7:7:Ann:/home/ann:/bin/sh\nshort:x:8\nodd:x:9:9::here:\n");
   EXPECT_EQ(machine->Users().HomeOf("ann").value(), "/home/ann");
   EXPECT_EQ(machine->Users().HomeOf("short").outcome(), Outcome::kAbsent);
@@ -208,7 +201,7 @@ TEST_F(Users, AreThoseOfTheTree) {
   EXPECT_EQ(machine->Users().CurrentHome().outcome(), Outcome::kNotSupported);
 }
 
-TEST(LiveMachine, AgreesWithOtherPrograms) {
+TEST_F(Live, AgreesWithOtherPrograms) {
   machine::Machine const& live = machine::CurrentMachine();
   EXPECT_EQ(live.System().KernelRelease().value(), FirstLineOf("uname -r"));
   EXPECT_THAT(*live.System().Version(), Contains(Pair("Architecture", FirstLineOf("uname -m"))));

@@ -1,100 +1,79 @@
 #include "tests/machine/machine_text.h"
 
-#include <iomanip>
-#include <sstream>
+#include <gtest/gtest.h>
 
-#include "frameworks/CoreFoundation/recorded_facts.h"
+#include <sstream>
+#include <tuple>
+
 #include "tests/support/big_endian_text.h"
+
+// So that they can be printed like all that holds them.
+namespace machine {
+
+using testing::PrintToString;
+
+void PrintTo(FileTime const& time, std::ostream* out) {
+  *out << time.seconds << '.' << time.nanoseconds;
+}
+void PrintTo(Process const& process, std::ostream* out) { *out << process.pid << process.name; }
+void PrintTo(RecordDictionary const& record, std::ostream* out) { *out << TextOf(record); }
+void PrintTo(TimeZone const& zone, std::ostream* out) {
+  *out << zone.name << ' ' << zone.rules->posix_text();
+  for (std::int64_t at : {-2000000000ll, 0ll, 1700000000ll, 1720000000ll, 9000000000ll}) {
+    *out << ' ' << zone.rules->At(at).from_utc << '/' << zone.rules->At(at).daylight;
+  }
+}
+void PrintTo(ItemStatus const& it, std::ostream* out) {
+  auto const kind = static_cast<int>(it.kind);
+  *out << PrintToString(std::tuple(kind, it.is_immutable, it.has_birth, it.mode, it.user, it.group))
+       << PrintToString(std::tuple(it.links, it.device, it.inode, it.mount, it.bytes))
+       << PrintToString(std::tuple(it.allocated_bytes, it.birth, it.modification, it.change))
+       << PrintToString(it.access);
+}
+void PrintTo(Item const& item, std::ostream* out) {
+  *out << PrintToString(item.status) << item.has_finder_info << ' ' << item.resource_bytes << ' '
+       << PrintToString(item.finder_info);
+}
+// Without what other processes change meanwhile.
+void PrintTo(VolumeSpace const& space, std::ostream* out) {
+  *out << space.total_bytes << ' ' << space.block_bytes << ' ' << space.is_read_only;
+}
+void PrintTo(Absence const& absence, std::ostream* out) {
+  *out << NameOf(absence.reason) << " [" << absence.source << "] [" << absence.where << "] "
+       << absence.error;
+}
+template <typename Value>
+void PrintTo(Fact<Value> const& fact, std::ostream* out) {
+  *out << (fact ? PrintToString(*fact) : PrintToString(fact.absence()));
+}
+
+}  // namespace machine
 
 namespace {
 
-using machine::Detail;
-using machine::Fact;
 using machine::FileSource;
-using machine::FileTime;
 using machine::Fork;
-using machine::Item;
-using machine::ItemStatus;
-using machine::Links;
-
-std::ostream& operator<<(std::ostream& out, FileTime const& time) {
-  return out << time.seconds << '.' << time.nanoseconds;
-}
-
-void Print(std::ostream& out, std::string const& text) { out << std::quoted(text); }
-template <typename Number>
-requires std::integral<Number>
-void Print(std::ostream& out, Number number) { out << number; }
-void Print(std::ostream& out, machine::Platform platform) { out << static_cast<int>(platform); }
-void Print(std::ostream& out, machine::Architecture kind) { out << static_cast<int>(kind); }
-void Print(std::ostream& out, machine::Process const& process) {
-  out << process.pid << process.name;
-}
-void Print(std::ostream& out, machine::RecordDictionary const& record) {
-  out << *WriteRecordedFacts(record);
-}
-void Print(std::ostream& out, machine::GestaltResponse const& response) {
-  std::visit([&](auto const& value) { Print(out, value); }, response);
-}
-void Print(std::ostream& out, machine::TimeZone const& zone) {
-  out << zone.name << ' ' << zone.rules->posix_text();
-  for (std::int64_t at : {-2000000000ll, 0ll, 1700000000ll, 1720000000ll, 9000000000ll}) {
-    out << ' ' << zone.rules->At(at).from_utc << '/' << zone.rules->At(at).daylight;
-  }
-}
-void Print(std::ostream& out, ItemStatus const& status) {
-  out << static_cast<int>(status.kind) << ' ' << status.is_immutable << ' ' << std::oct
-      << status.mode << std::dec << ' ' << status.user << ' ' << status.group << ' ' << status.links
-      << ' ' << status.device << ' ' << status.inode << ' ' << status.mount << ' ' << status.bytes
-      << ' ' << status.allocated_bytes << ' ' << status.has_birth << ' ' << status.birth << ' '
-      << status.modification << ' ' << status.change << ' ' << status.access;
-}
-void Print(std::ostream& out, Item const& item) {
-  Print(out, item.status);
-  out << ' ' << item.has_finder_info << ' ' << item.resource_bytes << ' '
-      << std::string(item.finder_info.begin(), item.finder_info.end());
-}
-// Without what other processes change meanwhile.
-void Print(std::ostream& out, machine::VolumeSpace const& space) {
-  out << space.total_bytes << ' ' << space.block_bytes << ' ' << space.is_read_only;
-}
-template <typename First, typename Second>
-void Print(std::ostream& out, std::pair<First, Second> const& pair) {
-  out << pair.first << '=' << pair.second;
-}
-template <typename Value>
-void Print(std::ostream& out, std::vector<Value> const& values) {
-  for (Value const& value : values) Print(out << "\n    ", value);
-}
 
 template <typename Value>
-void Line(std::ostream& out, std::string const& name, Fact<Value> const& fact) {
-  out << name << ": ";
-  if (fact) {
-    Print(out, *fact);
-  } else {
-    machine::Absence const& absence = fact.absence();
-    out << NameOf(absence.reason) << " [" << absence.source << "] [" << absence.where << "] "
-        << absence.error;
-  }
-  out << '\n';
+void Line(std::ostream& out, std::string const& name, Value const& value) {
+  out << name << ": " << testing::PrintToString(value) << '\n';
 }
 
 void PrintFolder(std::ostream& out, FileSource const& files, std::string const& path) {
   auto const folder = files.OpenFolder(path);
-  if (!folder) return Line(out, "  folder", Fact<int>(folder.absence()));
-  Line(out, "  folder", Fact<ItemStatus>((*folder)->Status()));
+  if (!folder) return Line(out, "  folder", folder.absence());
+  Line(out, "  folder", (*folder)->Status());
   for (;;) {
-    auto const entry = (*folder)->Next(Detail::kAll);
+    auto const entry = (*folder)->Next(machine::Detail::kAll);
     if (!entry || *entry == nullptr) return;
     Line(out, "    " + std::string((*entry)->name) + ((*entry)->is_companion ? " (companion)" : ""),
-         Fact<Item>((*entry)->item));
+         (*entry)->item);
   }
 }
 
 void PrintFork(std::ostream& out, FileSource const& files, std::string const& path, Fork fork) {
   auto const file = files.OpenFork(path, fork, machine::Access::kRead);
-  if (!file) return Line(out, "  fork", Fact<int>(file.absence()));
+  if (!file) return Line(out, "  fork", file.absence());
   Line(out, "  size", (*file)->Size());
   Line(out, "  content", machine::ReadWhole(**file, path, 1 << 20));
 }
@@ -108,10 +87,8 @@ std::string FactsText(machine::Machine const& machine) {
   Line(out, "zone", machine.Zone().CurrentZone());
   auto const variables = machine.Environment().VariableNames();
   Line(out, "variables", variables);
-  if (variables) {
-    for (std::string const& name : *variables) {
-      Line(out, "  " + name, machine.Environment().Variable(name));
-    }
+  for (std::string const& name : variables ? *variables : std::vector<std::string>()) {
+    Line(out, "  " + name, machine.Environment().Variable(name));
   }
   Line(out, "no variable", machine.Environment().Variable("NO_SUCH_VARIABLE"));
   Line(out, "host", machine.Names().HostName());
@@ -146,8 +123,8 @@ std::string FilesText(FileSource const& files, std::vector<std::string> const& p
   std::ostringstream out;
   for (std::string const& path : paths) {
     out << path << '\n';
-    Line(out, "  item", files.Describe(path, Links::kFollow));
-    Line(out, "  itself", files.Status(path, Links::kKeep));
+    Line(out, "  item", files.Describe(path, machine::Links::kFollow));
+    Line(out, "  itself", files.Status(path, machine::Links::kKeep));
     Line(out, "  target", files.ReadLink(path));
     Line(out, "  canonical", files.CanonicalFolder(path));
     Line(out, "  space", files.Space(path));

@@ -5,20 +5,16 @@
 
 #include "tests/machine/recorded_tree.h"
 
+// With the link in a folder, where there is one, by which the class or bus knows the device.
 inline void WriteDevice(RecordedTree const& tree, std::string const& path,
-                        std::string const& subsystem) {
-  std::string const folder = "/sys/devices/" + path;
-  tree.Write(folder + "/uevent", "");
-  if (!subsystem.empty()) tree.Link(folder + "/subsystem", "../../bus/" + subsystem);
-}
-
-// With the link by which the class or bus knows the device.
-inline void WriteDevice(RecordedTree const& tree, std::string const& path,
-                        std::string const& subsystem, std::string const& folder) {
-  WriteDevice(tree, path, subsystem);
+                        std::string const& subsystem, std::string const& folder = {}) {
+  std::string const device = "/sys/devices/" + path;
+  tree.Write(device + "/uevent", "");
+  if (!subsystem.empty()) tree.Link(device + "/subsystem", "../../bus/" + subsystem);
+  if (folder.empty()) return;
   std::string up;
   for (char byte : folder) up += byte == '/' ? "../" : "";
-  tree.Link(folder + path.substr(path.rfind('/')), up + "sys/devices/" + path);
+  tree.Link(folder + path.substr(path.rfind('/')), up + device.substr(1));
 }
 
 inline void WriteDevices(RecordedTree const& tree) {

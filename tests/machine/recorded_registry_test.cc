@@ -4,8 +4,6 @@
 
 namespace {
 
-using machine::Outcome;
-
 // A capture with the planes that a test writes into it.
 class CapturedRegistry : public testing::Test {
  protected:
@@ -34,17 +32,14 @@ class CapturedRegistry : public testing::Test {
 };
 
 TEST_F(CapturedRegistry, IsReadAsItIsPrinted) {
-  auto const machine = With(Entry(
-      "Root", 1,
-      "<key>IOKitBuildVersion</key><string>Darwin 12</string>" +
-          Children(Entry(
-              "MacPro3,1", 2,
-              "<key>IOObjectClass</key><string>IOPlatformExpertDevice</string>"
-              "<key>IOObjectRetainCount</key><integer>30</integer>"
-              "<key>model</key><data>TWFjAA==</data>" +
-                  Children(Entry("PCI0", 3,
-                                 At("0") + "<key>IORegistryEntryProperties</key><dict><key>a</key>"
-                                           "<true/></dict>"))))));
+  std::string const bridge = Entry(
+      "PCI0", 3, At("0") + "<key>IORegistryEntryProperties</key><dict><key>a</key><true/></dict>");
+  std::string const expert =
+      "<key>IOObjectClass</key><string>IOPlatformExpertDevice</string>"
+      "<key>IOObjectRetainCount</key><integer>30</integer><key>model</key><data>TWFjAA==</data>";
+  auto const machine = With(Entry("Root", 1,
+                                  "<key>IOKitBuildVersion</key><string>Darwin 12</string>" +
+                                      Children(Entry("MacPro3,1", 2, expert + Children(bridge)))));
   EXPECT_EQ(TextOf(machine->Registry()),
             "{IOKitBuildVersion='Darwin 12'}\nIOService\n"
             "'/' 'MacPro3,1' 'IOPlatformExpertDevice' {model=<4d616300>} 2\n"
@@ -115,7 +110,7 @@ TEST_F(CapturedRegistry, WhatIsNotThereSaysWhy) {
   EXPECT_EQ(Documented(tree_, "")->Registry().Root().absence().where, "not recorded");
   auto const machine = Documented(
       tree_, "<key>Absent</key><dict><key>Registry</key><string>timed out</string></dict>");
-  EXPECT_EQ(machine->Registry().Root().outcome(), Outcome::kTimedOut);
+  EXPECT_EQ(machine->Registry().Root().outcome(), machine::Outcome::kTimedOut);
   tree_.Write("/secret.plist", "<plist>" + Entry("top", 1) + "</plist>");
   tree_.Link("/registry/IOUSB.plist", "/../../../../../../etc/passwd");
   for (char const* plane : {"../secret", "IOUSB", "", "IOPower"}) {
@@ -141,9 +136,6 @@ class RegistryRecording : public CapturedRegistry {
     WriteDevices(tree_);
     WriteFirmware(tree_);
   }
-  SharedMachine Written(machine::Recorder const& recorder) const {
-    return Recorded(recorder, tree_.At("/capture"));
-  }
 };
 
 TEST_F(RegistryRecording, OfEverythingIsEqual) {
@@ -152,15 +144,13 @@ TEST_F(RegistryRecording, OfEverythingIsEqual) {
 }
 
 TEST_F(RegistryRecording, OfCaptureIsEqual) {
+  std::string const parent = Entry("a / b", 2, At("1") + Children(Entry("c", 3) + Entry("c", 4)));
+  std::string const named = Entry("Keyboard", -5, R"(<key>IORegistryEntryProperties</key><dict>
+      <key>IORegistryEntryName</key><string>own</string></dict>)");
   SharedMachine const capture =
       With(Entry("Root", 1,
                  "<key>IOObjectClass</key><string>IORegistryEntry</string>" +
-                     Children(Entry("a / b", 2, At("1") + Children(Entry("c", 3) + Entry("c", 4))) +
-                              Entry("Keyboard", -5,
-                                    "<key>IORegistryEntryProperties</key><dict>"
-                                    "<key>IORegistryEntryName</key><string>own</string>"
-                                    "</dict>") +
-                              Entry("", 6))));
+                     Children(parent + named + Entry("", 6))));
   std::string const text = TextOf(capture->Registry());
   EXPECT_EQ(TextOf(RecordedWhole(capture, tree_.At("/capture"))->Registry()), text);
   EXPECT_THAT(text, testing::HasSubstr("own"));
@@ -175,7 +165,7 @@ TEST_F(RegistryRecording, HasWhatWasAskedAndSaysThatTheRestIsNotRecorded) {
   EXPECT_FALSE(asked->Registry().NodeAt("IOService", "/none"));
   EXPECT_FALSE((*asked->Registry().Root())->Children("IOOther"));
 
-  SharedMachine const capture = Written(recorder);
+  SharedMachine const capture = Recorded(recorder, tree_.At("/capture"));
   auto const node = *capture->Registry().NodeAt("IOService", path);
   EXPECT_EQ(TextOf(node->Properties()), properties);
   EXPECT_EQ(node->ClassName().absence().where, "not recorded");
@@ -192,7 +182,7 @@ TEST_F(RegistryRecording, EndsWithItsLimits) {
     machine::Recorder recorder(tree_.Machine(),
                                {.registry_entries = entries, .registry_bytes = bytes});
     recorder.RecordEverything();
-    SharedMachine const capture = Written(recorder);
+    SharedMachine const capture = Recorded(recorder, tree_.At("/capture"));
     std::string const text = TextOf(capture->Registry());
     EXPECT_LT(std::count(text.begin(), text.end(), '\n'), 20);
     auto const missing = capture->Registry().NodeAt("IOUSB", "/usb1/1-2");

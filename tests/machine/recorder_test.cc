@@ -13,19 +13,13 @@
 
 namespace {
 
-using machine::Fork;
 using machine::Links;
 using machine::Outcome;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Pair;
 
-// A machine that owns nothing of what it is given, for those on the stack.
-SharedMachine Borrowed(machine::Machine const& machine) {
-  return SharedMachine(SharedMachine(), &machine);
-}
-
-void FillIn(ScriptedMachine& script) {
+void FillInAll(ScriptedMachine& script) {
   script.microseconds = 1'700'000'000'123'456;
   script.boot_seconds = 1'699'999'000;
   script.SetZone("Somewhere", "CET-1CEST,M3.5.0,M10.5.0/3");
@@ -56,33 +50,29 @@ void FillIn(ScriptedMachine& script) {
   script.gestalt = {{"mach", 406u}, {"odd\xC4", std::string("text\0", 5)}};
 }
 
-struct Script {
-  char const* name;
-  void (*fill_in)(ScriptedMachine&);
-};
-
 TEST(Recorder, EverythingComesBackAsItWas) {
-  Script const scripts[] = {
-      {"full", FillIn},
+  using FillIn = void (*)(ScriptedMachine&);
+  std::pair<char const*, FillIn> const scripts[] = {
+      {"full", FillInAll},
       {"nothing", [](ScriptedMachine&) {}},
       {"refused", [](ScriptedMachine& script) { script.reason = Outcome::kPermissionRefused; }},
   };
-  for (Script const& row : scripts) {
-    ScriptedMachine script;
-    row.fill_in(script);
+  for (auto const& [name, fill_in] : scripts) {
+    auto const script = std::make_shared<ScriptedMachine>();
+    fill_in(*script);
     RecordedTree tree;
-    machine::Recorder recorder(Borrowed(script));
+    machine::Recorder recorder(script);
     recorder.RecordEverything();
     // What is asked by name is recorded when it is asked.
     std::string const expected = FactsText(*recorder.RecordingMachine());
-    EXPECT_EQ(expected, FactsText(script)) << row.name;
+    EXPECT_EQ(expected, FactsText(*script)) << name;
     auto const capture = Recorded(recorder, tree.At("/first"));
-    EXPECT_EQ(FactsText(*capture), expected) << row.name;
+    EXPECT_EQ(FactsText(*capture), expected) << name;
 
     machine::Recorder again(capture);
     again.RecordEverything();
     FactsText(*again.RecordingMachine());
-    EXPECT_EQ(FactsText(*Recorded(again, tree.At("/second"))), expected) << row.name;
+    EXPECT_EQ(FactsText(*Recorded(again, tree.At("/second"))), expected) << name;
   }
 }
 
@@ -100,7 +90,7 @@ void MakeFiles(RecordedTree const& tree) {
   tree.Link("/folder/out", "../../../../../../etc/passwd");
   tree.Link("/folder/loop", "loop");
   tree.Write("/etc/passwd", "root:x:0:0::/:/bin/sh\nann:x:7:7::/home/ann:\n");
-  ::mkfifo(tree.At("/pipe").c_str(), 0600);
+  tree.MakeFifo("/pipe");
   tree.Write("/secret/file", "read by nobody but root");
   tree.Write("/secret/folder/file", "");
   ::chmod(tree.At("/secret/file").c_str(), 0);
@@ -143,11 +133,11 @@ TEST(Recorder, WhatWasNotAskedIsNotRecorded) {
   tree.Write("/folder/file", "0123456789");
   tree.Write("/attributes/file", "data");
   tree.Link("/folder/link", "file");
-  ScriptedMachine script;
-  FillIn(script);
+  auto const script = std::make_shared<ScriptedMachine>();
+  FillInAll(*script);
   auto const files = tree.Machine();
-  script.files = {files, &files->Files()};
-  machine::Recorder recorder(Borrowed(script));
+  script->files = {files, &files->Files()};
+  machine::Recorder recorder(script);
   auto const asked = recorder.RecordingMachine();
   asked->Environment().Variable("HOME");
   asked->Processes().ProcessWithPid(77);
@@ -157,18 +147,17 @@ TEST(Recorder, WhatWasNotAskedIsNotRecorded) {
     while (*(*folder)->Next(machine::Detail::kKind) != nullptr) continue;
   }
   auto const capture = Recorded(recorder, captures.At("/capture"));
-  EXPECT_EQ(capture->Environment().Variable("HOME").value(), "/home/ann");
-  EXPECT_EQ(capture->Environment().Variable("EMPTY").absence().where, "not recorded");
-  EXPECT_EQ(capture->Environment().VariableNames().absence().where, "not recorded");
-  EXPECT_EQ(capture->Processes().ProcessWithPid(77)->pid, 77);
-  EXPECT_EQ(capture->Processes().ProcessWithPid(1).absence().where, "not recorded");
-  EXPECT_EQ(capture->Processes().AllProcesses().absence().where, "not recorded");
-  EXPECT_EQ(capture->Names().HostName().absence().where, "not recorded");
-
   machine::FileSource const& copies = capture->Files();
+  EXPECT_EQ(capture->Environment().Variable("HOME").value(), "/home/ann");
+  EXPECT_EQ(capture->Processes().ProcessWithPid(77)->pid, 77);
   EXPECT_EQ(copies.Status("/folder/file", Links::kFollow)->bytes, 10u);
   EXPECT_EQ(std::filesystem::file_size(captures.At("/capture/root/folder/file")), 10u);
   machine::Absence const absences[] = {
+      capture->Environment().Variable("EMPTY").absence(),
+      capture->Environment().VariableNames().absence(),
+      capture->Processes().ProcessWithPid(1).absence(),
+      capture->Processes().AllProcesses().absence(),
+      capture->Names().HostName().absence(),
       copies.Describe("/folder/file", Links::kFollow).absence(),
       copies.ReadFile("/folder/file", 100).absence(),
       copies.Status("/folder/link", Links::kKeep).absence(),
@@ -176,8 +165,9 @@ TEST(Recorder, WhatWasNotAskedIsNotRecorded) {
       copies.Status("/attributes/file", Links::kKeep).absence(),
       copies.Space("/folder/file").absence(),
       copies.UserName(0).absence(),
+      capture->Volumes().Volumes().absence(),
   };
-  for (machine::Absence const& absence : absences) EXPECT_EQ(absence.where, "not recorded");
+  for (auto const& absence : absences) EXPECT_EQ(absence.where, "not recorded") << absence.source;
   EXPECT_EQ(copies.Status("/attributes/none", Links::kKeep).absence().where, "");
   AnnouncementLog log;
   copies.Status("/folder/link", Links::kKeep);
@@ -196,7 +186,7 @@ TEST(Recorder, ContentsStayWithinTheLimit) {
   auto const asked = recorder.RecordingMachine();
   asked->Files().Status("/", Links::kKeep);
   for (char const* path : {"/a", "/b", "/c", "/a", "/d", "/e"}) {
-    auto const file = asked->Files().OpenFork(path, Fork::kData, machine::Access::kRead);
+    auto const file = asked->Files().OpenFork(path, machine::Fork::kData, machine::Access::kRead);
     char byte = 0;
     EXPECT_EQ(file && (*file)->ReadAt(0, &byte, 1).value() == 1, path[1] < 'd') << path;
   }
@@ -217,8 +207,7 @@ TEST(Recorder, ContentsStayWithinTheLimit) {
 
 TEST(Recorder, LeavesACaptureThatTellsThatItWasBrokenOff) {
   RecordedTree tree;
-  ScriptedMachine script;
-  machine::Recorder const recorder(Borrowed(script));
+  machine::Recorder const recorder(std::make_shared<ScriptedMachine>());
   auto const fail = [](machine::Record const&) -> machine::Fact<std::string> {
     return machine::Absence{Outcome::kMalformed, "writer", "failed"};
   };

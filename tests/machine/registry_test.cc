@@ -16,7 +16,6 @@ using machine::Outcome;
 using machine::SharedRegistryNode;
 using testing::ElementsAre;
 using testing::IsEmpty;
-using testing::UnorderedElementsAre;
 
 class LiveRegistry : public OnRecordedTree {
  protected:
@@ -52,7 +51,8 @@ TEST_F(LiveRegistry, HasThePlanesThatHaveDevices) {
   EXPECT_EQ(TextOf((*machine->Registry().Root())->Properties()),
             "{IORegistryPlanes={IOAudio='IOAudio' IODeviceTree='IODeviceTree' "
             "IOFireWire='IOFireWire' IOPower='IOPower' IOService='IOService' IOUSB='IOUSB'}}");
-  EXPECT_THAT(PathsBelow("IOService", "/"), UnorderedElementsAre("/pci0000:00", "/platform"));
+  EXPECT_THAT(PathsBelow("IOService", "/"),
+              testing::UnorderedElementsAre("/pci0000:00", "/platform"));
   EXPECT_THAT(PathsBelow("IOUSB", "/"), ElementsAre("/usb1"));
   EXPECT_THAT(PathsBelow("IOUSB", "/usb1/1-2"), ElementsAre("/usb1/1-2/1-2:1.0"));
   EXPECT_THAT(PathsBelow("IOUSB", "/usb1/1-2/1-2:1.0"), IsEmpty());
@@ -70,8 +70,8 @@ TEST_F(LiveRegistry, ClassesAndPropertiesGoBySubsystem) {
   } const cases[] = {
       {"/pci0000:00", "IOService", "{}"},
       {"/pci0000:00/0000:00:14.0", "IOPCIDevice",
-       "{class-code=<30030c00> class=787248 device-id=<311e0000> device=7729 irq=26 "
-       "vendor-id=<86800000> vendor=32902}"},
+       "{class=787248 class-code=<30030c00> device=7729 device-id=<311e0000> irq=26 vendor=32902 "
+       "vendor-id=<86800000>}"},
       {"/pci0000:00/0000:00:14.0/usb1/1-2", "IOUSBDevice",
        "{USB Product Name='DataTraveler 3.0' USB Serial Number='0012' USB Vendor Name='Kingston' "
        "idProduct=5734 idVendor=2385 manufacturer='Kingston' product='DataTraveler 3.0' "
@@ -117,7 +117,7 @@ TEST_F(LiveRegistry, OnlyHarmlessTextOfAttributesIsTaken) {
   ::chmod(tree.At("/sys/devices/a/ro").c_str(), 0640);
   tree.Link("/sys/devices/a/range", "uevent");
   ::mkfifo(tree.At("/sys/devices/a/start").c_str(), 0644);
-  std::filesystem::create_directory(tree.At("/sys/devices/a/hidden"));
+  tree.MakeFolder("/sys/devices/a/hidden");
   AnnouncementLog log;
   EXPECT_EQ(PropertiesAt("IOService", "/a"), "{BSD Name='a'}");
   EXPECT_THAT(log.entries,
@@ -151,14 +151,13 @@ TEST_F(LiveRegistry, EveryPathLeadsBack) {
   for (char const* plane :
        {"IOService", "IODeviceTree", "IOUSB", "IOPower", "IOAudio", "IOFireWire"}) {
     std::vector<SharedRegistryNode> nodes = {NodeAt(plane, "/")};
-    while (!nodes.empty()) {
+    for (; !nodes.empty(); ++visited) {
       auto const node = nodes.back();
       nodes.pop_back();
       auto const again = NodeAt(plane, *node->PathIn(plane));
       ASSERT_NE(again, nullptr) << *node->PathIn(plane);
       EXPECT_EQ(again->Identity(), node->Identity());
       for (auto const& child : ChildrenOf(*node, plane)) nodes.push_back(child);
-      ++visited;
     }
   }
   EXPECT_EQ(visited, count + 1 + 7 + 12);

@@ -1,34 +1,10 @@
 // The registry as text, for expectations and for comparing machines.
 #pragma once
 
-#include <algorithm>
 #include <string>
 #include <vector>
 
-#include "machine/registry.h"
-
-inline std::string TextOf(machine::Record const& record) {
-  using namespace machine;
-  if (auto const* truth = record.As<bool>()) return *truth ? "yes" : "no";
-  if (auto const* number = record.As<std::int64_t>()) return std::to_string(*number);
-  if (auto const* number = record.As<std::uint64_t>()) return std::to_string(*number) + "u";
-  if (auto const* text = record.As<std::string>()) return "'" + *text + "'";
-  if (auto const* entries = record.As<RecordDictionary>()) {
-    std::vector<std::string> lines;
-    for (auto const& [key, value] : entries->entries()) lines.push_back(key + "=" + TextOf(value));
-    std::sort(lines.begin(), lines.end());
-    std::string text = "{";
-    for (std::string const& line : lines) text += (text.size() > 1 ? " " : "") + line;
-    return text + "}";
-  }
-  if (auto const* bytes = record.As<RecordBytes>()) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string text = "<";
-    for (unsigned char byte : bytes->content) text += {kDigits[byte >> 4], kDigits[byte & 15]};
-    return text + ">";
-  }
-  return "?";
-}
+#include "tests/machine/machine_text.h"
 
 template <typename Value>
 std::string TextOf(machine::Fact<Value> const& fact) {

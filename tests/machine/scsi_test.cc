@@ -8,10 +8,9 @@ namespace {
 
 using machine::Machine;
 using machine::Outcome;
-using machine::ScsiBus;
 using testing::ElementsAre;
 
-std::string Text(ScsiBus const& bus) {
+std::string Text(machine::ScsiBus const& bus) {
   return std::to_string(bus.version) + " " + std::to_string(bus.feature_flags) + " " +
          std::to_string(bus.adapter_inquiry);
 }
@@ -44,9 +43,8 @@ TEST(LiveScsi, BusesAreTheHostsAndTargetsThoseOfTheirFirstChannel) {
   EXPECT_THAT(*machine->Scsi().TargetNumbers(0), ElementsAre(0, 9, 11));
   EXPECT_EQ(machine->Scsi().Inquiry(0, 11).value(), kDisk);
   EXPECT_EQ(machine->Scsi().Inquiry(0, 9).outcome(), Outcome::kMalformed);
-  for (int target : {1, 3, 4}) {
-    EXPECT_EQ(machine->Scsi().Inquiry(0, static_cast<std::uint8_t>(target)).outcome(),
-              Outcome::kAbsent);
+  for (std::uint8_t const target : {1, 3, 4}) {
+    EXPECT_EQ(machine->Scsi().Inquiry(0, target).outcome(), Outcome::kAbsent);
   }
 }
 
@@ -76,54 +74,44 @@ TEST(LiveScsi, OnlyWhatParallelTargetsAgreedUponTellsOfWidthAndSpeed) {
 }
 
 TEST(CapturedScsi, WhatIsMalformedOrMissingSaysSo) {
-  using namespace std::string_literals;
-  static constexpr char kBuses[] = "<key>SCSIBuses</key>";
-  static constexpr char kTarget[] = "<key>Target</key><integer>3</integer>";
-  auto const bus = [](std::string const& entries) {
-    return kBuses + ("<array><dict>" + entries) + "</dict></array>";
+  using enum Outcome;
+  auto const buses = [](std::string const& value) { return "<key>SCSIBuses</key>" + value; };
+  auto const bus = [&buses](std::string const& entries) {
+    return buses("<array><dict>" + entries + "</dict></array>");
   };
   auto const targets = [&bus](std::string const& entries) {
     return bus("<key>Targets</key><array><dict>" + entries + "</dict></array>");
+  };
+  auto const target = [&targets](std::string const& entries) {
+    return targets("<key>Target</key><integer>3</integer>" + entries);
   };
   struct {
     char const* name;
     std::string entries;
     Outcome of_bus, of_target;  // bus 0, target 3
   } const cases[] = {
-      {"nothing", "", Outcome::kAbsent, Outcome::kAbsent},
+      {"nothing", "", kAbsent, kAbsent},
       {"a reason",
        "<key>Absent</key><dict><key>SCSIBuses.0.3</key><string>timed out</string>"
        "<key>SCSIBuses</key><string>permission refused</string></dict>",
-       Outcome::kPermissionRefused, Outcome::kTimedOut},
-      {"no array", kBuses + "<dict/>"s, Outcome::kMalformed, Outcome::kMalformed},
-      {"no bus", kBuses + "<array/>"s, Outcome::kAbsent, Outcome::kAbsent},
-      {"a bus that is text", kBuses + "<array><string>bus</string></array>"s, Outcome::kMalformed,
-       Outcome::kMalformed},
-      {"a gap", bus("<key>Reason</key><string>timed out</string>"), Outcome::kTimedOut,
-       Outcome::kTimedOut},
-      {"an empty bus", bus(""), Outcome::kAnswered, Outcome::kAbsent},
-      {"a large version", bus("<key>Version</key><integer>256</integer>"), Outcome::kMalformed,
-       Outcome::kAbsent},
-      {"negative flags", bus("<key>FeatureFlags</key><integer>-1</integer>"), Outcome::kMalformed,
-       Outcome::kAbsent},
-      {"a text as inquiry", bus("<key>HBAInquiry</key><string>32</string>"), Outcome::kMalformed,
-       Outcome::kAbsent},
-      {"targets that are none", bus("<key>Targets</key><integer>3</integer>"), Outcome::kAnswered,
-       Outcome::kMalformed},
-      {"a target without number", targets("<key>Inquiry</key><data>AAA=</data>"),
-       Outcome::kAnswered, Outcome::kMalformed},
-      {"a large target", targets("<key>Target</key><integer>259</integer>"), Outcome::kAnswered,
-       Outcome::kMalformed},
-      {"another target", targets("<key>Target</key><integer>4</integer>"), Outcome::kAnswered,
-       Outcome::kAbsent},
-      {"a target without data", targets(kTarget), Outcome::kAnswered, Outcome::kMalformed},
-      {"empty data", targets(kTarget + std::string("<key>Inquiry</key><data></data>")),
-       Outcome::kAnswered, Outcome::kMalformed},
-      {"a target with a reason",
-       targets(kTarget + std::string("<key>Reason</key><string>timed out</string>")),
-       Outcome::kAnswered, Outcome::kTimedOut},
-      {"data", targets(kTarget + std::string("<key>Inquiry</key><data>AAA=</data>")),
-       Outcome::kAnswered, Outcome::kAnswered},
+       kPermissionRefused, kTimedOut},
+      {"no array", buses("<dict/>"), kMalformed, kMalformed},
+      {"no bus", buses("<array/>"), kAbsent, kAbsent},
+      {"a bus that is text", buses("<array><string>bus</string></array>"), kMalformed, kMalformed},
+      {"a gap", bus("<key>Reason</key><string>timed out</string>"), kTimedOut, kTimedOut},
+      {"an empty bus", bus(""), kAnswered, kAbsent},
+      {"a large version", bus("<key>Version</key><integer>256</integer>"), kMalformed, kAbsent},
+      {"negative flags", bus("<key>FeatureFlags</key><integer>-1</integer>"), kMalformed, kAbsent},
+      {"a text as inquiry", bus("<key>HBAInquiry</key><string>32</string>"), kMalformed, kAbsent},
+      {"no list of targets", bus("<key>Targets</key><integer>3</integer>"), kAnswered, kMalformed},
+      {"no target number", targets("<key>Inquiry</key><data>AAA=</data>"), kAnswered, kMalformed},
+      {"a large target", targets("<key>Target</key><integer>259</integer>"), kAnswered, kMalformed},
+      {"another target", targets("<key>Target</key><integer>4</integer>"), kAnswered, kAbsent},
+      {"a target without data", target(""), kAnswered, kMalformed},
+      {"empty data", target("<key>Inquiry</key><data></data>"), kAnswered, kMalformed},
+      {"a silent target", target("<key>Reason</key><string>timed out</string>"), kAnswered,
+       kTimedOut},
+      {"data", target("<key>Inquiry</key><data>AAA=</data>"), kAnswered, kAnswered},
   };
   for (auto const& row : cases) {
     RecordedTree tree;
@@ -139,22 +127,21 @@ TEST(CapturedScsi, WhatIsMalformedOrMissingSaysSo) {
 // Everything that can be asked of the buses, on a line each.
 std::vector<std::string> Answers(Machine const& machine) {
   std::vector<std::string> answers;
-  auto const add = [&answers](std::string const& what, auto const& fact, auto&& text) {
-    answers.push_back(what + ": " +
-                      (fact ? text(*fact) : std::string(NameOf(fact.absence().reason))));
-  };
   for (std::uint8_t const bus : {0, 1, 2, 9, 10, 255}) {
-    add(std::to_string(bus), machine.Scsi().Bus(bus), Text);
+    std::string const name = std::to_string(bus);
+    auto const told = machine.Scsi().Bus(bus);
+    answers.push_back(name + ": " + (told ? Text(*told) : std::string(NameOf(told.outcome()))));
     for (std::uint8_t const target : {0, 3, 7}) {
-      add(std::to_string(bus) + ":" + std::to_string(target), machine.Scsi().Inquiry(bus, target),
-          [](std::string const& data) { return data; });
+      auto const data = machine.Scsi().Inquiry(bus, target);
+      answers.push_back(name + ":" + std::to_string(target) + ": " +
+                        (data ? *data : std::string(NameOf(data.outcome()))));
     }
   }
   return answers;
 }
 
 TEST(RecordedScsi, AnswersAsTheMachineDid) {
-  RecordedTree tree;
+  RecordedTree tree, captures;
   WriteHosts(tree);
   tree.Write("/sys/class/spi_transport/target2:0:3/width", "1\n");
   for (char const* device : {"0:0:0:0", "0:0:7:0", "2:0:3:0"}) WriteInquiry(tree, device, kDisk);
@@ -163,7 +150,6 @@ TEST(RecordedScsi, AnswersAsTheMachineDid) {
   ASSERT_EQ(std::ranges::count(expected, "2: 0 0 32"), 1);
   ASSERT_EQ(std::ranges::count(expected, "0:3: malformed"), 1);
 
-  RecordedTree captures;
   EXPECT_EQ(Answers(*RecordedWhole(tree.Machine(), captures.At("/everything"))), expected);
   machine::Recorder asked(tree.Machine());
   Answers(*asked.RecordingMachine());
@@ -171,10 +157,9 @@ TEST(RecordedScsi, AnswersAsTheMachineDid) {
 }
 
 TEST(RecordedScsi, TellsWhatWasNotAskedFromWhatIsNotThere) {
-  RecordedTree tree;
+  RecordedTree tree, captures;
   WriteHosts(tree);
   WriteInquiry(tree, "2:0:3:0", kDisk);
-  RecordedTree captures;
   machine::Recorder asked(tree.Machine());
   asked.RecordingMachine()->Scsi().Inquiry(2, 3);
   SharedMachine const few = Recorded(asked, captures.At("/asked"));

@@ -7,47 +7,21 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <map>
 #include <optional>
-#include <string>
 
-#include "machine/machine.h"
+#include "tests/machine/machine_text.h"
 #include "tests/machine/recorded_tree.h"
 #include "tests/support/scripted_machine.h"
 
 namespace {
 
-using machine::Record;
-
-std::string TextOf(Record const& record) {
-  std::string text;
-  if (auto const* entries = record.As<machine::RecordDictionary>()) {
-    for (auto const& [key, value] : entries->entries()) text += " " + key + "=" + TextOf(value);
-    return "{" + text + " }";
-  }
-  if (auto const* items = record.As<machine::RecordArray>()) {
-    std::vector<std::string> texts;
-    for (Record const& item : *items) texts.push_back("\n  " + TextOf(item));
-    std::sort(texts.begin(), texts.end());
-    for (std::string const& item : texts) text += item;
-    return "[" + text + " ]";
-  }
-  if (auto const* number = record.As<std::int64_t>()) return std::to_string(*number);
-  if (auto const* truth = record.As<bool>()) return *truth ? "yes" : "no";
-  if (auto const* string = record.As<std::string>()) return *string;
-  return "?";
-}
-
 // The answer, and on a line of its own what was announced, in the order of the names.
 std::string ConsoleText(machine::Machine const& machine) {
   AnnouncementLog log;
   auto const user = machine.Sessions().ConsoleUser();
-  std::string text = user
-                         ? TextOf(*user)
-                         : std::string(NameOf(user.absence().reason)) + ": " + user.absence().where;
+  std::string text =
+      user ? TextOf(*user) : std::string(NameOf(user.outcome())) + ": " + user.absence().where;
   text += '\n';
   std::sort(log.entries.begin(), log.entries.end());
   for (auto const& [source, outcome] : log.entries) {
@@ -60,85 +34,61 @@ using Files = std::map<std::string, std::string>;
 
 constexpr int kNotPermitted = 77;
 
-// Where nothing of the system's own is below /run, only these.
-void EnterSystemWith(Files const& files) {
-  bool const is_apart =
-      (::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0);
-  if (!is_apart || ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
-      ::mount("none", "/run", "tmpfs", 0, nullptr) != 0) {
-    ::_exit(kNotPermitted);
-  }
-  for (auto const& [name, content] : files) {
-    std::filesystem::path const path = "/run/systemd/" + name;
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path) << content;
-  }
-}
-
-// What the running machine says with these files of a login service; nothing where the system does
-// not let us try.
+// What the running machine says where only these files of a login service are below /run; nothing
+// where the system does not let us try.
 std::optional<std::string> AskWith(Files const& files) {
-  int ends[2];
-  if (::pipe(ends) != 0) return {};
+  RecordedTree const tree;
+  tree.MakeFolder("/run");
+  for (auto const& [name, content] : files) tree.Write("/run/systemd/" + name, content);
   pid_t const child = ::fork();
   if (child == 0) {
-    EnterSystemWith(files);
-    std::string const text = ConsoleText(*machine::MakeLiveMachine());
-    ::_exit(::write(ends[1], text.data(), text.size()) == static_cast<ssize_t>(text.size()) ? 0
-                                                                                            : 1);
+    bool const is_apart =
+        (::unshare(CLONE_NEWNS) == 0 || ::unshare(CLONE_NEWUSER | CLONE_NEWNS) == 0) &&
+        ::mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
+        ::mount(tree.At("/run").c_str(), "/run", nullptr, MS_BIND, nullptr) == 0;
+    if (!is_apart) ::_exit(kNotPermitted);
+    tree.Write("/text", ConsoleText(*machine::MakeLiveMachine()));
+    ::_exit(0);
   }
-  ::close(ends[1]);
-  std::string text;
-  char buffer[4096];
-  for (ssize_t size; (size = ::read(ends[0], buffer, sizeof buffer)) > 0;) {
-    text.append(buffer, static_cast<std::size_t>(size));
-  }
-  ::close(ends[0]);
   int status = 0;
   ::waitpid(child, &status, 0);
   if (WIFEXITED(status) && WEXITSTATUS(status) == kNotPermitted) return {};
   EXPECT_EQ(status, 0);
-  return text;
+  return tree.Read("/text");
 }
-
-struct Case {
-  char const* name;
-  Files files;
-  char const* expected;
-  char const* announced;
-};
 
 constexpr char kRoot[] = "UID=0\nCLASS=user\nSTATE=active\n";
 constexpr char kDaemon[] = "UID=1\nCLASS=user\nSTATE=online\n";
 
 TEST(Sessions, AreThoseOfTheLoginService) {
-  Case const cases[] = {
+  struct {
+    char const* name;
+    Files files;
+    std::string answer, announced;
+  } const cases[] = {
       {"no service", {{"sessions/5", kRoot}}, "absent: sd_get_seats", "login service absent; "},
-      {"nobody",
-       {{"seats/seat0", "IS_SEAT0=1\n"}},
-       "{ SessionInfo=[ ] }",
-       "login service answered; "},
+      {"nobody", {{"seats/seat0", "IS_SEAT0=1\n"}}, "{SessionInfo=[]}", "login service answered; "},
       {"two users",
        {{"seats/seat0", "ACTIVE=5\nACTIVE_UID=0\n"},
         {"sessions/5", kRoot},
         {"sessions/c3", kDaemon}},
-       "{ GID=0 Name=root SessionInfo=["
-       "\n  { kCGSSessionGroupIDKey=0 kCGSSessionIDKey=5 kCGSSessionOnConsoleKey=yes"
-       " kCGSSessionUserIDKey=0 kCGSSessionUserNameKey=root kCGSessionLoginDoneKey=yes }"
-       "\n  { kCGSSessionGroupIDKey=1 kCGSSessionIDKey=4294967299 kCGSSessionOnConsoleKey=no"
-       " kCGSSessionUserIDKey=1 kCGSSessionUserNameKey=daemon kCGSessionLoginDoneKey=yes } ]"
-       " UID=0 }",
+       "{GID=0 Name='root' SessionInfo=["
+       "{kCGSSessionGroupIDKey=0 kCGSSessionIDKey=5 kCGSSessionOnConsoleKey=yes"
+       " kCGSSessionUserIDKey=0 kCGSSessionUserNameKey='root' kCGSessionLoginDoneKey=yes}"
+       "{kCGSSessionGroupIDKey=1 kCGSSessionIDKey=4294967299 kCGSSessionOnConsoleKey=no"
+       " kCGSSessionUserIDKey=1 kCGSSessionUserNameKey='daemon' kCGSessionLoginDoneKey=yes}]"
+       " UID=0}",
        "getpwuid answered; getpwuid answered; login service answered; "},
       {"login screen",
        {{"seats/seat0", "ACTIVE=c1\n"}, {"sessions/c1", "UID=0\nCLASS=greeter\nSTATE=active\n"}},
-       "{ SessionInfo=[ ] }",
+       "{SessionInfo=[]}",
        "login service answered; "},
       {"a stranger who logs in",
        {{"seats/seat0", "ACTIVE=7\n"},
         {"sessions/7", "UID=4000000000\nCLASS=user\nSTATE=opening\n"}},
-       "{ SessionInfo=["
-       "\n  { kCGSSessionIDKey=7 kCGSSessionOnConsoleKey=yes kCGSSessionUserIDKey=4000000000"
-       " kCGSessionLoginDoneKey=no } ] UID=4000000000 }",
+       "{SessionInfo=["
+       "{kCGSSessionIDKey=7 kCGSSessionOnConsoleKey=yes kCGSSessionUserIDKey=4000000000"
+       " kCGSessionLoginDoneKey=no}] UID=4000000000}",
        "getpwuid absent; login service answered; "},
       {"odd ones",
        {{"seats/seat0", "ACTIVE=gone\n"},
@@ -149,14 +99,14 @@ TEST(Sessions, AreThoseOfTheLoginService) {
         {"sessions/8", "UID=many\nCLASS=user\n"},
         {"sessions/9", ""},
         {"sessions/10.ref", kRoot}},
-       "{ SessionInfo=[ ] }",
+       "{SessionInfo=[]}",
        "login service answered; session 99999999999999999999 not supported;"
        " session c not supported; session c4294967296 not supported; session x7 not supported; "},
   };
-  for (Case const& row : cases) {
+  for (auto const& row : cases) {
     auto const text = AskWith(row.files);
     if (!text) GTEST_SKIP() << "mounting is not permitted here";
-    EXPECT_EQ(*text, std::string(row.expected) + "\n" + row.announced) << row.name;
+    EXPECT_EQ(*text, row.answer + "\n" + row.announced) << row.name;
   }
 }
 
