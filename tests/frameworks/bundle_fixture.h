@@ -29,12 +29,6 @@ inline std::string Info(std::string const& version, std::string const& identifie
   return "{CFBundleVersion = \"" + version + "\"; CFBundleIdentifier = \"" + identifier + "\";}";
 }
 
-inline std::string TextOf(void const* value) {
-  if (value == nullptr) return "none";
-  if (CFGetTypeID(value) != CFStringGetTypeID()) return "no text";
-  return BytesOf(static_cast<CFStringRef>(value), kUtf8);
-}
-
 inline std::string Value(OwnedBundle const& bundle, char const* key) {
   return TextOf(CFBundleGetValueForInfoDictionaryKey(bundle.get(), Make(key, kUtf8).get()));
 }

@@ -38,6 +38,13 @@ inline std::string BytesOf(CFStringRef string, CFStringEncoding encoding, UInt8 
   return used == size ? bytes : "sizes differ";
 }
 
+// What a value is in UTF-8.
+inline std::string TextOf(CFTypeRef value) {
+  if (value == nullptr) return "none";
+  if (CFGetTypeID(value) != CFStringGetTypeID()) return "no text";
+  return BytesOf(static_cast<CFStringRef>(value), kCFStringEncodingUTF8);
+}
+
 inline Owned<CFDataRef> MakeBytes(std::string_view bytes) {
   return Owned<CFDataRef>(CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(bytes.data()),
                                        static_cast<CFIndex>(bytes.size())));

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
+#include <cstdint>
 #include <map>
 #include <random>
 #include <string>
@@ -30,9 +30,6 @@ OwnedNumber Wide(SInt64 high, UInt64 low) {
 
 OwnedNumber Real(double value) { return Number(kCFNumberFloat64Type, value); }
 
-constexpr SInt64 kMost = std::numeric_limits<SInt64>::max();
-constexpr SInt64 kLeast = std::numeric_limits<SInt64>::min();
-
 TEST(Number, TellsALossyConversion) {
   constexpr SInt32 kMostLong = 0x7FFFFFFF, kLeastLong = -kMostLong - 1;
   // In four bytes and in eight, each with whether it is exact, and whether it is as a double.
@@ -40,16 +37,16 @@ TEST(Number, TellsALossyConversion) {
       {Integer(-7), -7, true, -7, true, true},
       {Integer(0x7FFFFFFF), kMostLong, true, 0x7FFFFFFF, true, true},
       {Integer(0x80000000), kMostLong, false, 0x80000000, true, true},
-      {Integer(kLeast), kLeastLong, false, kLeast, true, true},
-      {Integer(kMost), kMostLong, false, kMost, true, false},
-      {Wide(0, UINT64_MAX), kMostLong, false, kMost, false, false},
-      {Wide(0, UINT64_C(1) << 63), kMostLong, false, kMost, false, true},
-      {Wide(-1, static_cast<UInt64>(kLeast)), kLeastLong, false, kLeast, true, true},
+      {Integer(INT64_MIN), kLeastLong, false, INT64_MIN, true, true},
+      {Integer(INT64_MAX), kMostLong, false, INT64_MAX, true, false},
+      {Wide(0, UINT64_MAX), kMostLong, false, INT64_MAX, false, false},
+      {Wide(0, UINT64_C(1) << 63), kMostLong, false, INT64_MAX, false, true},
+      {Wide(-1, static_cast<UInt64>(INT64_MIN)), kLeastLong, false, INT64_MIN, true, true},
       {Real(3.0), 3, true, 3, true, true},
       {Real(-3.75), -3, false, -3, false, true},
-      {Real(1e300), kMostLong, false, kMost, false, true},
-      {Real(-0x1p63), kLeastLong, false, kLeast, true, true},
-      {Real(0x1p63), kMostLong, false, kMost, false, true},
+      {Real(1e300), kMostLong, false, INT64_MAX, false, true},
+      {Real(-0x1p63), kLeastLong, false, INT64_MIN, true, true},
+      {Real(0x1p63), kMostLong, false, INT64_MAX, false, true},
       {Real(std::nan("")), 0, false, 0, false, true},
       {Number(kCFNumberFloat32Type, 0.5f), 0, false, 0, false, true},
   };
@@ -80,9 +77,9 @@ TEST(Number, TellsALossyConversion) {
 TEST(Number, IsEqualAndOrderedByValueWhateverItsType) {
   std::pair<int, OwnedNumber> const ranked[] = {{0, Real(std::nan(""))},
                                                 {1, Real(-INFINITY)},
-                                                {2, Integer(kLeast)},
+                                                {2, Integer(INT64_MIN)},
                                                 {3, Integer(-3)},
-                                                {3, Number(kCFNumberSInt8Type, SInt8{-3})},
+                                                {3, Number(kCFNumberSInt8Type, SInt8(-3))},
                                                 {4, Real(-0.5)},
                                                 {5, Integer(0)},
                                                 {5, Real(0.0)},
@@ -92,7 +89,7 @@ TEST(Number, IsEqualAndOrderedByValueWhateverItsType) {
                                                 {7, Real(5)},
                                                 {8, Integer((1L << 53) + 1)},
                                                 {9, Real(0x1p53 + 2)},
-                                                {10, Integer(kMost)},
+                                                {10, Integer(INT64_MAX)},
                                                 {11, Real(0x1p63)},
                                                 {11, Wide(0, UINT64_C(1) << 63)},
                                                 {12, Wide(0, (UINT64_C(1) << 63) + 1)},

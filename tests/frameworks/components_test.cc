@@ -129,11 +129,6 @@ TEST(CapturedComponents, LeaveOutTheMalformedOnes) {
       EXPECT_EQ(log.entries.size(), 2u);
     }
   }
-  RecordedTree tree;
-  auto const capture = with(tree, codes + "</dict><dict>" + codes);
-  AnnouncementLog log;
-  EXPECT_EQ((*capture->Components().Components())->size(), 2u);
-  EXPECT_EQ(log.entries.size(), 1u);
 }
 
 TEST(Handles, GrowShrinkAndAreEmptied) {

@@ -70,27 +70,21 @@ class DirectoryService : public OnScriptedMachine {
     tAttributeListRef list = 0;
     tRecordEntryPtr entry = nullptr;
     tDirStatus status = dsGetRecordEntry(node, buffer.get(), record, &list, &entry);
-    if (status != eDSNoErr) return status;
-    for (UInt32 i = 1; i <= entry->fRecordAttributeCount && status == eDSNoErr; ++i) {
-      status = ReadAttribute(list, i);
+    for (UInt32 i = 1; status == eDSNoErr && i <= entry->fRecordAttributeCount; ++i) {
+      tAttributeValueListRef value_list = 0;
+      tAttributeEntryPtr attribute = nullptr;
+      status = dsGetAttributeEntry(node, buffer.get(), list, i, &value_list, &attribute);
+      for (UInt32 j = 1; status == eDSNoErr && j <= attribute->fAttributeValueCount; ++j) {
+        tAttributeValueEntryPtr value = nullptr;
+        status = dsGetAttributeValue(node, buffer.get(), j, value_list, &value);
+        if (status == eDSNoErr) values.push_back(BytesOf(value->fAttributeValueData));
+        dsDeallocAttributeValueEntry(service, value);
+      }
+      dsDeallocAttributeEntry(service, attribute);
+      dsCloseAttributeValueList(value_list);
     }
     dsDeallocRecordEntry(service, entry);
     dsCloseAttributeList(list);
-    return status;
-  }
-  tDirStatus ReadAttribute(tAttributeListRef list, UInt32 index) {
-    tAttributeValueListRef value_list = 0;
-    tAttributeEntryPtr entry = nullptr;
-    tDirStatus status = dsGetAttributeEntry(node, buffer.get(), list, index, &value_list, &entry);
-    if (status != eDSNoErr) return status;
-    for (UInt32 i = 1; i <= entry->fAttributeValueCount && status == eDSNoErr; ++i) {
-      tAttributeValueEntryPtr value = nullptr;
-      status = dsGetAttributeValue(node, buffer.get(), i, value_list, &value);
-      if (status == eDSNoErr) values.push_back(BytesOf(value->fAttributeValueData));
-      dsDeallocAttributeValueEntry(service, value);
-    }
-    dsDeallocAttributeEntry(service, entry);
-    dsCloseAttributeValueList(value_list);
     return status;
   }
 

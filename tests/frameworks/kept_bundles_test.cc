@@ -2,7 +2,6 @@
 #include <ctime>
 #include <filesystem>
 #include <thread>
-#include <vector>
 
 #include "tests/frameworks/bundle_fixture.h"
 
@@ -161,10 +160,9 @@ TEST_F(KeptBundles, AreForgottenAfterHundredsOfOthersUnlessHeld) {
   EXPECT_EQ(WithIdentifier("1"), nullptr);
   EXPECT_NE(WithIdentifier("299"), nullptr);
   // Large ones take the place of many.
-  for (char const* name : {"large", "larger"}) {
-    tree_.Write(std::string("/") + name + "/Info.plist",
-                Info("1", name) + std::string(5'000'000, ' '));
-    EXPECT_NE(Open(std::string("/") + name), nullptr);
+  for (std::string const name : {"large", "larger"}) {
+    tree_.Write("/" + name + "/Info.plist", Info("1", name) + std::string(5'000'000, ' '));
+    EXPECT_NE(Open("/" + name), nullptr);
   }
   EXPECT_EQ(WithIdentifier("299"), nullptr);
   EXPECT_EQ(WithIdentifier("large"), nullptr);

@@ -22,16 +22,11 @@ constexpr char kOfUser[] = "/home/ada/Library/Preferences/app.plist";
 constexpr char kOfAll[] = "/Library/Preferences/app.plist";
 constexpr char kGlobal[] = "/Library/Preferences/.GlobalPreferences.plist";
 
-std::string Text(CFTypeRef value) {
-  if (value == nullptr) return "none";
-  return BytesOf(static_cast<CFStringRef>(value), kCFStringEncodingUTF8);
-}
-
 OwnedObject Copy(std::string const& application = "app") {
   OwnedString const name = Make(application, kCFStringEncodingUTF8);
   return OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), name.get()));
 }
-std::string Read(std::string const& application = "app") { return Text(Copy(application).get()); }
+std::string Read(std::string const& application = "app") { return TextOf(Copy(application).get()); }
 
 class Preferences : public OnScriptedMachine {
  protected:
@@ -65,11 +60,11 @@ TEST_F(Preferences, ComeFromTheFirstFileThatHasTheKey) {
       {kGlobal, every, any, host},
   };
   for (auto const& row : rows) Write(std::get<0>(row), std::get<0>(row));
-  EXPECT_EQ(Text(OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), every)).get()), global);
+  EXPECT_EQ(TextOf(OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), every)).get()), global);
   for (auto const& [path, application, user, of_host] : rows) {
     EXPECT_EQ(Read(), path);
     OwnedObject const alone(CFPreferencesCopyValue(CFSTR("key"), application, user, of_host));
-    EXPECT_EQ(Text(alone.get()), path);
+    EXPECT_EQ(TextOf(alone.get()), path);
     tree_.Write(path, "{ other = \"\"; }");
   }
   EXPECT_EQ(Read(), "none");
@@ -173,7 +168,7 @@ TEST_F(Preferences, AreReadAgainWhenTheirFileChanges) {
   EXPECT_EQ(Read(), "six");
   std::filesystem::remove(tree_.At(kOfUser));
   EXPECT_EQ(Read(), "none");
-  EXPECT_EQ(Text(first.get()), "one");
+  EXPECT_EQ(TextOf(first.get()), "one");
   EXPECT_EQ(CFGetRetainCount(first.get()), 1);
 }
 
@@ -205,7 +200,8 @@ TEST_F(Preferences, KeptAreOnlyThoseReadLast) {
   EXPECT_EQ(log.bytes, 0u);
   EXPECT_EQ(Read(name(0)), name(0));
   EXPECT_GT(log.bytes, 0u);
-  for (int i = 0; i < 100; ++i) EXPECT_EQ(Text(values[static_cast<std::size_t>(i)].get()), name(i));
+  for (int i = 0; i < 100; ++i)
+    EXPECT_EQ(TextOf(values[static_cast<std::size_t>(i)].get()), name(i));
 }
 
 }  // namespace

@@ -32,11 +32,9 @@ std::string const kSources[] = {
 
 // One edit: a byte or a bit changed, a piece taken out, or a piece repeated elsewhere.
 void Damage(std::string& text, std::mt19937& random) {
-  auto const below = [&](std::size_t bound) {
-    return bound == 0 ? 0 : static_cast<std::size_t>(random()) % bound;
-  };
-  std::size_t const at = below(text.size());
   if (text.empty()) return;
+  auto const below = [&](std::size_t bound) { return static_cast<std::size_t>(random()) % bound; };
+  std::size_t const at = below(text.size());
   switch (random() % 5) {
     case 0:
       text[at] = static_cast<char>(random());
@@ -81,10 +79,9 @@ TEST(DamagedPropertyList, IsReadOrRefusedButNeverHarmful) {
 }
 
 TEST(DamagedPropertyList, IsRefusedWhereverItIsCutOff) {
-  std::string const text = kSources[0];
-  EXPECT_EQ(PrintParsed(text)[0], '{');
-  for (std::size_t size = 1; size < text.size(); ++size) {
-    EXPECT_EQ(PrintParsed(text.substr(0, size))[0], '!') << size;
+  EXPECT_EQ(PrintParsed(kSources[0])[0], '{');
+  for (std::size_t size = 1; size < kSources[0].size(); ++size) {
+    EXPECT_EQ(PrintParsed(kSources[0].substr(0, size))[0], '!') << size;
   }
 }
 
@@ -124,29 +121,28 @@ double PeakOfReading(std::string const& bytes) {
 // what they are.
 TEST(PropertyList, TakesLittleMemory) {
   if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
-  constexpr double kNone = -1;
   struct {
     char const *name, *head, *piece, *foot;
-    double objects;  // of the root's references in the binary form; none to leave that form out
+    double objects;  // of the root's references in the binary form; negative to leave it out
   } const rows[] = {
       {"settings", "<array>",
        "<dict>\n\t<key>Label</key>\n\t<string>org.example.service</string>\n"
        "\t<key>KeepAlive</key>\n\t<true/>\n\t<key>Nice</key>\n"
        "\t<integer>20000</integer>\n</dict>\n",
-       "</array>", kNone},
-      {"one string", "<string>", "text ", "</string>", kNone},
-      {"one string with one accent", "<string>\xC3\xA9", "text ", "</string>", kNone},
-      {"data", "<data>", "AAAA\n", "</data>", kNone},
-      {"empty containers", "<array>", "<array/><dict/>", "</array>", kNone},
-      {"small numbers", "<array>", "<integer>1</integer>", "</array>", kNone},
+       "</array>", -1},
+      {"one string", "<string>", "text ", "</string>", -1},
+      {"one string with one accent", "<string>\xC3\xA9", "text ", "</string>", -1},
+      {"data", "<data>", "AAAA\n", "</data>", -1},
+      {"empty containers", "<array>", "<array/><dict/>", "</array>", -1},
+      {"small numbers", "<array>", "<integer>1</integer>", "</array>", -1},
       {"numbers", "<array>", "<integer>#</integer>", "</array>", 1},
       {"booleans", "<array>", "<true/>", "</array>", 0},
       {"short keys", "<dict>", "<key>#</key><true/>", "</dict>", 0.5},
-      {"short reals", "<array>", "<real>#</real>", "</array>", kNone},
+      {"short reals", "<array>", "<real>#</real>", "</array>", -1},
       {"short strings", "<array>", "<string>#</string>", "</array>", 1},
-      {"no data", "<array>", "<data/>", "</array>", kNone},
-      {"a byte of data", "<array>", "<data>AA==</data>", "</array>", kNone},
-      {"arrays of one", "<array>", "<array><true/></array>", "</array>", kNone},
+      {"no data", "<array>", "<data/>", "</array>", -1},
+      {"a byte of data", "<array>", "<data>AA==</data>", "</array>", -1},
+      {"arrays of one", "<array>", "<array><true/></array>", "</array>", -1},
   };
   for (auto const& row : rows) {
     SCOPED_TRACE(row.name);
@@ -154,7 +150,7 @@ TEST(PropertyList, TakesLittleMemory) {
     double const grown = PeakOfReading(text);
     EXPECT_GT(grown, 0);
     EXPECT_LE(grown, 4 * static_cast<double>(text.size()));
-    if (row.objects == kNone) continue;
+    if (row.objects < 0) continue;
     OwnedObject data(CFPropertyListCreateData(nullptr, Parsed(text).get(),
                                               kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
     std::string const bytes = BytesOfData(data.get());

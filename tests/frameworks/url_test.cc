@@ -166,8 +166,7 @@ TEST(URL, SpeaksHfsPathsOfTheMountedVolumes) {
       {"/media/My Disk/in:side/f", "in/side:f"},
       {"/again/f", "System:again:f"},
       {"/bound/f", "System:bound:f"},
-      {"/a/../b", "System:a::b"},
-  };
+      {"/a/../b", "System:a::b"}};
   for (auto const& [posix, hfs] : rows) {
     SCOPED_TRACE(posix);
     EXPECT_EQ(PathOf(OfPath(posix), kCFURLHFSPathStyle), hfs);
