@@ -2,18 +2,15 @@
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
-#include <gtest/gtest.h>
 
-#include <map>
-#include <memory>
 #include <string>
 
 #include "tests/frameworks/cf_text.h"
 #include "tests/machine/recorded_tree.h"
 #include "tests/support/big_endian_text.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 
-using OwnedBundle = std::unique_ptr<__CFBundle, Releaser>;
+using OwnedBundle = Owned<CFBundleRef>;
 
 inline constexpr CFStringEncoding kUtf8 = kCFStringEncodingUTF8;
 
@@ -32,12 +29,6 @@ inline std::string Info(std::string const& version, std::string const& identifie
   return "{CFBundleVersion = \"" + version + "\"; CFBundleIdentifier = \"" + identifier + "\";}";
 }
 
-inline std::string TextOf(void const* value) {
-  if (value == nullptr) return "none";
-  if (CFGetTypeID(value) != CFStringGetTypeID()) return "no text";
-  return BytesOf(static_cast<CFStringRef>(value), kUtf8);
-}
-
 inline std::string Value(OwnedBundle const& bundle, char const* key) {
   return TextOf(CFBundleGetValueForInfoDictionaryKey(bundle.get(), Make(key, kUtf8).get()));
 }
@@ -52,17 +43,10 @@ inline CFBundleRef WithIdentifier(char const* identifier) {
   return CFBundleGetBundleWithIdentifier(Make(identifier, kUtf8).get());
 }
 
-class BundleTest : public testing::Test {
+class BundleTest : public OnScriptedMachine {
  protected:
-  // A machine that has the tree's files and this environment.
-  void Use(std::map<std::string, std::string> environment) {
-    auto const scripted = std::make_shared<ScriptedMachine>();
-    scripted->files = {machine_, &machine_->Files()};
-    scripted->environment = std::move(environment);
-    machine::SetCurrentMachine(scripted);
-  }
+  BundleTest() { machine_->files = {tree_machine_, &tree_machine_->Files()}; }
 
   RecordedTree tree_;
-  std::shared_ptr<machine::Machine const> machine_ = tree_.Machine();
-  MachineInUse use_{machine_};
+  std::shared_ptr<machine::Machine const> tree_machine_ = tree_.Machine();
 };

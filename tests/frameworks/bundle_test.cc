@@ -1,4 +1,5 @@
 #include <filesystem>
+#include <map>
 #include <sstream>
 #include <vector>
 
@@ -19,19 +20,16 @@ TEST_F(BundleTest, IsAFolderOfOneOfTheLayouts) {
   tree_.Link("/outside/Contents/Info.plist", "../../../../../../../../../etc/passwd");
   tree_.Write("/plain/Contents/Resources/file", "");
   tree_.Link("/linked", "application");
-  std::pair<char const*, char const*> const rows[] = {
-      {"/application", "1"},
-      {"/application/", "1"},
-      {"/application/Contents/", "1"},
-      {"/linked", "1"},
-      {"/support", "2"},
-      {"/flat", "3"},
-      {"/tool.framework", "4"},
-      {"/tool.framework/Versions/A", "4"},
-      {"/absolute.framework", "4"},
-      {"/package", "none"},
-  };
-  for (auto const& [path, version] : rows) {
+  for (auto const& [path, version] : {std::pair("/application", "1"),
+                                      {"/application/", "1"},
+                                      {"/application/Contents/", "1"},
+                                      {"/linked", "1"},
+                                      {"/support", "2"},
+                                      {"/flat", "3"},
+                                      {"/tool.framework", "4"},
+                                      {"/tool.framework/Versions/A", "4"},
+                                      {"/absolute.framework", "4"},
+                                      {"/package", "none"}}) {
     SCOPED_TRACE(path);
     OwnedBundle const bundle = Open(path);
     EXPECT_TRUE(CFBundleGetPackageInfoInDirectory(UrlOf(path).get(), nullptr, nullptr));
@@ -53,25 +51,21 @@ TEST_F(BundleTest, IsAFolderOfOneOfTheLayouts) {
 }
 
 TEST_F(BundleTest, HasNoDictionaryWhenThatCannotBeRead) {
-  std::string const deep(100'000, '(');
-  struct {
-    char const* name;
-    std::string content;
-  } const rows[] = {
+  std::pair<std::string, std::string> const contents[] = {
       {"empty", ""},
       {"cut", "<plist><dict><key>CFBundle"},
       {"an array", "(a, b)"},
-      {"deep", "{a = " + deep},
+      {"deep", "{a = " + std::string(100'000, '(')},
       {"binary", "bplist00\xff\xff"},
+      {"large", "{}"},
   };
-  for (auto const& row : rows) {
-    tree_.Write(std::string("/") + row.name + "/Contents/Info.plist", row.content);
+  std::vector<std::string> names = {"folder", "pipe"};
+  for (auto const& [name, content] : contents) {
+    tree_.Write("/" + name + "/Contents/Info.plist", content);
+    names.push_back(name);
   }
-  std::vector<std::string> names = {"folder", "pipe", "large"};
-  for (auto const& row : rows) names.emplace_back(row.name);
   tree_.MakeFolder("/folder/Contents/Info.plist");
   tree_.MakeFifo("/pipe/Contents/Info.plist");
-  tree_.Write("/large/Contents/Info.plist", "{}");
   std::filesystem::resize_file(tree_.At("/large/Contents/Info.plist"), std::uintmax_t{1} << 40);
   for (std::string const& name : names) {
     SCOPED_TRACE(name);
@@ -86,12 +80,8 @@ TEST_F(BundleTest, HasNoDictionaryWhenThatCannotBeRead) {
 }
 
 TEST_F(BundleTest, TellsTypeAndCreator) {
-  struct {
-    char const* name;
-    char const* info;  // null for none
-    char const* package;
-    char const* codes;
-  } const rows[] = {
+  // Null where there is no such file.
+  std::tuple<std::string, char const*, char const*, char const*> const rows[] = {
       {"both", "{CFBundlePackageType=AAAA;CFBundleSignature=BBBB;}", "APPLTEXT\n", "APPLTEXT"},
       {"keys", "{CFBundlePackageType=FMWK;CFBundleSignature=\"t\\U00e9xt\";}", nullptr,
        "FMWKt\x8Ext"},
@@ -99,15 +89,14 @@ TEST_F(BundleTest, TellsTypeAndCreator) {
       {"odd keys", "{CFBundlePackageType=(AAAA);CFBundleSignature=LONGER;}", nullptr, "BNDL????"},
       {"file alone", nullptr, "KEXT\x01\x02\xFF\x7F", "KEXT\x01\x02\xFF\x7F"},
   };
-  for (auto const& row : rows) {
-    SCOPED_TRACE(row.name);
-    std::string const path = std::string("/") + row.name;
-    if (row.info != nullptr) tree_.Write(path + "/Contents/Info.plist", row.info);
-    if (row.package != nullptr) tree_.Write(path + "/Contents/PkgInfo", row.package);
-    EXPECT_EQ(Package(Open(path)), row.codes);
+  for (auto const& [name, info, package, codes] : rows) {
+    SCOPED_TRACE(name);
+    if (info != nullptr) tree_.Write("/" + name + "/Contents/Info.plist", info);
+    if (package != nullptr) tree_.Write("/" + name + "/Contents/PkgInfo", package);
+    EXPECT_EQ(Package(Open("/" + name)), codes);
     UInt32 type = 0, creator = 0;
-    EXPECT_TRUE(CFBundleGetPackageInfoInDirectory(UrlOf(path).get(), &type, &creator));
-    EXPECT_EQ(BigEndianText(type, 4) + BigEndianText(creator, 4), row.codes);
+    EXPECT_TRUE(CFBundleGetPackageInfoInDirectory(UrlOf("/" + name).get(), &type, &creator));
+    EXPECT_EQ(BigEndianText(type, 4) + BigEndianText(creator, 4), codes);
   }
 }
 
@@ -137,40 +126,35 @@ TEST_F(BundleTest, PacksVersionsOfTheClassicForm) {
 TEST_F(BundleTest, LaysTheTextsOfThePreferredLanguageOverItsDictionary) {
   struct {
     char const* folders;  // each says its own name
-    char const* environment;
+    std::map<std::string, std::string> environment;
     char const* found;
   } const rows[] = {
-      {"en de", "LANG=de_AT.UTF-8", "de"},
-      {"en de de_AT", "LANG=de_AT.UTF-8", "de_AT"},
-      {"en German", "LANG=de_AT@euro", "German"},
-      {"de-AT German", "LANG=de_AT", "de-AT"},
-      {"en zh-Hant zh", "LANG=zh_TW.UTF-8", "zh-Hant"},
-      {"de fr", "LANG=de LC_MESSAGES=fr", "fr"},
-      {"de fr", "LC_ALL=de LC_MESSAGES=fr", "de"},
-      {"de fr", "LANG=de LANGUAGE=pt:fr", "fr"},
-      {"de fr en", "LANG=C LANGUAGE=fr", "en"},
-      {"de English nl", "", "English"},
-      {"de nl en", "LANG=sv", "nl"},  // the bundle's own
-      {"de Base en", "LANG=sv", "Base"},
-      {"de en", "LANG=sv", "en"},
-      {"de en", "LANG=../de", "en"},
-      {"de", "LANG=sv", "none"},
+      {"en de", {{"LANG", "de_AT.UTF-8"}}, "de"},
+      {"en de de_AT", {{"LANG", "de_AT.UTF-8"}}, "de_AT"},
+      {"en German", {{"LANG", "de_AT@euro"}}, "German"},
+      {"de-AT German", {{"LANG", "de_AT"}}, "de-AT"},
+      {"en zh-Hant zh", {{"LANG", "zh_TW.UTF-8"}}, "zh-Hant"},
+      {"de fr", {{"LANG", "de"}, {"LC_MESSAGES", "fr"}}, "fr"},
+      {"de fr", {{"LC_ALL", "de"}, {"LC_MESSAGES", "fr"}}, "de"},
+      {"de fr", {{"LANG", "de"}, {"LANGUAGE", "pt:fr"}}, "fr"},
+      {"de fr en", {{"LANG", "C"}, {"LANGUAGE", "fr"}}, "en"},
+      {"de English nl", {}, "English"},
+      {"de nl en", {{"LANG", "sv"}}, "nl"},  // the bundle's own
+      {"de Base en", {{"LANG", "sv"}}, "Base"},
+      {"de en", {{"LANG", "sv"}}, "en"},
+      {"de en", {{"LANG", "../de"}}, "en"},
+      {"de", {{"LANG", "sv"}}, "none"},
   };
-  int number = 0;
   for (auto const& row : rows) {
-    SCOPED_TRACE(row.folders + std::string(" for ") + row.environment);
-    std::string const path = "/" + std::to_string(number++),
+    std::string const path = "/" + std::to_string(&row - rows),
                       resources = path + "/Contents/Resources/";
+    SCOPED_TRACE(path);
     tree_.Write(path + "/Contents/Info.plist", "{Kept=kept; CFBundleDevelopmentRegion=nl;}");
-    std::istringstream folders(row.folders), variables(row.environment);
+    std::istringstream folders(row.folders);
     for (std::string name; folders >> name;) {
       tree_.Write(resources + name + ".lproj/InfoPlist.strings", "Text = \"" + name + "\";");
     }
-    std::map<std::string, std::string> environment;
-    for (std::string text; variables >> text;) {
-      environment[text.substr(0, text.find('='))] = text.substr(text.find('=') + 1);
-    }
-    Use(environment);
+    machine_->environment = row.environment;
     OwnedBundle const bundle = Open(path);
     EXPECT_EQ(Value(bundle, "Text"), row.found);
     EXPECT_EQ(Value(bundle, "Kept"), "kept");
@@ -182,20 +166,15 @@ TEST_F(BundleTest, LaysTheTextsOfThePreferredLanguageOverItsDictionary) {
 
 TEST_F(BundleTest, ReadsTextsInEveryForm) {
   OwnedString const text = Make("/* Å */ Text = \"Zoë\";", kUtf8);
-  struct {
-    char const* name;
-    std::string content;
-    char const* found;
-  } const rows[] = {
+  std::tuple<std::string, std::string, char const*> const rows[] = {
       {"UTF-16 with mark", BytesOf(text.get(), kCFStringEncodingUTF16, '?', true), "Zoë"},
       {"damaged", "Text = ", "plain"},
       {"array", "(Text)", "plain"},
   };
-  for (auto const& row : rows) {
-    std::string const path = std::string("/") + row.name;
-    tree_.Write(path + "/Info.plist", "{Text = plain;}");
-    tree_.Write(path + "/en.lproj/InfoPlist.strings", row.content);
-    EXPECT_EQ(Value(Open(path), "Text"), row.found) << row.name;
+  for (auto const& [name, content, found] : rows) {
+    tree_.Write("/" + name + "/Info.plist", "{Text = plain;}");
+    tree_.Write("/" + name + "/en.lproj/InfoPlist.strings", content);
+    EXPECT_EQ(Value(Open("/" + name), "Text"), found) << name;
   }
 }
 

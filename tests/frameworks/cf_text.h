@@ -12,9 +12,11 @@
 struct Releaser {
   void operator()(void const* object) const { CFRelease(object); }
 };
-using OwnedObject = std::unique_ptr<void const, Releaser>;
-using OwnedString = std::unique_ptr<std::remove_pointer_t<CFStringRef>, Releaser>;
-using OwnedURL = std::unique_ptr<std::remove_pointer_t<CFURLRef>, Releaser>;
+template <typename Reference>
+using Owned = std::unique_ptr<std::remove_pointer_t<Reference>, Releaser>;
+using OwnedObject = Owned<CFTypeRef>;
+using OwnedString = Owned<CFStringRef>;
+using OwnedURL = Owned<CFURLRef>;
 
 inline OwnedString Make(std::string_view bytes, CFStringEncoding encoding,
                         bool is_external = false) {
@@ -36,9 +38,16 @@ inline std::string BytesOf(CFStringRef string, CFStringEncoding encoding, UInt8 
   return used == size ? bytes : "sizes differ";
 }
 
-inline OwnedObject MakeBytes(std::string_view bytes) {
-  return OwnedObject(CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(bytes.data()),
-                                  static_cast<CFIndex>(bytes.size())));
+// What a value is in UTF-8.
+inline std::string TextOf(CFTypeRef value) {
+  if (value == nullptr) return "none";
+  if (CFGetTypeID(value) != CFStringGetTypeID()) return "no text";
+  return BytesOf(static_cast<CFStringRef>(value), kCFStringEncodingUTF8);
+}
+
+inline Owned<CFDataRef> MakeBytes(std::string_view bytes) {
+  return Owned<CFDataRef>(CFDataCreate(nullptr, reinterpret_cast<UInt8 const*>(bytes.data()),
+                                       static_cast<CFIndex>(bytes.size())));
 }
 
 inline std::string BytesOfData(CFTypeRef data) {
@@ -49,6 +58,6 @@ inline std::string BytesOfData(CFTypeRef data) {
 
 // The property list that a text of any form stands for; null for what is none.
 inline OwnedObject Parsed(std::string_view text, CFOptionFlags options = 0) {
-  return OwnedObject(CFPropertyListCreateWithData(
-      nullptr, static_cast<CFDataRef>(MakeBytes(text).get()), options, nullptr, nullptr));
+  return OwnedObject(
+      CFPropertyListCreateWithData(nullptr, MakeBytes(text).get(), options, nullptr, nullptr));
 }

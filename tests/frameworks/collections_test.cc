@@ -1,138 +1,125 @@
 // Numbers, dates, data, arrays and dictionaries.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <limits>
+#include <cstdint>
 #include <map>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "tests/frameworks/property_list_print.h"
 
 namespace {
 
+using OwnedNumber = Owned<CFNumberRef>;
+
 template <typename Value>
-OwnedObject Number(CFNumberType type, Value value) {
-  return OwnedObject(CFNumberCreate(nullptr, type, &value));
+OwnedNumber Number(CFNumberType type, Value value) {
+  return OwnedNumber(CFNumberCreate(nullptr, type, &value));
 }
 
-CFNumberRef AsNumber(OwnedObject const& object) { return static_cast<CFNumberRef>(object.get()); }
-
-OwnedObject Integer(SInt64 value) { return Number(kCFNumberSInt64Type, value); }
+OwnedNumber Integer(SInt64 value) { return Number(kCFNumberSInt64Type, value); }
 
 // The whole range, from two words.
-OwnedObject Wide(SInt64 high, UInt64 low) {
+OwnedNumber Wide(SInt64 high, UInt64 low) {
   return Number(kCFNumberSInt128Type, CFSInt128Struct{high, low});
 }
 
-OwnedObject Real(double value) { return Number(kCFNumberFloat64Type, value); }
-
-constexpr SInt64 kMost = std::numeric_limits<SInt64>::max();
-constexpr SInt64 kLeast = std::numeric_limits<SInt64>::min();
+OwnedNumber Real(double value) { return Number(kCFNumberFloat64Type, value); }
 
 TEST(Number, TellsALossyConversion) {
-  struct {
-    OwnedObject number;
-    bool is_exact_long;
-    SInt32 as_long;
-    bool is_exact_64;
-    SInt64 as_64;
-    bool is_exact_double;
-  } const rows[] = {
-      {Integer(-7), true, -7, true, -7, true},
-      {Integer(0x7FFFFFFF), true, 0x7FFFFFFF, true, 0x7FFFFFFF, true},
-      {Integer(0x80000000), false, 0x7FFFFFFF, true, 0x80000000, true},
-      {Integer(kLeast), false, -0x7FFFFFFF - 1, true, kLeast, true},
-      {Integer(kMost), false, 0x7FFFFFFF, true, kMost, false},
-      {Wide(0, UINT64_MAX), false, 0x7FFFFFFF, false, kMost, false},
-      {Wide(0, UINT64_C(1) << 63), false, 0x7FFFFFFF, false, kMost, true},
-      {Wide(-1, static_cast<UInt64>(kLeast)), false, -0x7FFFFFFF - 1, true, kLeast, true},
-      {Real(3.0), true, 3, true, 3, true},
-      {Real(-3.75), false, -3, false, -3, true},
-      {Real(1e300), false, 0x7FFFFFFF, false, kMost, true},
-      {Real(-0x1p63), false, -0x7FFFFFFF - 1, true, kLeast, true},
-      {Real(0x1p63), false, 0x7FFFFFFF, false, kMost, true},
-      {Real(std::nan("")), false, 0, false, 0, true},
-      {Number(kCFNumberFloat32Type, 0.5f), false, 0, false, 0, true},
+  constexpr SInt32 kMostLong = 0x7FFFFFFF, kLeastLong = -kMostLong - 1;
+  // In four bytes and in eight, each with whether it is exact, and whether it is as a double.
+  std::tuple<OwnedNumber, SInt32, bool, SInt64, bool, bool> const rows[] = {
+      {Integer(-7), -7, true, -7, true, true},
+      {Integer(0x7FFFFFFF), kMostLong, true, 0x7FFFFFFF, true, true},
+      {Integer(0x80000000), kMostLong, false, 0x80000000, true, true},
+      {Integer(INT64_MIN), kLeastLong, false, INT64_MIN, true, true},
+      {Integer(INT64_MAX), kMostLong, false, INT64_MAX, true, false},
+      {Wide(0, UINT64_MAX), kMostLong, false, INT64_MAX, false, false},
+      {Wide(0, UINT64_C(1) << 63), kMostLong, false, INT64_MAX, false, true},
+      {Wide(-1, static_cast<UInt64>(INT64_MIN)), kLeastLong, false, INT64_MIN, true, true},
+      {Real(3.0), 3, true, 3, true, true},
+      {Real(-3.75), -3, false, -3, false, true},
+      {Real(1e300), kMostLong, false, INT64_MAX, false, true},
+      {Real(-0x1p63), kLeastLong, false, INT64_MIN, true, true},
+      {Real(0x1p63), kMostLong, false, INT64_MAX, false, true},
+      {Real(std::nan("")), 0, false, 0, false, true},
+      {Number(kCFNumberFloat32Type, 0.5f), 0, false, 0, false, true},
   };
-  for (auto const& row : rows) {
-    SCOPED_TRACE(Print(row.number.get()));
+  for (auto const& [number, as_long, is_exact_long, as_64, is_exact_64, is_exact_double] : rows) {
+    SCOPED_TRACE(Print(number.get()));
     // Four bytes and not one more.
-    SInt32 as_long[2] = {99, 99};
-    EXPECT_EQ(CFNumberGetValue(AsNumber(row.number), kCFNumberLongType, as_long),
-              row.is_exact_long);
-    EXPECT_EQ(as_long[0], row.as_long);
-    EXPECT_EQ(as_long[1], 99);
-    SInt64 as_64 = 99;
-    EXPECT_EQ(CFNumberGetValue(AsNumber(row.number), kCFNumberSInt64Type, &as_64), row.is_exact_64);
-    EXPECT_EQ(as_64, row.as_64);
-    double as_double = 99;
-    EXPECT_EQ(CFNumberGetValue(AsNumber(row.number), kCFNumberDoubleType, &as_double),
-              row.is_exact_double);
+    SInt32 found_long[2] = {99, 99};
+    SInt64 found_64 = 99;
+    double found_double = 99;
+    EXPECT_EQ(CFNumberGetValue(number.get(), kCFNumberLongType, found_long), is_exact_long);
+    EXPECT_THAT(found_long, testing::ElementsAre(as_long, 99));
+    EXPECT_EQ(CFNumberGetValue(number.get(), kCFNumberSInt64Type, &found_64), is_exact_64);
+    EXPECT_EQ(found_64, as_64);
+    EXPECT_EQ(CFNumberGetValue(number.get(), kCFNumberDoubleType, &found_double), is_exact_double);
   }
   float narrow = 0;
-  EXPECT_FALSE(CFNumberGetValue(AsNumber(Real(0.1)), kCFNumberFloatType, &narrow));
+  EXPECT_FALSE(CFNumberGetValue(Real(0.1).get(), kCFNumberFloatType, &narrow));
   EXPECT_EQ(narrow, 0.1f);
   CFSInt128Struct whole = {};
-  EXPECT_TRUE(CFNumberGetValue(AsNumber(Wide(0, UINT64_MAX)), kCFNumberSInt128Type, &whole));
+  EXPECT_TRUE(CFNumberGetValue(Wide(0, UINT64_MAX).get(), kCFNumberSInt128Type, &whole));
   EXPECT_EQ(whole.low, UINT64_MAX);
-  EXPECT_FALSE(CFNumberGetValue(AsNumber(Real(0)), static_cast<CFNumberType>(99), &whole));
+  EXPECT_FALSE(CFNumberGetValue(Real(0).get(), static_cast<CFNumberType>(99), &whole));
   EXPECT_EQ(Wide(1, 0), nullptr);
   EXPECT_EQ(Wide(-1, 0), nullptr);
   EXPECT_EQ(Number(static_cast<CFNumberType>(0), 0), nullptr);
 }
 
 TEST(Number, IsEqualAndOrderedByValueWhateverItsType) {
-  OwnedObject const ordered[] = {Real(std::nan("")),
-                                 Real(-INFINITY),
-                                 Integer(kLeast),
-                                 Real(-0.5),
-                                 Integer(0),
-                                 Real(0.5),
-                                 Integer((1L << 53) + 1),
-                                 Real(0x1p53 + 2),
-                                 Integer(kMost),
-                                 Real(0x1p63),
-                                 Wide(0, (UINT64_C(1) << 63) + 1),
-                                 Wide(0, UINT64_MAX),
-                                 Real(0x1p64)};
-  for (auto const& left : ordered) {
-    for (auto const& right : ordered) {
-      auto const expected = (&left > &right) - (&left < &right);
-      EXPECT_EQ(CFNumberCompare(AsNumber(left), AsNumber(right), nullptr), expected)
-          << Print(left.get()) << ' ' << Print(right.get());
-      EXPECT_EQ(CFEqual(left.get(), right.get()), &left == &right);
+  std::pair<int, OwnedNumber> const ranked[] = {{0, Real(std::nan(""))},
+                                                {1, Real(-INFINITY)},
+                                                {2, Integer(INT64_MIN)},
+                                                {3, Integer(-3)},
+                                                {3, Number(kCFNumberSInt8Type, SInt8(-3))},
+                                                {4, Real(-0.5)},
+                                                {5, Integer(0)},
+                                                {5, Real(0.0)},
+                                                {5, Real(-0.0)},
+                                                {6, Real(0.5)},
+                                                {7, Integer(5)},
+                                                {7, Real(5)},
+                                                {8, Integer((1L << 53) + 1)},
+                                                {9, Real(0x1p53 + 2)},
+                                                {10, Integer(INT64_MAX)},
+                                                {11, Real(0x1p63)},
+                                                {11, Wide(0, UINT64_C(1) << 63)},
+                                                {12, Wide(0, (UINT64_C(1) << 63) + 1)},
+                                                {13, Wide(0, UINT64_MAX)},
+                                                {14, Real(0x1p64)}};
+  for (auto const& [rank, number] : ranked) {
+    for (auto const& [other_rank, other] : ranked) {
+      SCOPED_TRACE(Print(number.get()) + " and " + Print(other.get()));
+      EXPECT_EQ(CFNumberCompare(number.get(), other.get(), nullptr),
+                (rank > other_rank) - (rank < other_rank));
+      EXPECT_EQ(CFEqual(number.get(), other.get()), rank == other_rank);
+      EXPECT_TRUE(rank != other_rank || CFHash(number.get()) == CFHash(other.get()));
     }
-  }
-  std::pair<OwnedObject, OwnedObject> const equals[] = {
-      {Integer(5), Real(5)},
-      {Real(0.0), Real(-0.0)},
-      {Wide(0, UINT64_C(1) << 63), Real(0x1p63)},
-      {Number(kCFNumberSInt8Type, SInt8{-3}), Integer(-3)}};
-  for (auto const& [left, right] : equals) {
-    EXPECT_TRUE(CFEqual(left.get(), right.get()));
-    EXPECT_EQ(CFHash(left.get()), CFHash(right.get()));
   }
 }
 
 TEST(Constants, EndNeverAndAreThemselves) {
-  for (CFTypeRef const constant :
-       {static_cast<CFTypeRef>(kCFBooleanTrue), static_cast<CFTypeRef>(kCFBooleanFalse),
-        static_cast<CFTypeRef>(kCFNull)}) {
+  for (CFTypeRef const constant : {CFTypeRef{kCFBooleanTrue}, CFTypeRef{kCFNull}}) {
     for (int i = 0; i < 3; ++i) CFRelease(constant);
     EXPECT_EQ(CFRetain(constant), constant);
+    EXPECT_FALSE(CFEqual(constant, kCFBooleanFalse));
   }
   EXPECT_TRUE(CFBooleanGetValue(kCFBooleanTrue));
-  EXPECT_FALSE(CFEqual(kCFBooleanTrue, kCFBooleanFalse));
-  EXPECT_FALSE(CFEqual(kCFNull, kCFBooleanFalse));
 }
 
 TEST(Array, AnswersNullOutsideAndKeepsWhatItHolds) {
-  OwnedObject const number = Integer(1);
+  OwnedNumber const number = Integer(1);
   void const* values[] = {number.get(), CFSTR("x")};
-  OwnedObject const object(CFArrayCreate(nullptr, values, 2, &kCFTypeArrayCallBacks));
-  auto const array = static_cast<CFArrayRef>(object.get());
+  Owned<CFArrayRef> const owner(CFArrayCreate(nullptr, values, 2, &kCFTypeArrayCallBacks));
+  CFArrayRef const array = owner.get();
   EXPECT_EQ(CFGetRetainCount(number.get()), 2);
   EXPECT_EQ(CFArrayGetValueAtIndex(array, 1), CFSTR("x"));
   for (CFIndex const outside : {CFIndex{-1}, CFIndex{2}, CFIndex{0x7FFFFFFF}}) {
@@ -148,13 +135,14 @@ TEST(Array, AnswersNullOutsideAndKeepsWhatItHolds) {
   EXPECT_EQ(CFArrayCreate(nullptr, nullptr, -1, nullptr), nullptr);
   int const plain = 0;
   void const* pointers[] = {&plain, nullptr};
-  OwnedObject const others(CFArrayCreate(nullptr, pointers, 2, nullptr));
-  EXPECT_EQ(CFArrayGetValueAtIndex(static_cast<CFArrayRef>(others.get()), 0), &plain);
+  Owned<CFArrayRef> const others(CFArrayCreate(nullptr, pointers, 2, nullptr));
+  EXPECT_EQ(CFArrayGetValueAtIndex(others.get(), 0), &plain);
 }
 
 TEST(Array, ChangesWhenItIsMutable) {
   CFMutableArrayRef const array = CFArrayCreateMutable(nullptr, 0, &kCFTypeArrayCallBacks);
-  OwnedObject const owner(array), number = Integer(7);
+  OwnedObject const owner(array);
+  OwnedNumber const number = Integer(7);
   CFArrayAppendValue(array, CFSTR("a"));
   CFArrayInsertValueAtIndex(array, 0, number.get());
   CFArraySetValueAtIndex(array, 2, CFSTR("c"));
@@ -183,7 +171,7 @@ TEST(Dictionary, FindsWhatAMapFinds) {
     std::map<SInt64, SInt64> expected;
     for (int round = 0; round < 3 * range + 50; ++round) {
       SInt64 const name = static_cast<SInt64>(random()) % range;
-      OwnedObject const key = Integer(name), value = Integer(round);
+      OwnedNumber const key = Integer(name), value = Integer(round);
       switch (random() % 5) {
         case 0:
           CFDictionaryRemoveValue(dictionary, key.get());
@@ -202,19 +190,15 @@ TEST(Dictionary, FindsWhatAMapFinds) {
           expected[name] = round;
       }
     }
-    OwnedObject const copy(CFDictionaryCreateCopy(nullptr, dictionary));
+    Owned<CFDictionaryRef> const copy(CFDictionaryCreateCopy(nullptr, dictionary));
     EXPECT_TRUE(CFEqual(copy.get(), dictionary));
-    for (CFDictionaryRef const one :
-         {static_cast<CFDictionaryRef>(dictionary), static_cast<CFDictionaryRef>(copy.get())}) {
+    for (CFDictionaryRef const one : {CFDictionaryRef{dictionary}, copy.get()}) {
       ASSERT_EQ(CFDictionaryGetCount(one), static_cast<CFIndex>(expected.size()));
       for (SInt64 name = 0; name < range; ++name) {
         void const* value = nullptr;
-        auto const found = expected.find(name);
         ASSERT_EQ(CFDictionaryGetValueIfPresent(one, Integer(name).get(), &value),
-                  found != expected.end());
-        if (value != nullptr) {
-          ASSERT_TRUE(CFEqual(value, Integer(found->second).get()));
-        }
+                  expected.contains(name));
+        ASSERT_TRUE(value == nullptr || CFEqual(value, Integer(expected[name]).get()));
       }
     }
     CFDictionaryRemoveAllValues(dictionary);
@@ -233,18 +217,17 @@ TEST(Dictionary, KeepsTheFirstOfEqualKeysInOrder) {
       keys.push_back(texts[i % count].get());
       values.push_back(texts[i < count ? i : 0].get());
     }
-    OwnedObject const object(
+    Owned<CFDictionaryRef> const owner(
         CFDictionaryCreate(nullptr, keys.data(), values.data(), static_cast<CFIndex>(2 * count),
                            &kCFCopyStringDictionaryKeyCallBacks, &kCFTypeDictionaryValueCallBacks));
-    auto const dictionary = static_cast<CFDictionaryRef>(object.get());
+    CFDictionaryRef const dictionary = owner.get();
     ASSERT_EQ(CFDictionaryGetCount(dictionary), static_cast<CFIndex>(count));
     std::vector<void const*> found_keys(count), found_values(count);
     CFDictionaryGetKeysAndValues(dictionary, found_keys.data(), found_values.data());
-    for (std::size_t i = 0; i < count; ++i) {
-      ASSERT_EQ(found_keys[i], texts[i].get());
-      ASSERT_EQ(found_values[i], texts[i].get());
-      ASSERT_EQ(CFDictionaryGetValue(dictionary, texts[i].get()), texts[i].get());
-    }
+    keys.resize(count);
+    EXPECT_EQ(found_keys, keys);
+    EXPECT_EQ(found_values, keys);
+    for (auto const* key : keys) ASSERT_EQ(CFDictionaryGetValue(dictionary, key), key);
     EXPECT_EQ(CFDictionaryGetValue(dictionary, CFSTR("absent")), nullptr);
     EXPECT_TRUE(CFDictionaryContainsValue(dictionary, texts[1].get()));
   }
@@ -280,17 +263,17 @@ TEST(Containers, AreComparedAndReleasedAtAnyDepth) {
 }
 
 TEST(DateAndData, HoldWhatTheyWereGiven) {
-  OwnedObject const early(CFDateCreate(nullptr, -86400.5)), late(CFDateCreate(nullptr, 1));
-  auto const date = [](OwnedObject const& object) { return static_cast<CFDateRef>(object.get()); };
-  EXPECT_EQ(CFDateGetAbsoluteTime(date(early)), -86400.5);
-  EXPECT_EQ(CFDateCompare(date(early), date(late), nullptr), kCFCompareLessThan);
-  EXPECT_EQ(CFDateGetTimeIntervalSinceDate(date(late), date(early)), 86401.5);
-  OwnedObject const bytes = MakeBytes({"a\0b", 3});
+  Owned<CFDateRef> const early(CFDateCreate(nullptr, -86400.5)), late(CFDateCreate(nullptr, 1));
+  EXPECT_EQ(CFDateGetAbsoluteTime(early.get()), -86400.5);
+  EXPECT_EQ(CFDateCompare(early.get(), late.get(), nullptr), kCFCompareLessThan);
+  EXPECT_EQ(CFDateGetTimeIntervalSinceDate(late.get(), early.get()), 86401.5);
+  Owned<CFDataRef> const bytes = MakeBytes({"a\0b", 3});
   UInt8 buffer[3] = {'-', '-', '-'};
-  CFDataGetBytes(static_cast<CFDataRef>(bytes.get()), CFRangeMake(1, 2), buffer);
-  CFDataGetBytes(static_cast<CFDataRef>(bytes.get()), CFRangeMake(2, 2), buffer);
-  EXPECT_EQ(std::string(buffer, buffer + 3), std::string("\0b-", 3));
-  EXPECT_NE(CFDataGetBytePtr(static_cast<CFDataRef>(MakeBytes("").get())), nullptr);
+  for (CFRange const range : {CFRangeMake(1, 2), CFRangeMake(2, 2)}) {
+    CFDataGetBytes(bytes.get(), range, buffer);
+    EXPECT_THAT(buffer, testing::ElementsAre('\0', 'b', '-'));
+  }
+  EXPECT_NE(CFDataGetBytePtr(MakeBytes("").get()), nullptr);
   EXPECT_TRUE(CFEqual(bytes.get(), MakeBytes({"a\0b", 3}).get()));
   EXPECT_EQ(CFDataCreate(nullptr, nullptr, -1), nullptr);
 }

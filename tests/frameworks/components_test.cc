@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <sstream>
 
 #include "tests/machine/recorded_capture.h"
 #include "tests/support/on_scripted_machine.h"
@@ -32,18 +33,19 @@ std::vector<std::string> Describe() {
     ComponentDescription is = {};
     Handle const name = NewHandle(16), info = NewHandle(16), icon = NewHandle(16);
     EXPECT_EQ(GetComponentInfo(each, &is, name, info, icon), noErr);
-    std::string line = std::to_string(is.componentType) + " " +
-                       std::to_string(is.componentSubType) + " " +
-                       std::to_string(is.componentManufacturer) + " " + Contents(name) + " " +
-                       Contents(info) + " " + Contents(icon);
-    for (Handle const handle : {name, info, icon}) DisposeHandle(handle);
+    std::ostringstream line;
+    line << is.componentType << ' ' << is.componentSubType << ' ' << is.componentManufacturer;
+    for (Handle const handle : {name, info, icon}) {
+      line << ' ' << Contents(handle);
+      DisposeHandle(handle);
+    }
     if (ComponentInstance const open = OpenComponent(each)) {
-      line += " " + std::to_string(GetComponentVersion(open));
+      line << ' ' << GetComponentVersion(open);
       EXPECT_EQ(CloseComponent(open), noErr);
       EXPECT_EQ(GetComponentVersion(open), badComponentInstance);
       EXPECT_EQ(CloseComponent(open), invalidComponentID);
     }
-    lines.push_back(line);
+    lines.push_back(line.str());
   }
   return lines;
 }
@@ -72,20 +74,15 @@ TEST_F(ComponentManager, TellsWhatTheMachineDoes) {
 }
 
 TEST_F(ComponentManager, FindsWhatIsAsDescribed) {
-  struct {
-    ComponentDescription looking;
-    std::vector<Component> found;
-  } cases[] = {
+  std::pair<ComponentDescription, std::vector<Component>> cases[] = {
       {{0, 0, 0, 0, 0}, {1, 2, 3}},   {{1, 0, 0, 0, 0}, {1, 2}}, {{0, 2, 0, 0, 0}, {1, 3}},
       {{0, 0, 6, 0, 0}, {3}},         {{1, 2, 6, 0, 0}, {}},     {{0, 0, 0, 8, 4}, {1, 2, 3}},
       {{0, 0, 0, 8, 0xFFFFFFFF}, {}},
   };
-  for (auto& row : cases) {
+  for (auto& [looking, expected] : cases) {
     std::vector<Component> found;
-    for (Component each = 0; (each = FindNextComponent(each, &row.looking)) != 0;) {
-      found.push_back(each);
-    }
-    EXPECT_EQ(found, row.found) << &row - cases;
+    for (Component at = 0; (at = FindNextComponent(at, &looking)) != 0;) found.push_back(at);
+    EXPECT_EQ(found, expected);
   }
   EXPECT_EQ(FindNextComponent(std::numeric_limits<Component>::max(), nullptr), 0u);
   for (Component const none : {0u, 4u, std::numeric_limits<Component>::max()}) {
@@ -106,37 +103,30 @@ TEST(CapturedComponents, LeaveOutTheMalformedOnes) {
   std::string const codes =
       "<key>Type</key><string>appl</string><key>Subtype</key><data>AAECAw==</data>"
       "<key>Maker</key><string>AbCd</string>";
-  struct {
-    char const* name;
-    std::string entries;
-    bool is_malformed;
-  } const cases[] = {
-      {"codes alone", codes, false},
-      {"nothing", "", true},
-      {"a long code", codes + "<key>Maker</key><string>\xC6\x92net</string>", true},
-      {"a number as code", codes + "<key>Type</key><integer>1</integer>", true},
-      {"a number as name", codes + "<key>Name</key><integer>1</integer>", true},
-      {"a long text", codes + "<key>Info</key><string>" + std::string(256, 'i') + "</string>",
-       true},
-      {"a version as text", codes + "<key>Version</key><string>1</string>", true},
-      {"a negative version", codes + "<key>Version</key><integer>-1</integer>", true},
-      {"a large version", codes + "<key>Version</key><integer>4294967296</integer>", true},
+  std::pair<char const*, std::string> const malformed[] = {
+      {"nothing", ""},
+      {"a long code", codes + "<key>Maker</key><string>\xC6\x92net</string>"},
+      {"a number as code", codes + "<key>Type</key><integer>1</integer>"},
+      {"a number as name", codes + "<key>Name</key><integer>1</integer>"},
+      {"a long text", codes + "<key>Info</key><string>" + std::string(256, 'i') + "</string>"},
+      {"a version as text", codes + "<key>Version</key><string>1</string>"},
+      {"a negative version", codes + "<key>Version</key><integer>-1</integer>"},
+      {"a large version", codes + "<key>Version</key><integer>4294967296</integer>"},
   };
-  for (auto const& row : cases) {
+  auto const with = [](RecordedTree const& tree, std::string const& entries) {
+    return Documented(tree, "<key>Components</key><array><dict>" + entries + "</dict></array>");
+  };
+  for (auto const& [name, entries] : malformed) {
+    SCOPED_TRACE(name);
     RecordedTree tree;
-    std::string const item = "<dict>" + row.entries + "</dict>";
-    auto const list = [](std::string const& items) {
-      return "<key>Components</key><array>" + items + "</array>";
-    };
-    auto const alone = Documented(tree, list(item))->Components().Components();
-    EXPECT_EQ(alone.outcome(), row.is_malformed ? Outcome::kMalformed : Outcome::kAnswered);
-    auto const capture = Documented(tree, list(item + "<dict>" + codes + "</dict>"));
-    for (char const* time : {"first", "again"}) {
+    EXPECT_EQ(with(tree, entries)->Components().Components().outcome(), Outcome::kMalformed);
+    auto const capture = with(tree, entries + "</dict><dict>" + codes);
+    for (int i = 0; i < 2; ++i) {  // each time anew
       AnnouncementLog log;
       auto const components = capture->Components().Components();
-      EXPECT_EQ((*components)->size(), row.is_malformed ? 1u : 2u) << row.name;
-      EXPECT_EQ((*components)->back().subtype, 0x00010203u) << row.name;
-      EXPECT_EQ(log.entries.size(), row.is_malformed ? 2u : 1u) << row.name << ", " << time;
+      ASSERT_EQ((*components)->size(), 1u);
+      EXPECT_EQ((*components)->back().subtype, 0x00010203u);
+      EXPECT_EQ(log.entries.size(), 2u);
     }
   }
 }

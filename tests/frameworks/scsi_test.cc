@@ -1,7 +1,7 @@
 #include <CoreServices/CoreServices.h>
 
 #include <algorithm>
-#include <functional>
+#include <cstddef>
 
 #include "tests/support/on_scripted_machine.h"
 #include "tests/support/scripted_scsi.h"
@@ -34,41 +34,35 @@ class ScsiManager : public OnScriptedMachine {
 };
 
 TEST_F(ScsiManager, BlocksHaveTheClassicLayout) {
-  SCSIBusInquiryPB bus;
-  SCSIExecIOPB io;
+  SCSIBusInquiryPB const bus = {};
+  SCSIExecIOPB const io = {};
   auto const offset = [](auto const& block, auto const& member) {
     return reinterpret_cast<char const*>(&member) - reinterpret_cast<char const*>(&block);
   };
-  EXPECT_EQ(offset(bus, bus.scsiFunctionCode), 8);
-  EXPECT_EQ(offset(bus, bus.scsiDevice.targetID), 14);
-  EXPECT_EQ(offset(bus, bus.scsiFlags), 20);
-  EXPECT_EQ(offset(bus, bus.scsiFeatureFlags), 48);
-  EXPECT_EQ(offset(bus, bus.scsiVersionNumber), 52);
-  EXPECT_EQ(offset(bus, bus.scsiHBAInquiry), 53);
-  EXPECT_EQ(offset(bus, bus.scsiMaxTarget), 84);
-  EXPECT_EQ(offset(bus, bus.scsiAdditionalLength), 170);
-  EXPECT_EQ(offset(io, io.scsiDataPtr), 40);
   std::ptrdiff_t const wider = 2 * (sizeof(UInt8*) - 4);
-  EXPECT_EQ(offset(io, io.scsiDataLength), 44 + wider / 2);
-  EXPECT_EQ(offset(io, io.scsiCDB), 68 + wider);
-  EXPECT_EQ(offset(io, io.scsiSelectTimeout), 100 + wider);
-  EXPECT_EQ(offset(io, io.scsiPrivates), 156 + wider);
+  std::pair<std::ptrdiff_t, std::ptrdiff_t> const offsets[] = {
+      {offset(bus, bus.scsiFunctionCode), 8},    {offset(bus, bus.scsiDevice.targetID), 14},
+      {offset(bus, bus.scsiFlags), 20},          {offset(bus, bus.scsiFeatureFlags), 48},
+      {offset(bus, bus.scsiVersionNumber), 52},  {offset(bus, bus.scsiHBAInquiry), 53},
+      {offset(bus, bus.scsiMaxTarget), 84},      {offset(bus, bus.scsiAdditionalLength), 170},
+      {offset(io, io.scsiDataPtr), 40},          {offset(io, io.scsiDataLength), 44 + wider / 2},
+      {offset(io, io.scsiCDB), 68 + wider},      {offset(io, io.scsiSelectTimeout), 100 + wider},
+      {offset(io, io.scsiPrivates), 156 + wider}};
+  for (auto const& [found, classic] : offsets) EXPECT_EQ(found, classic);
 }
 
 TEST_F(ScsiManager, ABusTellsWhatTheMachineDoes) {
   SCSIBusInquiryPB block = {};
   block.scsiPBLength = 172;
   block.scsiFunctionCode = SCSIBusInquiry;
-  ASSERT_EQ(SCSIAction(&block), noErr);
-  EXPECT_EQ(block.scsiVersionNumber, 7);
-  EXPECT_EQ(block.scsiFeatureFlags, 0x80000002);
-  EXPECT_EQ(block.scsiHBAInquiry, 0);
-  EXPECT_EQ(block.scsiMaxTarget, 255);
-  block.scsiDevice.bus = 1;
-  ASSERT_EQ(SCSIAction(&block), noErr);
-  EXPECT_EQ(block.scsiFeatureFlags, 0);
-  EXPECT_EQ(block.scsiHBAInquiry, 0x20);
-  EXPECT_EQ(block.scsiMaxTarget, 15);
+  auto const told = [&block](UInt8 bus) {
+    block.scsiDevice.bus = bus;
+    EXPECT_EQ(SCSIAction(&block), noErr);
+    return std::vector<UInt32>{block.scsiVersionNumber, block.scsiFeatureFlags,
+                               block.scsiHBAInquiry, block.scsiMaxTarget};
+  };
+  EXPECT_THAT(told(0), testing::ElementsAre(7, 0x80000002, 0, 255));
+  EXPECT_THAT(told(1), testing::ElementsAre(0, 0, 0x20, 15));
   for (UInt8 const bus : {2, 254, 255}) {
     block.scsiDevice.bus = bus;
     EXPECT_EQ(SCSIAction(&block), scsiBusInvalid) << int{bus};
@@ -82,13 +76,8 @@ TEST_F(ScsiManager, ABusTellsWhatTheMachineDoes) {
 }
 
 TEST_F(ScsiManager, AnInquiryGivesAsMuchAsThereIsAndIsWanted) {
-  struct {
-    char const* name;
-    UInt8 target, wanted;
-    UInt32 room;
-    OSErr status;
-    std::size_t count;
-  } const cases[] = {
+  // The target, how much is wanted and the room for it.
+  std::tuple<char const*, UInt8, UInt8, UInt32, OSErr, UInt32> const cases[] = {
       {"36 bytes in 256", 3, 255, 256, scsiDataRunError, 36},
       {"36 bytes in 36", 3, 255, 36, noErr, 36},
       {"no more than there is room for", 3, 255, 5, noErr, 5},
@@ -97,58 +86,53 @@ TEST_F(ScsiManager, AnInquiryGivesAsMuchAsThereIsAndIsWanted) {
       {"a device of many", 200, 255, 256, scsiDataRunError, 255},
       {"no room", 3, 255, 0, noErr, 0},
   };
-  for (auto const& row : cases) {
+  for (auto const& [name, target, wanted, room, status, count] : cases) {
     UInt8 data[257] = {};
-    SCSIExecIOPB block = Inquiry(0, row.target, data);
-    block.scsiDataLength = row.room;
-    block.scsiCDB.cdbBytes[4] = row.wanted;
-    EXPECT_EQ(SCSIAction(&block), row.status) << row.name;
-    EXPECT_EQ(static_cast<std::size_t>(block.scsiDataResidual), row.room - row.count) << row.name;
-    EXPECT_EQ(std::count(data, data + 257, 0), static_cast<long>(257 - row.count)) << row.name;
+    SCSIExecIOPB block = Inquiry(0, target, data);
+    block.scsiDataLength = room;
+    block.scsiCDB.cdbBytes[4] = wanted;
+    EXPECT_EQ(SCSIAction(&block), status) << name;
+    EXPECT_EQ(static_cast<UInt32>(block.scsiDataResidual), room - count) << name;
+    EXPECT_EQ(std::count(data, data + 257, 0), 257 - count) << name;
   }
 }
 
 TEST_F(ScsiManager, WhatCannotBeCarriedOutSaysWhy) {
-  using Change = std::function<void(SCSIExecIOPB&)>;
-  struct {
-    char const* name;
-    Change change;
-    OSErr status;
-  } const cases[] = {
-      {"short", [](auto& block) { block.scsiPBLength = 275; }, scsiPBLengthError},
-      {"function", [](auto& block) { block.scsiFunctionCode = 0; }, scsiFunctionNotAvailable},
-      {"function", [](auto& block) { block.scsiFunctionCode = 2; }, scsiFunctionNotAvailable},
-      {"bus", [](auto& block) { block.scsiDevice.bus = 2; }, scsiBusInvalid},
-      {"no answer", [](auto& block) { block.scsiDevice.targetID = 5; }, scsiSelectTimeout},
-      {"no answer",
-       [](auto& block) {
-         block.scsiDevice = {0, 1, 15, 0};
+  using Block = SCSIExecIOPB;
+  std::tuple<char const*, void (*)(Block&), OSErr> const cases[] = {
+      {"short", [](Block& it) { it.scsiPBLength = 275; }, scsiPBLengthError},
+      {"function", [](Block& it) { it.scsiFunctionCode = 0; }, scsiFunctionNotAvailable},
+      {"function", [](Block& it) { it.scsiFunctionCode = 2; }, scsiFunctionNotAvailable},
+      {"bus", [](Block& it) { it.scsiDevice.bus = 2; }, scsiBusInvalid},
+      {"no answer", [](Block& it) { it.scsiDevice.targetID = 5; }, scsiSelectTimeout},
+      {"widest",
+       [](Block& it) {
+         it.scsiDevice = DeviceIdent{0, 1, 15, 0};
        },
        scsiSelectTimeout},
       {"range",
-       [](auto& block) {
-         block.scsiDevice = {0, 1, 16, 0};
+       [](Block& it) {
+         it.scsiDevice = DeviceIdent{0, 1, 16, 0};
        },
        scsiTIDInvalid},
-      {"unit", [](auto& block) { block.scsiDevice.LUN = 1; }, scsiLUNInvalid},
-      {"command", [](auto& block) { block.scsiCDB.cdbBytes[0] = 0; }, scsiRequestInvalid},
-      {"page", [](auto& block) { block.scsiCDB.cdbBytes[1] = 1; }, scsiRequestInvalid},
-      {"length", [](auto& block) { block.scsiCDBLength = 10; }, scsiRequestInvalid},
-      {"pointer", [](auto& block) { block.scsiFlags |= scsiCDBIsPointer; }, scsiRequestInvalid},
-      {"direction", [](auto& block) { block.scsiFlags |= 0x80000000; }, scsiRequestInvalid},
-      {"nowhere", [](auto& block) { block.scsiDataPtr = nullptr; }, scsiRequestInvalid},
-      {"a list", [](auto& block) { block.scsiSGListCount = 1; }, scsiRequestInvalid},
+      {"unit", [](Block& it) { it.scsiDevice.LUN = 1; }, scsiLUNInvalid},
+      {"command", [](Block& it) { it.scsiCDB.cdbBytes[0] = 0; }, scsiRequestInvalid},
+      {"page", [](Block& it) { it.scsiCDB.cdbBytes[1] = 1; }, scsiRequestInvalid},
+      {"length", [](Block& it) { it.scsiCDBLength = 10; }, scsiRequestInvalid},
+      {"pointer", [](Block& it) { it.scsiFlags |= scsiCDBIsPointer; }, scsiRequestInvalid},
+      {"direction", [](Block& it) { it.scsiFlags |= 0x80000000; }, scsiRequestInvalid},
+      {"nowhere", [](Block& it) { it.scsiDataPtr = nullptr; }, scsiRequestInvalid},
+      {"a list", [](Block& it) { it.scsiSGListCount = 1; }, scsiRequestInvalid},
   };
-  for (auto const& row : cases) {
-    UInt8 data[256] = {};
+  UInt8 data[256] = {};
+  for (auto const& [name, change, status] : cases) {
     SCSIExecIOPB block = Inquiry(0, 3, data);
-    row.change(block);
-    EXPECT_EQ(SCSIAction(&block), row.status) << row.name;
-    EXPECT_EQ(block.scsiResult, row.status) << row.name;
-    EXPECT_EQ(data[0], 0) << row.name;
+    change(block);
+    EXPECT_EQ(SCSIAction(&block), status) << name;
+    EXPECT_EQ(block.scsiResult, status) << name;
+    EXPECT_EQ(data[0], 0) << name;
   }
   machine_->scsi = nullptr;
-  UInt8 data[256];
   SCSIExecIOPB block = Inquiry(0, 3, data);
   EXPECT_EQ(SCSIAction(&block), scsiBusInvalid);
 }

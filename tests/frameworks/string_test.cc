@@ -1,21 +1,18 @@
-#include <gtest/gtest.h>
-
 #include <cmath>
 #include <thread>
 
 #include "tests/frameworks/cf_text.h"
-#include "tests/support/scripted_machine.h"
+#include "tests/support/on_scripted_machine.h"
 
 namespace {
 
 TEST(Object, LivesAsLongAsItIsCounted) {
   OwnedString const text = Make("text", kCFStringEncodingASCII);
-  EXPECT_EQ(CFGetRetainCount(text.get()), 1);
-  std::thread threads[4];
-  for (auto& thread : threads) {
-    thread = std::thread([&] {
-      for (int i = 0; i < 10000; ++i) CFRetain(text.get());
-      for (int i = 0; i < 10000; ++i) CFRelease(text.get());
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      for (int j = 0; j < 10000; ++j) CFRetain(text.get());
+      for (int j = 0; j < 10000; ++j) CFRelease(text.get());
     });
   }
   for (auto& thread : threads) thread.join();
@@ -72,24 +69,21 @@ TEST(String, GivesUnitsAndPartsInsideIt) {
   EXPECT_EQ(CFSTR("constant"), CFSTR("constant"));
 }
 
-TEST(Clock, IsTheMachinesToTheMicrosecond) {
-  auto const machine = std::make_shared<ScriptedMachine>();
-  MachineInUse const use(machine);
+using Clock = OnScriptedMachine;
+
+TEST_F(Clock, IsTheMachinesToTheMicrosecond) {
   EXPECT_TRUE(std::isnan(CFAbsoluteTimeGetCurrent()));
   for (std::int64_t moment : {1'700'000'000'123'457, 0L, 253'402'300'799'999'999}) {
-    machine->microseconds = moment;
+    machine_->microseconds = moment;
     double const since_1970 = CFAbsoluteTimeGetCurrent() + kCFAbsoluteTimeIntervalSince1970;
     EXPECT_NEAR(since_1970 * 1e6, static_cast<double>(moment), moment > 1e17 ? 64 : 0.5);
   }
 }
 
-TEST(TimeZone, IsTheMachines) {
-  auto const machine = std::make_shared<ScriptedMachine>();
-  MachineInUse const use(machine);
+TEST_F(Clock, HasTheTimeZoneOfTheMachine) {
   EXPECT_EQ(CFTimeZoneCopySystem(), nullptr);
-  machine->SetZone("Europe/Berlin", "CET-1CEST,M3.5.0,M10.5.0/3");
-  std::unique_ptr<std::remove_pointer_t<CFTimeZoneRef>, Releaser> const zone(
-      CFTimeZoneCopySystem());
+  machine_->SetZone("Europe/Berlin", "CET-1CEST,M3.5.0,M10.5.0/3");
+  Owned<CFTimeZoneRef> const zone(CFTimeZoneCopySystem());
   EXPECT_TRUE(CFEqual(CFTimeZoneGetName(zone.get()), CFSTR("Europe/Berlin")));
   constexpr CFAbsoluteTime kSummer = 1'719'792'000 - kCFAbsoluteTimeIntervalSince1970;
   constexpr CFAbsoluteTime kWinter = kSummer - 180 * 86400.0;

@@ -26,12 +26,23 @@ OwnedURL OfPath(std::string_view path, CFURLPathStyle style = kCFURLPOSIXPathSty
                                                               is_folder, base));
 }
 
-OwnedURL OfText(std::string_view text, CFURLRef base = nullptr) {
-  return OwnedURL(CFURLCreateWithString(nullptr, FromBytes(text).get(), base));
-}
-
 std::string Spelt(OwnedURL const& url) {
   return url == nullptr ? "null" : file_system_text::BytesOf(CFURLGetString(url.get()));
+}
+
+// The URL of a component below another one, spelt.
+std::string Below(OwnedURL const& url, std::string_view component, bool is_folder = false) {
+  OwnedURL const below(CFURLCreateCopyAppendingPathComponent(
+      nullptr, url.get(), FromBytes(component).get(), is_folder));
+  return Spelt(below);
+}
+
+OwnedURL Above(OwnedURL const& url) {
+  return OwnedURL(CFURLCreateCopyDeletingLastPathComponent(nullptr, url.get()));
+}
+
+OwnedURL OfText(std::string_view text, CFURLRef base = nullptr) {
+  return OwnedURL(CFURLCreateWithString(nullptr, FromBytes(text).get(), base));
 }
 
 std::string PathOf(OwnedURL const& url, CFURLPathStyle style = kCFURLPOSIXPathStyle) {
@@ -45,27 +56,8 @@ std::string Representation(OwnedURL const& url) {
   return reinterpret_cast<char const*>(buffer);
 }
 
-TEST(FileSystemText, BringsEveryByteBack) {
-  for (std::string_view const bytes :
-       {"plain", "Zoë 😀", "\xFF\xFE", "a\xC3", "\xC0\xAF", "\xED\xA0\x80\xED\xB0\x80", "\xE2\x82",
-        "\xF4\x90\x80\x80", "\xF0\x8F\xBF\xBF", "\x80z"}) {
-    std::vector<UniChar> const units = file_system_text::UnitsOf(bytes);
-    EXPECT_EQ(file_system_text::BytesOf(units.data(), units.size()), bytes);
-    EXPECT_EQ(file_system_text::BytesOf(FromBytes(bytes).get()), bytes);
-  }
-  EXPECT_EQ(file_system_text::UnitsOf("\xE9"), std::vector<UniChar>{0xDCE9});
-  EXPECT_EQ(file_system_text::UnitsOf("é"), std::vector<UniChar>{0xE9});
-  UniChar const lone = 0xD800;
-  EXPECT_EQ(file_system_text::BytesOf(&lone, 1), "\xED\xA0\x80");
-}
-
 TEST(URL, IsMadeOfAPath) {
-  struct {
-    char const* path;
-    bool is_folder;
-    char const *text, *name;
-    bool has_folder_path;
-  } const rows[] = {
+  std::tuple<char const*, bool, char const*, char const*, bool> const rows[] = {
       {"/", false, "file:///", "/", true},
       {"/a b/c", false, "file:///a%20b/c", "c", false},
       {"/a/b", true, "file:///a/b/", "b", true},
@@ -75,13 +67,13 @@ TEST(URL, IsMadeOfAPath) {
       {"/50%?#;é:[]", false, "file:///50%25%3F%23%3B%C3%A9:%5B%5D", "50%?#;é:[]", false},
       {"/x\xFFy", false, "file:///x%FFy", "x\xFFy", false},
   };
-  for (auto const& row : rows) {
-    SCOPED_TRACE(row.path);
-    OwnedURL const url = OfPath(row.path, kCFURLPOSIXPathStyle, row.is_folder);
-    EXPECT_EQ(Spelt(url), row.text);
-    EXPECT_EQ(Text(CFURLCopyLastPathComponent(url.get())), row.name);
-    EXPECT_EQ(CFURLHasDirectoryPath(url.get()), row.has_folder_path);
-    OwnedURL const read = OfText(row.text);
+  for (auto const& [path, is_folder, text, name, has_folder_path] : rows) {
+    SCOPED_TRACE(path);
+    OwnedURL const url = OfPath(path, kCFURLPOSIXPathStyle, is_folder);
+    EXPECT_EQ(Spelt(url), text);
+    EXPECT_EQ(Text(CFURLCopyLastPathComponent(url.get())), name);
+    EXPECT_EQ(CFURLHasDirectoryPath(url.get()), has_folder_path);
+    OwnedURL const read = OfText(text);
     ASSERT_NE(read, nullptr);
     EXPECT_TRUE(CFEqual(url.get(), read.get()));
     EXPECT_EQ(CFHash(url.get()), CFHash(read.get()));
@@ -93,22 +85,16 @@ TEST(URL, IsMadeOfAPath) {
   EXPECT_EQ(CFGetTypeID(OfPath("/").get()), CFURLGetTypeID());
   EXPECT_EQ(Spelt(OfPath("here")), "here");
   EXPECT_EQ(Representation(OfPath("./x")), std::filesystem::current_path().string() + "/./x");
-  {
-    MachineInUse const recorded(RecordedTree().Machine());
-    EXPECT_EQ(Representation(OfPath("./x")), "/./x");
-  }
   UInt8 buffer[4];
   EXPECT_TRUE(CFURLGetFileSystemRepresentation(OfPath("/ab").get(), true, buffer, 4));
   EXPECT_FALSE(CFURLGetFileSystemRepresentation(OfPath("/abc").get(), true, buffer, 4));
+  MachineInUse const recorded(RecordedTree().Machine());
+  EXPECT_EQ(Representation(OfPath("./x")), "/./x");
 }
 
 TEST(URL, IsReadFromText) {
   OwnedURL const folder = OfText("file:///base/folder/"), file = OfText("file:///base/file");
-  struct {
-    char const* text;
-    CFURLRef base;
-    char const *absolute, *path;
-  } const rows[] = {
+  std::tuple<char const*, CFURLRef, char const*, char const*> const rows[] = {
       {"file://localhost/a", nullptr, "file://localhost/a", "/a"},
       {"FILE:/a%2Fb", nullptr, "FILE:/a/b", "/a/b"},
       {"file:///a?q#f", nullptr, "file:///a?q#f", "/a"},
@@ -118,12 +104,12 @@ TEST(URL, IsReadFromText) {
       {"a%3Ab", folder.get(), "file:///base/folder/a:b", "a:b"},
       {"http://host:80/a%20b?q", file.get(), "http://host:80/a%20b?q", "null"},
   };
-  for (auto const& row : rows) {
-    SCOPED_TRACE(row.text);
-    OwnedURL const url = OfText(row.text, row.base);
+  for (auto const& [text, base, absolute, path] : rows) {
+    SCOPED_TRACE(text);
+    OwnedURL const url = OfText(text, base);
     ASSERT_NE(url, nullptr);
-    EXPECT_EQ(PathOf(url), row.path);
-    EXPECT_EQ(Spelt(OwnedURL(CFURLCopyAbsoluteURL(url.get()))), row.absolute);
+    EXPECT_EQ(PathOf(url), path);
+    EXPECT_EQ(Spelt(OwnedURL(CFURLCopyAbsoluteURL(url.get()))), absolute);
   }
   for (char const* text : {"x", "file:a", "file://", "file:///a b", "file:///a%2", "file:///a%zz",
                            "file:///a%00", "file:///é"}) {
@@ -131,15 +117,14 @@ TEST(URL, IsReadFromText) {
   }
   EXPECT_EQ(OfText("", folder.get()), nullptr);
   EXPECT_EQ(OfText("//host/x", folder.get()), nullptr);
-  EXPECT_EQ(CFURLGetBaseURL(OfText("x", folder.get()).get()), folder.get());
-  EXPECT_EQ(Text(CFURLCopyScheme(OfText("x", folder.get()).get())), "file");
+  OwnedURL const relative = OfText("x", folder.get());
+  EXPECT_EQ(CFURLGetBaseURL(relative.get()), folder.get());
+  EXPECT_EQ(Text(CFURLCopyScheme(relative.get())), "file");
   EXPECT_EQ(Text(CFURLCopyLastPathComponent(OfText("http://h/a/b%20c/").get())), "b c");
 }
 
 TEST(URL, GainsAndLosesComponents) {
-  struct {
-    char const *path, *component, *below, *above;
-  } const rows[] = {
+  std::tuple<char const*, char const*, char const*, char const*> const rows[] = {
       {"/", "a", "file:///a", "file:///../"},
       {"/a", "b c", "file:///a/b%20c", "file:///"},
       {"/a/b", "c/d/", "file:///a/b/c/d", "file:///a/"},
@@ -148,27 +133,16 @@ TEST(URL, GainsAndLosesComponents) {
       {"/a", "\xFF", "file:///a/%FF", "file:///"},
       {"/a", "", "null", "file:///"},
   };
-  for (auto const& row : rows) {
-    SCOPED_TRACE(row.path);
-    OwnedURL const url = OfPath(row.path);
-    OwnedString const component = FromBytes(row.component);
-    EXPECT_EQ(Spelt(OwnedURL(CFURLCreateCopyAppendingPathComponent(nullptr, url.get(),
-                                                                   component.get(), false))),
-              row.below);
-    EXPECT_EQ(Spelt(OwnedURL(CFURLCreateCopyDeletingLastPathComponent(nullptr, url.get()))),
-              row.above);
+  for (auto const& [path, component, below, above] : rows) {
+    OwnedURL const url = OfPath(path);
+    EXPECT_EQ(Below(url, component), below) << path;
+    EXPECT_EQ(Spelt(Above(url)), above) << path;
   }
   OwnedURL const base = OfPath("/base", kCFURLPOSIXPathStyle, true);
   OwnedURL const relative = OfPath("a", kCFURLPOSIXPathStyle, false, base.get());
-  OwnedURL const above(CFURLCreateCopyDeletingLastPathComponent(nullptr, relative.get()));
-  EXPECT_EQ(Representation(above), "/base/.");
-  OwnedURL const folder(
-      CFURLCreateCopyAppendingPathComponent(nullptr, base.get(), CFSTR("a"), true));
-  EXPECT_EQ(Spelt(folder), "file:///base/a/");
-  OwnedURL const host = OfText("http://h/a");
-  EXPECT_EQ(Spelt(OwnedURL(
-                CFURLCreateCopyAppendingPathComponent(nullptr, host.get(), CFSTR("b ?"), false))),
-            "http://h/a/b%20%3F");
+  EXPECT_EQ(Representation(Above(relative)), "/base/.");
+  EXPECT_EQ(Below(base, "a", true), "file:///base/a/");
+  EXPECT_EQ(Below(OfText("http://h/a"), "b ?"), "http://h/a/b%20%3F");
 }
 
 TEST(URL, SpeaksHfsPathsOfTheMountedVolumes) {
@@ -192,8 +166,7 @@ TEST(URL, SpeaksHfsPathsOfTheMountedVolumes) {
       {"/media/My Disk/in:side/f", "in/side:f"},
       {"/again/f", "System:again:f"},
       {"/bound/f", "System:bound:f"},
-      {"/a/../b", "System:a::b"},
-  };
+      {"/a/../b", "System:a::b"}};
   for (auto const& [posix, hfs] : rows) {
     SCOPED_TRACE(posix);
     EXPECT_EQ(PathOf(OfPath(posix), kCFURLHFSPathStyle), hfs);
@@ -209,14 +182,12 @@ TEST(URL, SpeaksHfsPathsOfTheMountedVolumes) {
 }
 
 TEST(URL, ReadsTheFileOfTheMachineInUse) {
+  std::string const content("a\0b", 3);
   RecordedTree const tree;
-  tree.Write("/dir/file", std::string("a\0b", 3));
+  tree.Write("/dir/file", content);
   tree.MakeFifo("/pipe");
   MachineInUse const use(tree.Machine());
-  struct {
-    OwnedURL url;
-    SInt32 code;
-  } const rows[] = {
+  std::pair<OwnedURL, SInt32> const rows[] = {
       {OfPath("/dir/file"), 0},
       {OfPath("/gone"), kCFURLResourceNotFoundError},
       {OfPath("/dir"), kCFURLUnknownError},
@@ -224,22 +195,18 @@ TEST(URL, ReadsTheFileOfTheMachineInUse) {
       {OfText("http://host/dir/file"), kCFURLUnknownSchemeError},
       {nullptr, kCFURLImproperArgumentsError},
   };
-  for (auto const& row : rows) {
-    SCOPED_TRACE(Spelt(row.url));
+  for (auto const& [url, expected] : rows) {
+    SCOPED_TRACE(Spelt(url));
     CFDataRef data = nullptr;
     CFDictionaryRef properties = nullptr;
     SInt32 code = 99;
-    bool const is_read = CFURLCreateDataAndPropertiesFromResource(nullptr, row.url.get(), &data,
-                                                                  &properties, nullptr, &code);
-    EXPECT_EQ(code, row.code);
-    EXPECT_EQ(is_read, row.code == 0);
-    ASSERT_EQ(data != nullptr, row.code == 0);
+    EXPECT_EQ(CFURLCreateDataAndPropertiesFromResource(nullptr, url.get(), &data, &properties,
+                                                       nullptr, &code),
+              expected == 0);
+    EXPECT_EQ(code, expected);
     EXPECT_EQ(properties, nullptr);
-    if (data == nullptr) continue;
-    EXPECT_EQ(std::string(reinterpret_cast<char const*>(CFDataGetBytePtr(data)), 3),
-              std::string("a\0b", 3));
-    EXPECT_EQ(CFDataGetLength(data), 3);
-    CFRelease(data);
+    OwnedObject const owned(data);
+    EXPECT_EQ(data == nullptr ? "none" : BytesOfData(data), expected == 0 ? content : "none");
   }
 }
 
@@ -248,13 +215,11 @@ TEST(URL, LeadsToAnItemAndBack) {
   tree.Write("/folder/fi\xFFle", "");
   tree.Link("/link", "folder");
   MachineInUse const use(tree.Machine());
-  std::pair<char const*, char const*> const rows[] = {
-      {"/folder/fi\xFFle", "file:///folder/fi%FFle"},
-      {"/link/fi\xFFle", "file:///folder/fi%FFle"},
-      {"/folder", "file:///folder/"},
-      {"/link", "file:///link"},
-      {"/", "file:///"}};
-  for (auto const& [path, text] : rows) {
+  for (auto const& [path, text] : {std::pair("/folder/fi\xFFle", "file:///folder/fi%FFle"),
+                                   {"/link/fi\xFFle", "file:///folder/fi%FFle"},
+                                   {"/folder", "file:///folder/"},
+                                   {"/link", "file:///link"},
+                                   {"/", "file:///"}}) {
     FSRef ref;
     ASSERT_TRUE(CFURLGetFSRef(OfPath(path).get(), &ref)) << path;
     EXPECT_EQ(Spelt(OwnedURL(CFURLCreateFromFSRef(nullptr, &ref))), text);

@@ -44,13 +44,16 @@ class VolumesTest : public OnScriptedMachine {
   static std::string Find(FSVolumeRefNum volume, ItemCount index) {
     HFSUniStr255 name;
     FSVolumeRefNum number = 0;
-    OSErr const code =
-        FSGetVolumeInfo(volume, index, &number, kFSVolInfoNone, nullptr, &name, nullptr);
+    OSErr const code = FSGetVolumeInfo(volume, index, &number, 0, nullptr, &name, nullptr);
     if (code != noErr) return std::to_string(code);
     return std::string(name.unicode, name.unicode + name.length) + " " + std::to_string(number);
   }
   static std::string At(ItemCount index) { return Find(0, index); }
   static std::string WithNumber(FSVolumeRefNum number) { return Find(number, 0); }
+  void AddTwo() {
+    volumes_->Add({"Root", "/", 7, 1, {20}}, VolumeFacts());
+    volumes_->Add({"B", "/b", 8, 2, {}}, VolumeFacts());
+  }
 
   // Where the File Manager says that an item is.
   static FSVolumeRefNum NumberOf(std::string const& path) {
@@ -67,13 +70,10 @@ class VolumesTest : public OnScriptedMachine {
 };
 
 TEST_F(VolumesTest, AreFoundByPlaceAndByNumber) {
-  volumes_->Add({"Root", "/", 7, 1, {}}, VolumeFacts());
-  volumes_->Add({"B", "/b", 8, 2, {}}, VolumeFacts());
+  AddTwo();
   EXPECT_EQ(At(1), "Root -100");
   EXPECT_EQ(At(2), "B -101");
-  EXPECT_EQ(At(3), "-35");
-  EXPECT_EQ(At(0), "-35");
-  EXPECT_EQ(At(SIZE_MAX), "-35");
+  for (ItemCount const index : {SIZE_MAX, 0ul, 3ul}) EXPECT_EQ(At(index), "-35") << index;
   EXPECT_EQ(Find(-101, 1), "Root -100");
   EXPECT_EQ(WithNumber(-101), "B -101");
   for (FSVolumeRefNum const number : {0, 1, -99, -102, -32768, 32767}) {
@@ -82,12 +82,7 @@ TEST_F(VolumesTest, AreFoundByPlaceAndByNumber) {
 }
 
 TEST_F(VolumesTest, ThatTellNothingAreListedAllTheSame) {
-  struct {
-    char const* what;
-    Outcome reason;
-    int error;
-    char const *at, *with_number;
-  } const rows[] = {
+  std::tuple<char const*, Outcome, int, char const*, char const*> const rows[] = {
       {"silent", Outcome::kTimedOut, 0, "A -100", "A -100"},
       {"closed", Outcome::kPermissionRefused, EACCES, "A -100", "A -100"},
       {"without server", Outcome::kAbsent, ENOTCONN, "A -100", "A -100"},
@@ -99,17 +94,15 @@ TEST_F(VolumesTest, ThatTellNothingAreListedAllTheSame) {
       {"too many files", Outcome::kAbsent, EMFILE, "-42", "-42"},
   };
   volumes_->Add({"A", "/", 7, 1, {}}, VolumeFacts());
-  for (auto const& row : rows) {
-    SCOPED_TRACE(row.what);
-    volumes_->facts.at("/") = Absence{row.reason, "/", {}, row.error};
-    EXPECT_EQ(At(1), row.at);
-    EXPECT_EQ(WithNumber(-100), row.with_number);
+  for (auto const& [what, reason, error, at, with_number] : rows) {
+    volumes_->facts.at("/") = Absence{reason, "/", {}, error};
+    EXPECT_EQ(At(1), at) << what;
+    EXPECT_EQ(WithNumber(-100), with_number) << what;
   }
 }
 
 TEST_F(VolumesTest, NumbersStayWithTheirMounts) {
-  volumes_->Add({"Root", "/", 7, 1, {}}, VolumeFacts());
-  volumes_->Add({"B", "/b", 8, 2, {}}, VolumeFacts());
+  AddTwo();
   EXPECT_EQ(At(2), "B -101");
   auto const away = volumes_->volumes.back();
   volumes_->volumes.back() = {"C", "/c", 8, 3, {}};
@@ -126,20 +119,16 @@ TEST_F(VolumesTest, NumbersStayWithTheirMounts) {
 }
 
 TEST_F(VolumesTest, OfItemsAreFoundByMountOrDevice) {
-  volumes_->Add({"Root", "/", 7, 1, {20}}, VolumeFacts());
-  volumes_->Add({"B", "/b", 8, 2, {}}, VolumeFacts());
+  AddTwo();
   volumes_->facts.emplace("/proc", VolumeFacts());
-  struct {
-    char const* path;
-    std::uint64_t mount, device;
-    FSVolumeRefNum number;
-  } const rows[] = {
+  // With mount and device.
+  std::tuple<char const*, int, int, FSVolumeRefNum> const rows[] = {
       {"/", 7, 1, -100},        {"/b", 8, 2, -101},       {"/b/in", 8, 2, -101},
       {"/b/part", 8, 50, -101}, {"/again", 20, 9, -100},  {"/bound", 21, 2, -101},
       {"/proc", 22, 5, -102},   {"/proc/1", 22, 5, -102},
   };
-  for (auto const& row : rows) files_->Put(row.path, row.mount, row.device);
-  for (auto const& row : rows) EXPECT_EQ(NumberOf(row.path), row.number) << row.path;
+  for (auto const& [path, mount, device, number] : rows) files_->Put(path, mount, device);
+  for (auto const& [path, mount, device, number] : rows) EXPECT_EQ(NumberOf(path), number) << path;
   EXPECT_EQ(WithNumber(-102), "proc -102");
   EXPECT_EQ(At(3), "-35");
   volumes_->facts.erase("/proc");
@@ -150,10 +139,8 @@ TEST_F(VolumesTest, OfItemsAreFoundByPathWhereMountsAreNotTold) {
   volumes_->Add({"Root", "/", 0, 0, {}}, VolumeFacts());
   volumes_->Add({"B", "/b", 0, 0, {}}, VolumeFacts());
   for (char const* path : {"/", "/b", "/b/in", "/bc"}) files_->Put(path, 3, 4);
-  EXPECT_EQ(NumberOf("/"), -100);
-  EXPECT_EQ(NumberOf("/b"), -101);
-  EXPECT_EQ(NumberOf("/b/in"), -101);
-  EXPECT_EQ(NumberOf("/bc"), -100);
+  for (char const* path : {"/", "/bc"}) EXPECT_EQ(NumberOf(path), -100) << path;
+  for (char const* path : {"/b", "/b/in"}) EXPECT_EQ(NumberOf(path), -101) << path;
 }
 
 TEST_F(VolumesTest, WithoutAListItemsLieOnTheRootAllTheSame) {
@@ -182,15 +169,10 @@ TEST_F(VolumesTest, TellWhatTheBitmapNames) {
     return info;
   };
   FSVolumeInfo const all = ask(kFSVolInfoGettableInfo);
-  EXPECT_EQ(all.totalBytes, 10'000u);
-  EXPECT_EQ(all.freeBytes, 4'999u);
-  EXPECT_EQ(all.totalBlocks, 10u);
-  EXPECT_EQ(all.freeBlocks, 4u);
-  EXPECT_EQ(all.fileCount, 0xFFFFFFFF);
-  EXPECT_EQ(all.folderCount, 3u);
-  EXPECT_EQ(all.createDate.lowSeconds, 5u);
-  EXPECT_EQ(all.createDate.fraction, 0x8000);
-  EXPECT_EQ(all.modifiedDate.highSeconds, 1u);
+  EXPECT_THAT((std::vector<UInt64>{all.totalBytes, all.freeBytes, all.totalBlocks, all.freeBlocks,
+                                   all.fileCount, all.folderCount, all.createDate.lowSeconds,
+                                   all.createDate.fraction, all.modifiedDate.highSeconds}),
+              testing::ElementsAre(10'000, 4'999, 10, 4, 0xFFFFFFFF, 3, 5, 0x8000, 1));
   EXPECT_EQ(all.flags, kFSVolFlagHardwareLockedMask);
   EXPECT_EQ(ask(kFSVolInfoSizes).freeBytes, 4'999u);
   EXPECT_EQ(ask(kFSVolInfoGettableInfo & ~kFSVolInfoSizes).freeBytes, 0u);
@@ -209,15 +191,14 @@ TEST_F(VolumesTest, HaveTheirFolderAsItWasSeen) {
   volumes_->Add({"Root", "/", 7, 1, {}}, VolumeFacts());
   volumes_->Add({"B", "/a/b", 8, 2, {}}, seen);
   volumes_->Add({"Gone", "/gone", 9, 3, {}}, VolumeFacts());
-  FSRef root, looked_up;
-  ASSERT_EQ(FSGetVolumeInfo(0, 2, nullptr, 0, nullptr, nullptr, &root), noErr);
+  FSRef roots[4], looked_up;
+  for (ItemCount const index : {1, 2, 3}) {
+    ASSERT_EQ(FSGetVolumeInfo(0, index, nullptr, 0, nullptr, nullptr, &roots[index]), noErr);
+  }
+  EXPECT_EQ(roots[1].folder, fsRtParID);
   FSPathMakeRef(reinterpret_cast<UInt8 const*>("/a/b"), &looked_up, nullptr);
-  EXPECT_EQ(std::memcmp(&root, &looked_up, sizeof root), 0);
-  ASSERT_EQ(FSGetVolumeInfo(0, 1, nullptr, 0, nullptr, nullptr, &root), noErr);
-  EXPECT_EQ(root.folder, fsRtParID);
-  ASSERT_EQ(FSGetVolumeInfo(0, 3, nullptr, 0, nullptr, nullptr, &root), noErr);
-  FSCatalogInfo info;
-  EXPECT_EQ(FSGetCatalogInfo(&root, kFSCatInfoNodeFlags, &info, nullptr, nullptr, nullptr), fnfErr);
+  EXPECT_EQ(std::memcmp(&roots[2], &looked_up, sizeof looked_up), 0);
+  EXPECT_EQ(FSGetCatalogInfo(&roots[3], 0, nullptr, nullptr, nullptr, nullptr), fnfErr);
 }
 
 TEST_F(VolumesTest, FillNoMoreOfABufferThanWasAskedFor) {
