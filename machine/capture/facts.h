@@ -38,6 +38,7 @@ class Field {
     return value_ == nullptr ? nullptr : value_->As<Value>();
   }
   Absence Malformed(std::string why) const;
+  Absence NoDictionary() const { return Malformed("not a dictionary"); }
 
  private:
   Record const* value_;
@@ -80,8 +81,13 @@ class Facts {
   template <typename Read>
   auto Ask(std::string const& group, std::string const& key, Read&& read) const {
     Field const whole = (*this)[group];
-    bool const is_group = !whole.exists() || whole.As<RecordDictionary>() != nullptr;
-    return Answer(is_group ? whole[key] : whole, group + "." + key, read);
+    std::string const name = group + "." + key;
+    if (!whole.exists() || whole.As<RecordDictionary>() != nullptr) {
+      return Answer(whole[key], name, read);
+    }
+    // What stands there instead is not the value of any key.
+    return Answer(whole, name,
+                  [](Field const& field) -> decltype(read(field)) { return field.NoDictionary(); });
   }
   Fact<std::string> Text(std::string const& key) const;
   Fact<std::string> Text(std::string const& group, std::string const& key) const;

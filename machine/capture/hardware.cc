@@ -19,6 +19,14 @@ Fact<Number> NumberIn(Facts const& facts, char const* group, char const* key) {
 
 constexpr char kMemory[] = "Memory", kProcessors[] = "Processors", kHardware[] = "Hardware";
 
+bool IsCount(Facts const& facts) { return facts[kProcessors].As<std::int64_t>() != nullptr; }
+
+// What a number alone does not tell.
+Fact<std::uint32_t> NumberOfProcessors(Facts const& facts, std::string const& key) {
+  if (IsCount(facts)) return facts.Missing(std::string(kProcessors) + "." + key);
+  return NumberIn<std::uint32_t>(facts, kProcessors, key.c_str());
+}
+
 // By the names that kernels have for them.
 Fact<Architecture> KindIn(Field const& field) {
   Fact<std::string> const name = field.Text();
@@ -41,23 +49,22 @@ Fact<std::uint64_t> Memory::SwapBytes() const {
 
 // A number alone is how many there are.
 Fact<std::uint32_t> Processors::OnlineCount() const {
-  if (facts_[kProcessors].As<std::int64_t>() != nullptr) {
-    return facts_.Ask(kProcessors, NumberOf<std::uint32_t>);
-  }
-  return NumberIn<std::uint32_t>(facts_, kProcessors, "Count");
+  return IsCount(facts_) ? facts_.Ask(kProcessors, NumberOf<std::uint32_t>)
+                         : NumberIn<std::uint32_t>(facts_, kProcessors, "Count");
 }
 
 Fact<Architecture> Processors::Kind() const {
-  bool const is_recorded = facts_[kProcessors]["Kind"].exists() || !facts_.Knows("Architecture");
-  return is_recorded ? facts_.Ask(kProcessors, "Kind", KindIn) : facts_.Ask("Architecture", KindIn);
+  bool const is_within =
+      facts_[kProcessors]["Kind"].exists() || !(IsCount(facts_) || facts_.Knows("Architecture"));
+  return is_within ? facts_.Ask(kProcessors, "Kind", KindIn) : facts_.Ask("Architecture", KindIn);
 }
 
 Fact<std::uint32_t> Processors::PowerPCVersion() const {
-  return NumberIn<std::uint32_t>(facts_, kProcessors, "PowerPCVersion");
+  return NumberOfProcessors(facts_, "PowerPCVersion");
 }
 
 Fact<std::uint32_t> Processors::HighestMegahertz() const {
-  return NumberIn<std::uint32_t>(facts_, kProcessors, "Megahertz");
+  return NumberOfProcessors(facts_, "Megahertz");
 }
 
 Fact<std::string> Hardware::ProductName() const { return facts_.Text(kHardware, "ProductName"); }

@@ -56,7 +56,8 @@ TEST_F(Capture, AnswersWhatItsDocumentTells) {
         "host: permission refused [HostName] [] 0", "kernel: absent [KernelRelease] [lost] 0",
         "identifier: absent [HostIdentifier] [not recorded] 0", "variables: { \"HOME\" }",
         "  HOME: \"/x\"", "no variable: absent [environment NO_SUCH_VARIABLE] [] 0",
-        "processors: 2", "count: 2", "processes: { 1\xFF, 9a name of more t }"}) {
+        "processors: 2", "frequency: absent [Processors.Megahertz] [not recorded] 0", "count: 2",
+        "processes: { 1\xFF, 9a name of more t }"}) {
     EXPECT_THAT(text, HasSubstr("\n" + line + "\n"));
   }
   EXPECT_EQ(capture->System().SystemPlatform().value(), machine::Platform::kMacOS);
@@ -110,6 +111,7 @@ TEST_F(Capture, AWrongValueIsMalformedByItself) {
       {"<key>Environment</key><dict><key>A</key><dict/></dict>", "A", "Environment.A"},
       {"<key>Processors</key><integer>-1</integer>", "processors", "Processors"},
       {"<key>Processors</key><true/>", "processors", "Processors"},
+      {"<key>Hardware</key><integer>2</integer>", "USB release", "Hardware"},
       {"<key>ConsoleUser</key><array/>", "console", "ConsoleUser"},
       {"<key>TimeZone</key><string>../../etc/passwd</string>", "zone", "TimeZone"},
       {"<key>TimeZone</key><string>X</string><key>TimeZoneRules</key><data>VFppZg==</data>", "zone",

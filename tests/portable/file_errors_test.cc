@@ -36,6 +36,7 @@ TEST(FileErrors, FollowFromCodeAndPointOfFailure) {
       {-46, "23SoftwareVolumeLockError", kOther, kOther, kOther},
       {-49, kQuery, "13FileBusyError", kOther, kOther},
       {-54, kQuery, kRefused, kOther, kOther},
+      {-5000, kRefused, kRefused, kRefused, kRefused},
       {-120, "22DirectoryNotFoundError", "22DirectoryNotFoundError", kOther, kOther},
       {-1, kQuery, kOther, kOther, kOther}};
   for (auto const& row : rows) {
