@@ -103,19 +103,11 @@ void Plain(char const* singular, char const* plural, FingerprintFunction fingerp
   using Result = decltype(Value(Seen<Parameter>(nullptr), Seen<Object>(nullptr)));
   InspectorGet const get = [](void* result, void const* parameter, void const* object, void*,
                               void const*) {
-    if (result != nullptr)
-      new (result) Result(Value(Seen<Parameter>(parameter), Seen<Object>(object)));
+    new (result) Result(Value(Seen<Parameter>(parameter), Seen<Object>(object)));
     return true;
   };
   Linked().Add(Register_Property, Unregister_Property, singular, plural, TypeName<Parameter>(),
                TypeName<Object>(), TypeName<Result>(), get, nullptr, fingerprint);
-}
-
-// A property whose own adapter says when there is no such object.
-void Partial(char const* singular, char const* plural, char const* parameter, char const* object,
-             char const* result, InspectorGet get) {
-  Linked().Add(Register_Property, Unregister_Property, singular, plural, parameter, object, result,
-               get, nullptr, nullptr);
 }
 
 // `Limit(parameter, object)` values, made by `Make(n, counter, object)`.
@@ -124,7 +116,6 @@ void Iterated(char const* singular, char const* plural) {
   using Result = decltype(Make(integer(), std::declval<Counter*>(), Seen<Object>(nullptr)));
   InspectorGet const step = [](void* result, void const* parameter, void const* object, void* state,
                                void const*) {
-    if (result == nullptr) return true;
     auto* const counter = static_cast<Counter*>(state);
     counter->Check();
     if (counter->item_alive) ++ledger.misused;
@@ -168,7 +159,6 @@ void Type(char const* name, unsigned long size, InspectorDestroy destroy, char c
 }
 
 bool Fail(void* result, void const* parameter, void const*, void*, void const*) {
-  if (result == nullptr) return true;
   integer const kind = *Seen<integer>(parameter);
   switch (kind) {
     case 0:
@@ -257,13 +247,10 @@ void WorldProperties() {
   Iterated<void, void, [](auto...) { return 3; },
            [](integer n, Counter* counter, auto*) { return Shelf(n, counter); }>("shelf",
                                                                                  "shelves");
-  Partial("shelf", "shelves", "integer", "", "shelf",
-          [](void* result, void const* parameter, auto...) {
-            integer const number = *Seen<integer>(parameter);
-            bool const is_there = number >= 0 && number <= 9;
-            if (result != nullptr && is_there) new (result) Shelf(number);
-            return is_there;
-          });
+  Plain<integer, void, [](auto* number, auto*) {
+    if (*number < 0 || 9 < *number) throw NoSuchObject();
+    return Shelf(*number);
+  }>("shelf", "shelves");
   Iterated<integer, void, given, [](integer n, auto...) { return n; }>("count", "counts");
   Iterated<integer, void, given, [](auto...) {
     static_cast<char*>(Allocate_Inspector_Memory(1 << 16))[1 << 15] = 'x';
@@ -273,7 +260,7 @@ void WorldProperties() {
                                                                                            "says");
   Plain<S, void, [](auto* text, auto*) { return Say(*text); }>("yes", "yeses");
   Plain<S, void, [](auto* text, auto*) { return !Say(*text); }>("no", "noes");
-  Partial("fail", "fails", "integer", "", "integer", Fail);
+  Linked().Property("fail", "fails", "integer", "integer", Fail);
   Plain<void, void, Swallow>("swallow", "swallows");
   Plain<void, void, Exclusive>("exclusive", "exclusives");
   Iterated<void, void, [](auto...) { return INT64_MAX; },
@@ -294,7 +281,7 @@ void WorldProperties() {
     return InspectorText(Text(*text));
   }>("known", "knowns", DependsOnlyOnParameters);
   Plain<void, void, [](auto...) { return integer{7}; }>("build number", "build numbers");
-  Partial("ghost", "ghosts", "", "", "ghost", [](auto...) { return false; });
+  Linked().Property("ghost", "ghosts", "", "ghost", [](auto...) { return false; });
   Plain<void, void, [](auto...) { return Stone{1}; }>("stone", "stones");
   Plain<integer, void, [](auto* grams, auto*) { return Weight{*grams}; }>("weight", "weights");
 }
@@ -309,12 +296,9 @@ void ObjectProperties() {
   Plain<void, Shelf, [](auto...) { return InspectorText("overture"); }>("first title",
                                                                         "first titles");
   // Only the second shelf has a keeper, so that a plural skips the others.
-  Partial("keeper", nullptr, "", "shelf", "string",
-          [](void* result, void const*, void const* shelf, auto...) {
-            if (Seen<Shelf>(shelf)->number != 2) return false;
-            if (result != nullptr) new (result) inspector_string(InspectorText("Ann"));
-            return true;
-          });
+  Plain<void, Shelf, [](auto*, auto* shelf) {
+    return shelf->number == 2 ? InspectorText("Ann") : throw NoSuchObject();
+  }>("keeper", nullptr);
   Plain<void, Thing, Label>("label", "labels");
   Plain<void, Book, Label>("title", "titles");
   Plain<void, Book, [](auto*, auto* book) { return book->number % 10 * 100; }>("page count",
