@@ -37,10 +37,24 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 
 }  // namespace
 
+testing::Matcher<ProcessResult const&> Ends(testing::Matcher<int> status,
+                                            testing::Matcher<std::string> output,
+                                            testing::Matcher<std::string> errors) {
+  return testing::AllOf(testing::Field("status", &ProcessResult::status, status),
+                        testing::Field("output", &ProcessResult::output, output),
+                        testing::Field("errors", &ProcessResult::errors, errors));
+}
+
+void PrintTo(ProcessResult const& run, std::ostream* stream) {
+  *stream << "status " << run.status << ", output:\n" << run.output << "errors:\n" << run.errors;
+}
+
 ProcessResult RunCommand(Launch const& launch) {
   std::vector<std::string> arguments = {launch.program.empty() ? GATOTU_COMMAND : launch.program};
   arguments.insert(arguments.end(), launch.arguments.begin(), launch.arguments.end());
-  std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "HOME=/nonexistent"};
+  // Values of preferences are kept for ever on purpose.
+  std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "HOME=/nonexistent",
+                                          "LSAN_OPTIONS=suppressions=" LEAKS_ON_PURPOSE};
   environment.insert(environment.end(), launch.environment.begin(), launch.environment.end());
   auto argv = Pointers(arguments);
   auto envp = Pointers(environment);
@@ -100,6 +114,12 @@ std::vector<std::string> Lines(std::string const& text) {
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
+}
+
+std::string Repeat(std::string_view text, std::size_t times) {
+  std::string result;
+  for (; times > 0; --times) result += text;
+  return result;
 }
 
 }  // namespace gatotu::tests

@@ -41,10 +41,8 @@ json.dump({'numbers': '.'.join(n or '0' for n in numbers.groups()), 'type': pack
 
 nlohmann::json Python(TemporaryFolder const& folder) {
   folder.Write("judge.py", kPython);
-  Launch launch;
-  launch.program = "python3";
-  launch.arguments = {folder.Path("judge.py"), folder.Path("volume/Applications/Real.app")};
-  ProcessResult const run = RunCommand(launch);
+  ProcessResult const run =
+      RunShell("cd " + folder.Path() + " && python3 judge.py volume/Applications/Real.app");
   EXPECT_EQ(run.status, 0) << run.errors;
   return nlohmann::json::parse(run.output);
 }
