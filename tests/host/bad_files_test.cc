@@ -66,12 +66,8 @@ TEST(BadLists, AreRefusedWithReasonAndWithoutCost) {
 
 TEST(BadFiles, AreRefusedWithReason) {
   TemporaryFolder folder;
-  folder.MakeFifo("fifo");
-  folder.MakeFolder("folder");
-  folder.Link("loop", "loop");
-  folder.Link("to device", "/dev/zero");
-  folder.Write("endless", "");
-  ASSERT_EQ(::truncate(folder.Path("endless").c_str(), off_t{1} << 40), 0);
+  RunShell("cd " + folder.Path() + "; mkfifo fifo; mkdir folder; ln -s loop loop; " +
+           "ln -s /dev/zero 'to device'; truncate -s 1T endless");
   struct {
     std::string question, path, reason;
   } const cases[] = {

@@ -21,10 +21,9 @@ class CaptureManifest : public testing::Test {
     tree_.Write("tree/latin\xE4", "odd");
     tree_.Write("tree/not taken", std::string(5000, 'x'));
     tree_.Link("tree/link", "nowhere");
-    ProcessResult const run =
-        Gatotu({"capture", At(""), "--limit-file-bytes", "4K", "--with-files", Taken("**")});
-    EXPECT_EQ(run.status, 0) << run.errors;
-    EXPECT_THAT(run.output, HasSubstr("over the limit of bytes: " + Taken("not taken")));
+    EXPECT_THAT(
+        Gatotu({"capture", At(""), "--limit-file-bytes", "4K", "--with-files", Taken("**")}),
+        Ends(0, HasSubstr("over the limit of bytes: " + Taken("not taken"))));
   }
 
   std::string Taken(std::string const& name) const { return tree_.Path("tree/" + name); }
@@ -36,12 +35,9 @@ class CaptureManifest : public testing::Test {
 };
 
 TEST_F(CaptureManifest, AgreesWithTheProgramForDigests) {
-  EXPECT_EQ(Verify().status, 0) << Verify().output;
-  ProcessResult const judge =
-      RunShell("cd '" + At("") + "' && sha256sum --check --strict SHA256SUMS");
-  EXPECT_EQ(judge.status, 0) << judge.output << judge.errors;
-  EXPECT_THAT(judge.output, HasSubstr("machine.plist: OK"));
-  EXPECT_THAT(judge.output, HasSubstr("latin\xE4: OK"));
+  EXPECT_THAT(Verify(), Ends(0, testing::_));
+  EXPECT_THAT(RunShell("cd '" + At("") + "' && sha256sum --check --strict SHA256SUMS"),
+              Ends(0, testing::AllOf(HasSubstr("machine.plist: OK"), HasSubstr("latin\xE4: OK"))));
 }
 
 TEST_F(CaptureManifest, TellsWhatIsNotAsItWasWritten) {
@@ -65,9 +61,7 @@ TEST_F(CaptureManifest, TellsWhatIsNotAsItWasWritten) {
     }
     RunShell("cp -a '" + At("") + "' '" + tree_.Path("kept") + "'");
     RunShell("capture='" + At("") + "'; cd '" + Copy("") + "'; " + row.change);
-    ProcessResult const run = Verify();
-    EXPECT_EQ(run.status, 1) << row.name;
-    EXPECT_THAT(run.output, HasSubstr(told)) << row.name;
+    EXPECT_THAT(Verify(), Ends(1, HasSubstr(told))) << row.name;
     fs::remove_all(At(""));
     fs::rename(tree_.Path("kept"), At(""));
   }
