@@ -5,6 +5,8 @@
 
 #include "evaluator/evaluator.h"
 #include "tests/host/child_process.h"
+#include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_registry.h"
 
 namespace gatotu::tests {
 namespace {
@@ -61,6 +63,38 @@ TEST(Module, ThatCannotBeLoadedLeavesTheEvaluatorUsable) {
   EXPECT_EQ(PlugIn::Load("/proc/version", error), nullptr);
   EXPECT_FALSE(error.empty());
   EXPECT_EQ(Evaluated("2"), "2");
+}
+
+// However an evaluation ends.
+TEST(Module, KeepsNoEntriesOfTheRegistry) {
+  std::string error;
+  auto const module = PlugIn::Load(GATOTU_MODULE, error);
+  ASSERT_NE(module, nullptr) << error;
+  auto const registry = std::make_shared<ScriptedRegistry>();
+  auto const machine = std::make_shared<ScriptedMachine>();
+  machine->registry = registry;
+  MachineInUse const use(machine);
+  std::string const top = " of service plane of iokit registry";
+  std::pair<std::string, Outcome> const cases[] = {
+      {"(name of it, path of it) of nodes" + top, Outcome::kAnswered},
+      {"names of (nodes" + top + "; node \"b\"" + top + ")", Outcome::kAnswered},
+      {"names of nodes whose (exists node \"c\" of it)" + top, Outcome::kAnswered},
+      {"keys of dictionary" + top, Outcome::kAnswered},
+      {"string \"key\" of dictionary of node \"b\"" + top, Outcome::kNoSuchObject},
+      {"string \"none\" of dictionary" + top, Outcome::kNoSuchObject},
+      {"name of node \"none\" of nodes" + top, Outcome::kNoSuchObject},
+      {"name of usb plane of iokit registry", Outcome::kNoSuchObject},
+  };
+  for (auto const& [expression, outcome] : cases) {
+    auto const compilation = Compile(expression);
+    ASSERT_NE(compilation.expression, nullptr) << expression;
+    // To the end, and to the first value.
+    for (bool const goes_on : {true, false}) {
+      auto const run = Evaluate(*compilation.expression, [&](Value const&) { return goes_on; });
+      EXPECT_EQ(run.outcome, outcome) << expression;
+      EXPECT_EQ(registry->LiveNodes(), 0) << expression;
+    }
+  }
 }
 
 // Whoever loads both finds each question in one of them only.
