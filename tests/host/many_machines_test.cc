@@ -87,10 +87,9 @@ TEST_F(ManyMachines, JsonNamesTheMachineAndWhatIsWrongWithIt) {
   ProcessResult const run =
       Ask({"--format", "json", "--machines", "-", "--file", "@expressions"}, "@a\n@none");
   EXPECT_EQ(run.status, 4);
-  auto const lines = Lines(run.output);
-  ASSERT_THAT(lines, SizeIs(4));
   std::vector<nlohmann::json> answers;
-  for (auto const& line : lines) answers.push_back(nlohmann::json::parse(line));
+  for (auto const& line : Lines(run.output)) answers.push_back(nlohmann::json::parse(line));
+  ASSERT_THAT(answers, SizeIs(4));
   // What is no expression is none on all of them.
   EXPECT_EQ(answers[0]["expression"], "nonsense");
   EXPECT_FALSE(answers[0].contains("machine"));
