@@ -161,25 +161,15 @@ void Type(char const* name, unsigned long size, InspectorDestroy destroy, char c
 
 bool Fail(void* result, void const* parameter, void const*, void*, void const*) {
   integer const kind = *Seen<integer>(parameter);
-  switch (kind) {
-    case 0:
-      throw NoSuchObject();
-    case 1:
-      throw OSError(-43);
-    case 2:
-      throw std::runtime_error("out of ink");
-    case 3:
-      throw 3;
-    case 4:
-      throw std::bad_alloc();
-    case 5:
-      ThrowRealOSError(kMemoryFullStatus);
-    case 6:
-      return false;
-    default:
-      new (result) integer(kind);
-      return true;
-  }
+  if (kind == 0) throw NoSuchObject();
+  if (kind == 1) throw OSError(-43);
+  if (kind == 2) throw std::runtime_error("out of ink");
+  if (kind == 3) throw 3;
+  if (kind == 4) throw std::bad_alloc();
+  if (kind == 5) ThrowRealOSError(kMemoryFullStatus);
+  if (kind == 6) return false;
+  new (result) integer(kind);
+  return true;
 }
 
 integer Swallow() try {

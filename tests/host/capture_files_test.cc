@@ -1,6 +1,4 @@
 // Files that a capture takes along, and the list of digests beside them.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <atomic>

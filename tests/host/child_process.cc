@@ -4,9 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <thread>
@@ -19,13 +20,8 @@ using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 TemporaryFile MakeFile() { return {std::tmpfile(), &std::fclose}; }
 
 std::string Content(std::FILE* file) {
-  std::string content;
-  std::rewind(file);
-  std::array<char, 4096> buffer;
-  while (std::size_t const got = std::fread(buffer.data(), 1, buffer.size(), file)) {
-    content.append(buffer.data(), got);
-  }
-  return content;
+  std::ifstream stream("/proc/self/fd/" + std::to_string(::fileno(file)));
+  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {

@@ -1,6 +1,4 @@
 // The command waits for directory records only as long as it is told to.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include "tests/host/child_process.h"
 #include "tests/support/directory_server.h"

@@ -1,6 +1,4 @@
 // Several machines asked with one command.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <nlohmann/json.hpp>

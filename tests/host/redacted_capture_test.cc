@@ -1,8 +1,4 @@
 // Captures without names.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <filesystem>
 
 #include "tests/host/child_process.h"
 #include "tests/support/temporary_folder.h"
