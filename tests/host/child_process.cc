@@ -114,6 +114,7 @@ std::vector<std::string> Lines(std::string const& text) {
 
 std::string Repeat(std::string_view text, std::size_t times) {
   std::string result;
+  result.reserve(text.size() * times);
   for (; times > 0; --times) result += text;
   return result;
 }
