@@ -1,7 +1,6 @@
 #include "tests/support/scripted_machine.h"
 
 #include <cstring>
-#include <ranges>
 
 #include "tests/support/big_endian_text.h"
 
@@ -22,8 +21,9 @@ machine::Fact<std::string> ScriptedMachine::In(Texts const& texts, std::string c
 }
 
 std::vector<std::string> ScriptedMachine::NamesOf(Texts const& texts) {
-  auto const names = std::views::keys(texts);
-  return {names.begin(), names.end()};
+  std::vector<std::string> names;
+  for (auto const& [name, text] : texts) names.push_back(name);
+  return names;
 }
 
 machine::Fact<std::size_t> ScriptedMachine::CountProcesses() const {
