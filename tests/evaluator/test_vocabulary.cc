@@ -88,6 +88,7 @@ T const* Seen(void const* value) {
 std::string_view Text(inspector_string const& text) {
   return {reinterpret_cast<char const*>(text.start), text.length};
 }
+inspector_string Copy(inspector_string const& text) { return InspectorText(Text(text)); }
 
 // Static, so that the evaluator finds the library they belong to.
 Registration& Linked() {
@@ -97,40 +98,31 @@ Registration& Linked() {
 }
 
 // A property of `Object` by a `Parameter` (void: of the world, by nothing): `Value(parameter,
-// object)`.
-template <class Parameter, class Object, auto Value>
-void Plain(char const* singular, char const* plural, FingerprintFunction fingerprint = nullptr) {
-  using Result = decltype(Value(Seen<Parameter>(nullptr), Seen<Object>(nullptr)));
-  InspectorGet const get = [](void* result, void const* parameter, void const* object, void*,
-                              void const*) {
-    if (result != nullptr)
-      new (result) Result(Value(Seen<Parameter>(parameter), Seen<Object>(object)));
+// object)`. What computes it is a lambda that holds nothing.
+template <class Parameter, class Object, class Value>
+void Plain(char const* singular, char const* plural, Value,
+           FingerprintFunction fingerprint = nullptr) {
+  using Result = decltype(Value()(Seen<Parameter>(nullptr), Seen<Object>(nullptr)));
+  InspectorGet const get = [](void* result, void const* parameter, void const* object, auto...) {
+    new (result) Result(Value()(Seen<Parameter>(parameter), Seen<Object>(object)));
     return true;
   };
   Linked().Add(Register_Property, Unregister_Property, singular, plural, TypeName<Parameter>(),
                TypeName<Object>(), TypeName<Result>(), get, nullptr, fingerprint);
 }
 
-// A property whose own adapter says when there is no such object.
-void Partial(char const* singular, char const* plural, char const* parameter, char const* object,
-             char const* result, InspectorGet get) {
-  Linked().Add(Register_Property, Unregister_Property, singular, plural, parameter, object, result,
-               get, nullptr, nullptr);
-}
-
 // `Limit(parameter, object)` values, made by `Make(n, counter, object)`.
-template <class Parameter, class Object, auto Limit, auto Make>
-void Iterated(char const* singular, char const* plural) {
-  using Result = decltype(Make(integer(), std::declval<Counter*>(), Seen<Object>(nullptr)));
+template <class Parameter, class Object, class Limit, class Make>
+void Iterated(char const* singular, char const* plural, Limit, Make) {
+  using Result = decltype(Make()(integer(), std::declval<Counter*>(), Seen<Object>(nullptr)));
   InspectorGet const step = [](void* result, void const* parameter, void const* object, void* state,
                                void const*) {
-    if (result == nullptr) return true;
     auto* const counter = static_cast<Counter*>(state);
     counter->Check();
     if (counter->item_alive) ++ledger.misused;
-    if (counter->at >= Limit(Seen<Parameter>(parameter), Seen<Object>(object)))
+    if (counter->at >= Limit()(Seen<Parameter>(parameter), Seen<Object>(object)))
       throw NoSuchObject();
-    new (result) Result(Make(++counter->at, counter, Seen<Object>(object)));
+    new (result) Result(Make()(++counter->at, counter, Seen<Object>(object)));
     return true;
   };
   Linked().Add(
@@ -168,30 +160,19 @@ void Type(char const* name, unsigned long size, InspectorDestroy destroy, char c
 }
 
 bool Fail(void* result, void const* parameter, void const*, void*, void const*) {
-  if (result == nullptr) return true;
   integer const kind = *Seen<integer>(parameter);
-  switch (kind) {
-    case 0:
-      throw NoSuchObject();
-    case 1:
-      throw OSError(-43);
-    case 2:
-      throw std::runtime_error("out of ink");
-    case 3:
-      throw 3;
-    case 4:
-      throw std::bad_alloc();
-    case 5:
-      ThrowRealOSError(kMemoryFullStatus);
-    case 6:
-      return false;
-    default:
-      new (result) integer(kind);
-      return true;
-  }
+  if (kind == 0) throw NoSuchObject();
+  if (kind == 1) throw OSError(-43);
+  if (kind == 2) throw std::runtime_error("out of ink");
+  if (kind == 3) throw 3;
+  if (kind == 4) throw std::bad_alloc();
+  if (kind == 5) ThrowRealOSError(kMemoryFullStatus);
+  if (kind == 6) return false;
+  new (result) integer(kind);
+  return true;
 }
 
-integer Swallow(void const*, void const*) try {
+integer Swallow() try {
   while (true) {
     Check_For_Inspector_Interruption();
     std::this_thread::sleep_for(std::chrono::microseconds(100));
@@ -202,7 +183,7 @@ integer Swallow(void const*, void const*) try {
 
 std::atomic<int> inside = 0;
 
-bool Exclusive(void const*, void const*) {
+bool Exclusive() {
   if (++inside != 1) ++ledger.misused;
   std::this_thread::sleep_for(std::chrono::microseconds(200));
   --inside;
@@ -219,8 +200,8 @@ bool Say(inspector_string const& text) {
   return true;
 }
 
-inspector_string Label(void const*, Thing const* thing) {
-  return {reinterpret_cast<unsigned char const*>(thing->label), std::strlen(thing->label)};
+inspector_string Label(Thing const& thing) {
+  return {reinterpret_cast<unsigned char const*>(thing.label), std::strlen(thing.label)};
 }
 
 void OperatorsAndCasts() {
@@ -254,73 +235,64 @@ void OperatorsAndCasts() {
 void WorldProperties() {
   using S = inspector_string;
   constexpr auto given = [](integer const* limit, auto*) { return *limit; };
-  Iterated<void, void, [](auto...) { return 3; },
-           [](integer n, Counter* counter, auto*) { return Shelf(n, counter); }>("shelf",
-                                                                                 "shelves");
-  Partial("shelf", "shelves", "integer", "", "shelf",
-          [](void* result, void const* parameter, auto...) {
-            integer const number = *Seen<integer>(parameter);
-            bool const is_there = number >= 0 && number <= 9;
-            if (result != nullptr && is_there) new (result) Shelf(number);
-            return is_there;
-          });
-  Iterated<integer, void, given, [](integer n, auto...) { return n; }>("count", "counts");
-  Iterated<integer, void, given, [](auto...) {
+  Iterated<void, void>(
+      "shelf", "shelves", [](auto...) { return 3; },
+      [](integer n, Counter* counter, auto*) { return Shelf(n, counter); });
+  Plain<integer, void>("shelf", "shelves", [](auto* number, auto*) {
+    if (*number < 0 || *number > 9) throw NoSuchObject();
+    return Shelf(*number);
+  });
+  Iterated<integer, void>("count", "counts", given, [](integer n, auto...) { return n; });
+  Iterated<integer, void>("bulky", "bulkies", given, [](auto...) {
     static_cast<char*>(Allocate_Inspector_Memory(1 << 16))[1 << 15] = 'x';
     return InspectorText("bulk");
-  }>("bulky", "bulkies");
-  Plain<S, void, [](auto* text, auto*) { return Say(*text), InspectorText(Text(*text)); }>("say",
-                                                                                           "says");
-  Plain<S, void, [](auto* text, auto*) { return Say(*text); }>("yes", "yeses");
-  Plain<S, void, [](auto* text, auto*) { return !Say(*text); }>("no", "noes");
-  Partial("fail", "fails", "integer", "", "integer", Fail);
-  Plain<void, void, Swallow>("swallow", "swallows");
-  Plain<void, void, Exclusive>("exclusive", "exclusives");
-  Iterated<void, void, [](auto...) { return INT64_MAX; },
-           [](integer n, auto...) {
-             Check_For_Inspector_Interruption();
-             return n;
-           }>("endless", "endlesses");
+  });
+  Plain<S, void>("say", "says", [](auto* text, auto*) { return Say(*text), Copy(*text); });
+  Plain<S, void>("yes", "yeses", [](auto* text, auto*) { return Say(*text); });
+  Plain<S, void>("no", "noes", [](auto* text, auto*) { return !Say(*text); });
+  Linked().Property("fail", "fails", "integer", "integer", Fail);
+  Plain<void, void>("swallow", "swallows", [](auto...) { return Swallow(); });
+  Plain<void, void>("exclusive", "exclusives", [](auto...) { return Exclusive(); });
+  Iterated<void, void>(
+      "endless", "endlesses", [](auto...) { return INT64_MAX; },
+      [](integer n, auto...) { return Check_For_Inspector_Interruption(), n; });
   Linked().Add(
       Register_Iterated_Property, Unregister_Property, "unopened", "unopeneds", "", "", "integer",
       sizeof(Counter), [](void*) { throw NoSuchObject(); }, Destroy<Counter>,
       [](auto...) { return true; }, [](auto...) { return true; }, nullptr, nullptr);
-  Plain<void, void, [](auto...) { return InspectorText("plain"); }>("twin", "twins");
-  Iterated<void, void, [](auto...) { return 2; },
-           [](integer n, auto...) { return InspectorText(n == 1 ? "a" : "b"); }>("twin", "twins");
-  Plain<S, void, [](auto* text, auto*) {
+  Plain<void, void>("twin", "twins", [](auto...) { return InspectorText("plain"); });
+  Iterated<void, void>(
+      "twin", "twins", [](auto...) { return 2; },
+      [](integer n, auto...) { return InspectorText(n == 1 ? "a" : "b"); });
+  auto const known = [](auto* text, auto*) {
     ++ledger.known_calls;
-    if (text->length == 0) throw NoSuchObject();
-    return InspectorText(Text(*text));
-  }>("known", "knowns", DependsOnlyOnParameters);
-  Plain<void, void, [](auto...) { return integer{7}; }>("build number", "build numbers");
-  Partial("ghost", "ghosts", "", "", "ghost", [](auto...) { return false; });
-  Plain<void, void, [](auto...) { return Stone{1}; }>("stone", "stones");
-  Plain<integer, void, [](auto* grams, auto*) { return Weight{*grams}; }>("weight", "weights");
+    return text->length == 0 ? throw NoSuchObject() : Copy(*text);
+  };
+  Plain<S, void>("known", "knowns", known, DependsOnlyOnParameters);
+  Plain<void, void>("build number", "build numbers", [](auto...) { return integer{7}; });
+  Linked().Property("ghost", "ghosts", "", "ghost", [](auto...) { return false; });
+  Plain<void, void>("stone", "stones", [](auto...) { return Stone{1}; });
+  Plain<integer, void>("weight", "weights", [](auto* grams, auto*) { return Weight{*grams}; });
 }
 
 void ObjectProperties() {
-  Iterated<void, Shelf, [](auto*, auto* shelf) { return shelf->number; },
-           [](integer n, Counter* counter, auto* shelf) {
-             return Book(shelf->number * 10 + n, counter);
-           }>("book", "books");
-  Plain<integer, Shelf, [](auto* n, auto* shelf) { return Book(shelf->number * 10 + *n); }>(
-      "book", "books");
-  Plain<void, Shelf, [](auto...) { return InspectorText("overture"); }>("first title",
-                                                                        "first titles");
+  Iterated<void, Shelf>(
+      "book", "books", [](auto*, auto* shelf) { return shelf->number; },
+      [](integer n, Counter* at, auto* shelf) { return Book(shelf->number * 10 + n, at); });
+  Plain<integer, Shelf>("book", "books",
+                        [](auto* n, auto* shelf) { return Book(shelf->number * 10 + *n); });
+  Plain<void, Shelf>("first title", "first titles",
+                     [](auto...) { return InspectorText("overture"); });
   // Only the second shelf has a keeper, so that a plural skips the others.
-  Partial("keeper", nullptr, "", "shelf", "string",
-          [](void* result, void const*, void const* shelf, auto...) {
-            if (Seen<Shelf>(shelf)->number != 2) return false;
-            if (result != nullptr) new (result) inspector_string(InspectorText("Ann"));
-            return true;
-          });
-  Plain<void, Thing, Label>("label", "labels");
-  Plain<void, Book, Label>("title", "titles");
-  Plain<void, Book, [](auto*, auto* book) { return book->number % 10 * 100; }>("page count",
-                                                                               "page counts");
-  Plain<void, Book, [](auto*, auto* book) { return Weight{book->number % 10}; }>("weight",
-                                                                                 "weights");
+  Plain<void, Shelf>("keeper", nullptr, [](auto*, auto* shelf) {
+    return shelf->number == 2 ? InspectorText("Ann") : throw NoSuchObject();
+  });
+  Plain<void, Thing>("label", "labels", [](auto*, auto* thing) { return Label(*thing); });
+  Plain<void, Book>("title", "titles", [](auto*, auto* book) { return Label(*book); });
+  Plain<void, Book>("page count", "page counts",
+                    [](auto*, auto* book) { return book->number % 10 * 100; });
+  Plain<void, Book>("weight", "weights",
+                    [](auto*, auto* book) { return Weight{book->number % 10}; });
 }
 
 // Properties come before their types, as static initialisation may have it.

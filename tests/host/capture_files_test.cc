@@ -1,6 +1,4 @@
-// Files that a capture takes along.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+// Files that a capture takes along, and the list of digests beside them.
 #include <sys/stat.h>
 
 #include <atomic>
@@ -75,9 +73,7 @@ TEST_F(TakenFiles, AreThoseThatAPatternFinds) {
       {"fifo.conf", {}},
   };
   for (auto const& row : cases) {
-    ProcessResult const run = Take({"--for", "1", "--with-files", At(row.pattern)});
-    EXPECT_EQ(run.status, 0) << row.pattern;
-    EXPECT_EQ(run.errors, "") << row.pattern;
+    EXPECT_THAT(Take({"--for", "1", "--with-files", At(row.pattern)}), Ends(0, testing::_, ""));
     EXPECT_THAT(Taken(), ElementsAreArray(row.found)) << row.pattern;
   }
   EXPECT_THAT(Take({"--with-files", At("none*")}).errors, HasSubstr("nothing is"));
@@ -118,10 +114,10 @@ TEST_F(TakenFiles, ThatMayNotBeReadAreTold) {
   ::chmod(At("closed").c_str(), 0);
   ::chmod(tree_.Path().c_str(), 0777);
   if (AsNobody({"1"}).status != 0) GTEST_SKIP() << "nobody cannot run the command here";
-  ProcessResult const run = AsNobody({"capture", tree_.Path("capture"), "--with-files", At("**")});
-  EXPECT_EQ(run.status, 0);
-  EXPECT_THAT(run.errors, HasSubstr(At("secret") + ": Permission denied"));
-  EXPECT_THAT(run.errors, HasSubstr(At("closed") + ": Permission denied"));
+  EXPECT_THAT(AsNobody({"capture", tree_.Path("capture"), "--with-files", At("**")}),
+              Ends(0, testing::_,
+                   testing::AllOf(HasSubstr(At("secret") + ": Permission denied"),
+                                  HasSubstr(At("closed") + ": Permission denied"))));
   EXPECT_THAT(Captured("content of file \"" + At("secret") + "\""),
               HasSubstr("permission refused"));
 }
@@ -148,6 +144,75 @@ TEST_F(TakenFiles, NeedNoMemoryOfTheirSize) {
   ProcessResult const large = Take({"--with-files", At("large")});
   EXPECT_THAT(Taken(), testing::ElementsAre("large"));
   EXPECT_LT(large.most_memory, small.most_memory + 10'000'000);
+}
+
+class CaptureManifest : public TakenFiles {
+ protected:
+  CaptureManifest() {
+    for (std::string const name : {"plain", "back\\slash\nand line", "latin\xE4"}) {
+      tree_.Write("tree/" + name, "odd");
+    }
+    tree_.Write("tree/not taken", std::string(5000, 'x'));
+    tree_.Link("tree/link", "nowhere");
+    EXPECT_THAT(Take({"--limit-file-bytes", "4K", "--with-files", At("**")}),
+                Ends(0, HasSubstr("over the limit of bytes: " + At("not taken"))));
+  }
+
+  ProcessResult Verify() const { return Gatotu({"capture", "--verify", tree_.Path("capture")}); }
+  ProcessResult Shell(std::string const& line) const {
+    return RunShell("cd " + tree_.Path() + " && " + line);
+  }
+};
+
+TEST_F(CaptureManifest, AgreesWithTheProgramForDigests) {
+  EXPECT_THAT(Verify(), Ends(0, testing::_));
+  EXPECT_THAT(Shell("cd capture && sha256sum --check --strict SHA256SUMS"),
+              Ends(0, testing::AllOf(HasSubstr("machine.plist: OK"), HasSubstr("latin\xE4: OK"))));
+  // A disk may know no holes.
+  Shell("mv capture full && cp -a --sparse=never full capture");
+  EXPECT_EQ(Verify().status, 0);
+}
+
+TEST_F(CaptureManifest, TellsWhatIsNotAsItWasWritten) {
+  struct {
+    char const *name, *change, *told;
+  } const cases[] = {
+      {"altered", "printf X >> plain", "altered: root%/plain"},
+      {"odd name", "for each in back*; do printf X > \"$each\"; done",
+       "altered: root%/back\\slash\\x0aand line"},
+      {"another target", "ln -sfn elsewhere link", "altered: root%/link"},
+      {"no file any more", "rm plain; mkfifo plain", "altered: root%/plain"},
+      {"bytes in a hole", "printf X >> 'not taken'", "altered: root%/not taken"},
+      {"missing", "rm latin*", "missing: root%/latin"},
+      {"added", "touch new", "added: root%/new"},
+      {"document", "printf X >> $OLDPWD/capture/machine.plist", "altered: machine.plist"},
+  };
+  Shell("mv capture kept");
+  for (auto const& row : cases) {
+    std::string told = row.told;
+    std::size_t const at = told.find('%');
+    if (at != std::string::npos) told.replace(at, 1, tree_.Path("tree"));
+    Shell("rm -rf capture; cp -a kept capture; cd capture/root" + At("") + "; " + row.change);
+    EXPECT_THAT(Verify(), Ends(1, HasSubstr(told))) << row.name;
+  }
+}
+
+TEST_F(CaptureManifest, OfAnEndlessFileIsGivenUpAtTheTimeLimit) {
+  fs::resize_file(tree_.Path("capture/machine.plist"), std::uintmax_t{1} << 40);
+  std::string const capture = tree_.Path("capture");
+  EXPECT_THAT(Gatotu({"capture", capture, "--verify", "--time-limit", "100ms"}),
+              Ends(3, "", HasSubstr("limit was reached; " + capture + ": not all of it was")));
+}
+
+TEST_F(CaptureManifest, ThatIsNoneIsSaidSo) {
+  tree_.Write("capture/SHA256SUMS", "nonsense\n");
+  EXPECT_THAT(Verify().errors, HasSubstr("not a list of digests"));
+  fs::resize_file(tree_.Path("capture/SHA256SUMS"), std::uintmax_t{1} << 40);
+  EXPECT_THAT(Verify().errors, HasSubstr("larger than 256 MiB"));
+  fs::remove(tree_.Path("capture/SHA256SUMS"));
+  EXPECT_EQ(Verify().status, 4);
+  // It is no part of the capture.
+  EXPECT_EQ(Captured("content of file \"" + At("plain") + "\""), "odd\n");
 }
 
 }  // namespace

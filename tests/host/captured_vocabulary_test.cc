@@ -1,5 +1,4 @@
 // Everything that the vocabulary offers, asked of a machine and of its capture.
-#include <gtest/gtest.h>
 
 #include <map>
 #include <nlohmann/json.hpp>

@@ -4,9 +4,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
 #include <cstdio>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <thread>
@@ -19,13 +20,8 @@ using TemporaryFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 TemporaryFile MakeFile() { return {std::tmpfile(), &std::fclose}; }
 
 std::string Content(std::FILE* file) {
-  std::string content;
-  std::rewind(file);
-  std::array<char, 4096> buffer;
-  while (std::size_t const got = std::fread(buffer.data(), 1, buffer.size(), file)) {
-    content.append(buffer.data(), got);
-  }
-  return content;
+  std::ifstream stream("/proc/self/fd/" + std::to_string(::fileno(file)));
+  return {std::istreambuf_iterator<char>(stream), {}};
 }
 
 std::vector<char*> Pointers(std::vector<std::string>& texts) {
@@ -37,10 +33,24 @@ std::vector<char*> Pointers(std::vector<std::string>& texts) {
 
 }  // namespace
 
+testing::Matcher<ProcessResult const&> Ends(testing::Matcher<int> status,
+                                            testing::Matcher<std::string> output,
+                                            testing::Matcher<std::string> errors) {
+  return testing::AllOf(testing::Field("status", &ProcessResult::status, status),
+                        testing::Field("output", &ProcessResult::output, output),
+                        testing::Field("errors", &ProcessResult::errors, errors));
+}
+
+void PrintTo(ProcessResult const& run, std::ostream* stream) {
+  *stream << "status " << run.status << ", output:\n" << run.output << "errors:\n" << run.errors;
+}
+
 ProcessResult RunCommand(Launch const& launch) {
   std::vector<std::string> arguments = {launch.program.empty() ? GATOTU_COMMAND : launch.program};
   arguments.insert(arguments.end(), launch.arguments.begin(), launch.arguments.end());
-  std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "HOME=/nonexistent"};
+  // Values of preferences are kept for ever on purpose.
+  std::vector<std::string> environment = {"PATH=/usr/bin:/bin", "HOME=/nonexistent",
+                                          "LSAN_OPTIONS=suppressions=" LEAKS_ON_PURPOSE};
   environment.insert(environment.end(), launch.environment.begin(), launch.environment.end());
   auto argv = Pointers(arguments);
   auto envp = Pointers(environment);
@@ -100,6 +110,13 @@ std::vector<std::string> Lines(std::string const& text) {
   std::istringstream stream(text);
   for (std::string line; std::getline(stream, line);) lines.push_back(line);
   return lines;
+}
+
+std::string Repeat(std::string_view text, std::size_t times) {
+  std::string result;
+  result.reserve(text.size() * times);
+  for (; times > 0; --times) result += text;
+  return result;
 }
 
 }  // namespace gatotu::tests

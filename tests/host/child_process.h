@@ -26,6 +26,12 @@ struct Launch {
   std::string program = {};                      // empty: the command
 };
 
+// It ended so, with this output and these errors.
+testing::Matcher<ProcessResult const&> Ends(testing::Matcher<int> status,
+                                            testing::Matcher<std::string> output,
+                                            testing::Matcher<std::string> errors = testing::_);
+void PrintTo(ProcessResult const& run, std::ostream* stream);
+
 ProcessResult RunCommand(Launch const& launch);
 ProcessResult Gatotu(std::vector<std::string> arguments, std::string input = {});
 // As a user without rights of the superuser.
@@ -35,5 +41,7 @@ ProcessResult RunShell(std::string line, std::string shell = "sh");
 
 // The lines without their line feeds.
 std::vector<std::string> Lines(std::string const& text);
+// `text` so many times over.
+std::string Repeat(std::string_view text, std::size_t times);
 
 }  // namespace gatotu::tests

@@ -46,21 +46,11 @@ class Cache : public testing::Test {
 };
 
 TEST_F(Cache, KeepsUsersApartWhateverTheyAreCalled) {
-  std::vector<std::string> const names = {"ann",
-                                          "Ann",
-                                          "..",
-                                          "../../etc/passwd",
-                                          "a/b",
-                                          "a%2fb",
-                                          "a\0b"s,
-                                          "a",
-                                          "\xFF\xFE",
-                                          "-",
-                                          "\n",
-                                          "CORP\\ann",
-                                          std::string(300, 'x'),
-                                          std::string(299, 'x') + "y",
-                                          std::string(300, '/')};
+  std::vector<std::string> names = {"ann", "Ann",   "..",       "../../etc/passwd",
+                                    "a/b", "a%2fb", "a",        "\xFF\xFE",
+                                    "-",   "\n",    "CORP\\ann"};
+  std::string const long_name(299, 'x');
+  names.insert(names.end(), {"a\0b"s, long_name + "x", long_name + "y", std::string(300, '/')});
   std::set<std::string> files;
   for (std::string const& name : names) {
     std::string const file = host::CacheFileName(name);

@@ -1,20 +1,21 @@
 
-#include <fstream>
+#include <dlfcn.h>
+
 #include <map>
+#include <sstream>
 #include <tuple>
 
 #include "evaluator/evaluator.h"
 #include "tests/host/child_process.h"
+#include "tests/support/scripted_machine.h"
+#include "tests/support/scripted_registry.h"
 
 namespace gatotu::tests {
 namespace {
 
-bool IsMapped(std::string const& file) {
-  std::ifstream maps("/proc/self/maps");
-  for (std::string line; std::getline(maps, line);) {
-    if (line.ends_with(file)) return true;
-  }
-  return false;
+bool IsLoaded() {
+  void* const module = ::dlopen(GATOTU_MODULE, RTLD_NOW | RTLD_NOLOAD);
+  return module != nullptr && ::dlclose(module) == 0;
 }
 
 std::string Evaluated(std::string_view text) {
@@ -34,7 +35,7 @@ TEST(Module, LoadsAndUnloadsAgainAndAgain) {
     std::string error;
     auto module = PlugIn::Load(GATOTU_MODULE, error);
     ASSERT_NE(module, nullptr) << error;
-    EXPECT_TRUE(IsMapped("/Gatotu.so"));
+    EXPECT_TRUE(IsLoaded());
     EXPECT_GT(Vocabulary().size(), before);
 
     Compilation const compilation = Compile("name of process 1");
@@ -42,7 +43,7 @@ TEST(Module, LoadsAndUnloadsAgainAndAgain) {
     EXPECT_THAT(Evaluated("name of process 1"), testing::Not(testing::AnyOf("", "refused")));
 
     module.reset();
-    EXPECT_FALSE(IsMapped("/Gatotu.so"));
+    EXPECT_FALSE(IsLoaded());
     EXPECT_EQ(Vocabulary().size(), before);
     auto const stale = Evaluate(*compilation.expression, [](Value const&) { return true; });
     EXPECT_EQ(stale.outcome, Outcome::kStale);
@@ -61,6 +62,38 @@ TEST(Module, ThatCannotBeLoadedLeavesTheEvaluatorUsable) {
   EXPECT_EQ(PlugIn::Load("/proc/version", error), nullptr);
   EXPECT_FALSE(error.empty());
   EXPECT_EQ(Evaluated("2"), "2");
+}
+
+// However an evaluation ends.
+TEST(Module, KeepsNoEntriesOfTheRegistry) {
+  std::string error;
+  auto const module = PlugIn::Load(GATOTU_MODULE, error);
+  ASSERT_NE(module, nullptr) << error;
+  auto const registry = std::make_shared<ScriptedRegistry>();
+  auto const machine = std::make_shared<ScriptedMachine>();
+  machine->registry = registry;
+  MachineInUse const use(machine);
+  std::string const top = " of service plane of iokit registry";
+  std::pair<std::string, Outcome> const cases[] = {
+      {"(name of it, path of it) of nodes" + top, Outcome::kAnswered},
+      {"names of (nodes" + top + "; node \"b\"" + top + ")", Outcome::kAnswered},
+      {"names of nodes whose (exists node \"c\" of it)" + top, Outcome::kAnswered},
+      {"keys of dictionary" + top, Outcome::kAnswered},
+      {"string \"key\" of dictionary of node \"b\"" + top, Outcome::kNoSuchObject},
+      {"string \"none\" of dictionary" + top, Outcome::kNoSuchObject},
+      {"name of node \"none\" of nodes" + top, Outcome::kNoSuchObject},
+      {"name of usb plane of iokit registry", Outcome::kNoSuchObject},
+  };
+  for (auto const& [expression, outcome] : cases) {
+    auto const compilation = Compile(expression);
+    ASSERT_NE(compilation.expression, nullptr) << expression;
+    // To the end, and to the first value.
+    for (bool const goes_on : {true, false}) {
+      auto const run = Evaluate(*compilation.expression, [&](Value const&) { return goes_on; });
+      EXPECT_EQ(run.outcome, outcome) << expression;
+      EXPECT_EQ(registry->LiveNodes(), 0) << expression;
+    }
+  }
 }
 
 // Whoever loads both finds each question in one of them only.

@@ -10,8 +10,7 @@ namespace {
 
 std::string Answer(std::string const& expression) {
   ProcessResult const run = Gatotu({expression});
-  EXPECT_EQ(run.status, 0) << expression << '\n' << run.errors;
-  EXPECT_EQ(run.errors, "") << expression;
+  EXPECT_THAT(run, Ends(0, testing::_, "")) << expression;
   return run.output;
 }
 

@@ -1,6 +1,4 @@
 // Several machines asked with one command.
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <chrono>
 #include <nlohmann/json.hpp>
@@ -17,6 +15,7 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::SizeIs;
+using testing::StartsWith;
 
 // Never ends on a machine of the name "slow".
 constexpr char kSlowOnOne[] =
@@ -86,10 +85,9 @@ TEST_F(ManyMachines, JsonNamesTheMachineAndWhatIsWrongWithIt) {
   ProcessResult const run =
       Ask({"--format", "json", "--machines", "-", "--file", "@expressions"}, "@a\n@none");
   EXPECT_EQ(run.status, 4);
-  auto const lines = Lines(run.output);
-  ASSERT_THAT(lines, SizeIs(4));
   std::vector<nlohmann::json> answers;
-  for (auto const& line : lines) answers.push_back(nlohmann::json::parse(line));
+  for (auto const& line : Lines(run.output)) answers.push_back(nlohmann::json::parse(line));
+  ASSERT_THAT(answers, SizeIs(4));
   // What is no expression is none on all of them.
   EXPECT_EQ(answers[0]["expression"], "nonsense");
   EXPECT_FALSE(answers[0].contains("machine"));
@@ -113,10 +111,8 @@ TEST_F(ManyMachines, AnswersStayInOrderAndADamagedOneDisturbsNoOther) {
   std::string const expression =
       "if (hostname = \"0\") then (number of integers below 4000000) else 7";
   ProcessResult const run = Ask({"--machines", "-", "--jobs", "5", expression}, list);
-  EXPECT_EQ(run.output, Resolve(answers));
+  EXPECT_THAT(run, Ends(4, Resolve(answers), StartsWith(Resolve("gatotu: @3/machine.plist: "))));
   EXPECT_THAT(Lines(run.errors), SizeIs(3));
-  EXPECT_THAT(run.errors, testing::StartsWith(Resolve("gatotu: @3/machine.plist: ")));
-  EXPECT_EQ(run.status, 4);
 }
 
 TEST_F(ManyMachines, AListMayHoldAnyNames) {
@@ -126,10 +122,9 @@ TEST_F(ManyMachines, AListMayHoldAnyNames) {
                             std::string(1, '\0') + Resolve("x\n") + std::string(100'000, 'x') +
                             Resolve("\n@last"));
   ProcessResult const run = Ask({"--machines", "@list", "hostname"});
-  EXPECT_EQ(run.output, Resolve("@two words: two words\n@ first:  first\n@caf\x8e: cafe\n"
-                                "@#x: #x\n@last: last\n"));
+  EXPECT_THAT(run, Ends(4, Resolve("@two words: two words\n@ first:  first\n@caf\x8e: cafe\n"
+                                   "@#x: #x\n@last: last\n")));
   EXPECT_THAT(Lines(run.errors), SizeIs(2));
-  EXPECT_EQ(run.status, 4);
   // A folder of a list is never the machine at hand.
   EXPECT_THAT(Ask({"--machines", "-", "1"}, "live").errors, HasSubstr("./live: No such file"));
 }
@@ -156,10 +151,7 @@ TEST_F(ManyMachines, WhatMakesNoSenseIsRefused) {
       {{"--machine", "@a", "--machine", "@a", "nam of procss"}, 2, "error: "},
   };
   for (auto const& row : rows) {
-    ProcessResult const run = Ask(row.arguments);
-    EXPECT_EQ(run.output, "") << row.message;
-    EXPECT_THAT(run.errors, HasSubstr(row.message));
-    EXPECT_EQ(run.status, row.status) << row.message;
+    EXPECT_THAT(Ask(row.arguments), Ends(row.status, "", HasSubstr(row.message)));
   }
 }
 
@@ -172,18 +164,16 @@ TEST_F(ManyMachines, AWorkerThatIsKilledCostsItsMachineOnly) {
                  "' >@out & until [ -s @out ]; do sleep 0.05; done; sleep 0.5; "
                  "kill -9 $(ps -o pid= --ppid $!); wait $!");
   EXPECT_EQ(folder_.Read("out"), Resolve("@a: 7\n@c: 7\n"));
-  EXPECT_EQ(run.errors,
-            Resolve("gatotu: @slow: the process that asked it ended by signal 9 (Killed)\n"));
-  EXPECT_EQ(run.status, 4);
+  EXPECT_THAT(run, Ends(4, "",
+                        Resolve("gatotu: @slow: the process that asked it ended by signal 9 "
+                                "(Killed)\n")));
 }
 
 TEST_F(ManyMachines, ATimeLimitCostsItsMachineOnly) {
   for (char const* name : {"a", "slow", "c"}) Make(name);
-  ProcessResult const run =
-      Ask({"--time-limit", "200ms", "--machines", "-", kSlowOnOne}, "@a\n@slow\n@c\n");
-  EXPECT_EQ(run.output, Resolve("@a: 7\n@c: 7\n"));
-  EXPECT_THAT(run.errors, testing::StartsWith(Resolve("@slow: error: the time limit")));
-  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(
+      Ask({"--time-limit", "200ms", "--machines", "-", kSlowOnOne}, "@a\n@slow\n@c\n"),
+      Ends(3, Resolve("@a: 7\n@c: 7\n"), StartsWith(Resolve("@slow: error: the time limit"))));
 }
 
 TEST_F(ManyMachines, NothingOutlivesTheCommand) {
@@ -192,27 +182,24 @@ TEST_F(ManyMachines, NothingOutlivesTheCommand) {
   ProcessResult const run = Ask(
       {"--time-limit", "0", "--format", "json", "--jobs", "3", "--machines", "-", "--", kSlowOnOne},
       list, std::chrono::milliseconds(kIsSanitized ? 4000 : 700));
-  EXPECT_EQ(run.status, 3);
+  EXPECT_THAT(run, Ends(3, testing::_, "gatotu: interrupted\n"));
   EXPECT_EQ(nlohmann::json::parse(run.output)["error"]["code"], "interrupted");
-  EXPECT_EQ(run.errors, "gatotu: interrupted\n");
   EXPECT_THAT(Left(), IsEmpty());
 
   std::string const two = "$g --time-limit 0 --machine @slow --machine @slow ";
-  AskInShell(two + "'integers below 1000000000000000' | head -n 1");
-  EXPECT_THAT(Left(), IsEmpty());
-  AskInShell(two + "'" + kSlowOnOne + "' | sleep 0.5");
-  EXPECT_THAT(Left(), IsEmpty());
-  AskInShell(two + "'" + kSlowOnOne + "' & sleep 0.5; kill -9 $!");
-  EXPECT_THAT(Left(), IsEmpty());
+  std::string const slow = two + "'" + kSlowOnOne + "' ";
+  for (std::string const& line : {two + "'integers below 1000000000000000' | head -n 1",
+                                  slow + "| sleep 0.5", slow + "& sleep 0.5; kill -9 $!"}) {
+    AskInShell(line);
+    EXPECT_THAT(Left(), IsEmpty()) << line;
+  }
 }
 
 TEST_F(ManyMachines, MemoryGrowsNeitherWithTheirNumberNorWithTheirAnswers) {
   if (kIsSanitized) GTEST_SKIP() << "what is freed is not used again";
   Make("a");
-  std::string list;
-  for (int i = 0; i < 1500; ++i) list += "@a\n";
   ProcessResult const few = Ask({"--machines", "-", "hostname"}, "@a\n@a\n");
-  ProcessResult const many = Ask({"--machines", "-", "hostname"}, list);
+  ProcessResult const many = Ask({"--machines", "-", "hostname"}, Repeat("@a\n", 1500));
   EXPECT_THAT(Lines(many.output), SizeIs(1500));
   EXPECT_LT(many.most_memory, few.most_memory + 1'000'000);
 
@@ -226,9 +213,7 @@ TEST_F(ManyMachines, MemoryGrowsNeitherWithTheirNumberNorWithTheirAnswers) {
 // A file that grows beyond 1 MiB ends the command.
 TEST_F(ManyMachines, MessagesThatNobodyReadsAreNotKept) {
   for (char const* name : {"a", "b"}) Make(name);
-  std::string expressions = "1\n";
-  for (int i = 0; i < 40'000; ++i) expressions += "1 / 0\n";
-  folder_.Write("expressions", expressions + "2\n");
+  folder_.Write("expressions", "1\n" + Repeat("1 / 0\n", 40'000) + "2\n");
   AskInShell(
       "(ulimit -f 1024; $g --jobs 2 --machine @a --machine @b --file @expressions; "
       "echo $? >@status) 2>&1 >@out | true");

@@ -50,9 +50,50 @@ class RefreshedMachine final : public machine::Machine,
   }
   Fact<std::string> HostName() const override { return std::string("mac"); }
   Fact<std::string> ComputerName() const override { return std::string("mac"); }
-  Fact<Records> Find(machine::DirectoryQuery const& query) const override;
-  Fact<machine::RecordDictionary> ConsoleUser() const override;
-  Records LocalRecords() const;
+
+  Fact<Records> Find(machine::DirectoryQuery const& query) const override {
+    bool const is_local = query.node == machine::DirectoryNode::kLocal;
+    if (!is_local && IsFailing())
+      return machine::Absence{machine::Outcome::kTimedOut, "script", {}};
+    Records records;
+    auto const add = [&](std::string const& name, std::string const& attribute,
+                         std::string const& value) {
+      machine::DirectoryRecord record = {query.type, name, "/LDAPv3/script", {}};
+      if (is_local) record.node = machine::kLocalNode;
+      record.Add(attribute, value);
+      records.Add(record);
+    };
+    if (is_local) {
+      for (auto const& [name, id] : local_users) add(name, "dsAttrTypeStandard:UniqueID", id);
+      return records;
+    }
+    std::string const& requested = query.requested.front();
+    bool const wants_groups = requested == "dsAttrTypeNative:tokenGroups";
+    for (std::string const& name : query.values) {
+      add(name, requested,
+          wants_groups ? std::string("\1\1\0\0\0\0\0\5\7\0\0\0", 12) : DistinguishedName(name));
+    }
+    return records;
+  }
+
+  bool IsFailing() const {
+    ++questions;
+    on_question();
+    unsigned const random = random_.fetch_add(1) * 2654435761u >> 16;
+    return random % 100 < failures;
+  }
+
+  Fact<machine::RecordDictionary> ConsoleUser() const override {
+    machine::RecordArray array;
+    for (std::string const& name : sessions) {
+      machine::RecordDictionary session;
+      session.Add("kCGSSessionUserNameKey", name);
+      array.emplace_back(std::move(session));
+    }
+    machine::RecordDictionary console;
+    console.Add("SessionInfo", std::move(array));
+    return console;
+  }
 
   std::shared_ptr<machine::Machine const> const live_ = machine::MakeLiveMachine();
   mutable std::atomic<unsigned> random_ = 1;

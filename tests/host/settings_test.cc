@@ -22,22 +22,19 @@ TEST(Settings, ReadsItemsOfSections) {
 }
 
 TEST(Settings, RefusesBrokenTextWholeWithTheLine) {
-  struct Case {
-    std::string_view text;
-    char const* message;
+  std::pair<std::string_view, char const*> const cases[] = {
+      {"[A]\nx=1\n\nnonsense\n", "f:4: expected [Section] or name = value"},
+      {"x=1", "f:1: an item before the first [Section]"},
+      {"[A\n", "f:1: a section is written [Name]"},
+      {"[ ]\n", "f:1: a section without a name"},
+      {"[A]\n=1\n", "f:2: a value without a name"},
+      {"[A]\nx=\"1\n", "f:2: a quoted value ends with its line and holds no other quote"},
+      {{"[A]\nx\0=1\n", 9}, "f:2: a NUL byte; not a settings file"},
   };
-  for (Case const& each : {
-           Case{"[A]\nx=1\n\nnonsense\n", "f:4: expected [Section] or name = value"},
-           Case{"x=1", "f:1: an item before the first [Section]"},
-           Case{"[A\n", "f:1: a section is written [Name]"},
-           Case{"[ ]\n", "f:1: a section without a name"},
-           Case{"[A]\n=1\n", "f:2: a value without a name"},
-           Case{"[A]\nx=\"1\n", "f:2: a quoted value ends with its line and holds no other quote"},
-           Case{std::string_view("[A]\nx\0=1\n", 9), "f:2: a NUL byte; not a settings file"},
-       }) {
+  for (auto const& [text, message] : cases) {
     Settings settings;
-    EXPECT_EQ(settings.ReadText(each.text, "f").value_or(""), each.message);
-    EXPECT_EQ(settings.Find("A", "x"), nullptr) << each.text;
+    EXPECT_EQ(settings.ReadText(text, "f").value_or(""), message);
+    EXPECT_EQ(settings.Find("A", "x"), nullptr) << text;
   }
 }
 

@@ -14,47 +14,19 @@ void ScriptedMachine::SetZone(std::string const& name, std::string const& rule) 
   zone = machine::TimeZone{name, machine::ZoneRules::FromPosixText(rule)};
 }
 
-machine::Fact<std::int64_t> ScriptedMachine::MicrosecondsSince1970() const {
-  ++calls_.clock;
-  return Of(microseconds);
-}
-
-machine::Fact<machine::TimeZone> ScriptedMachine::CurrentZone() const {
-  ++calls_.zone;
-  return Of(zone);
-}
-
-machine::Fact<std::string> ScriptedMachine::Variable(std::string const& name) const {
-  auto const found = environment.find(name);
-  if (found == environment.end()) return Missing();
+machine::Fact<std::string> ScriptedMachine::In(Texts const& texts, std::string const& name) const {
+  auto const found = texts.find(name);
+  if (found == texts.end()) return Missing();
   return found->second;
 }
 
-machine::Fact<std::vector<std::string>> ScriptedMachine::VariableNames() const {
+std::vector<std::string> ScriptedMachine::NamesOf(Texts const& texts) {
   std::vector<std::string> names;
-  for (auto const& [name, value] : environment) names.push_back(name);
+  for (auto const& [name, text] : texts) names.push_back(name);
   return names;
-}
-
-machine::Fact<std::string> ScriptedMachine::HomeOf(std::string const& user) const {
-  auto const found = homes.find(user);
-  if (found == homes.end()) return Missing();
-  return found->second;
-}
-
-machine::Fact<std::vector<std::string>> ScriptedMachine::UserNames() const {
-  std::vector<std::string> names;
-  for (auto const& [name, home] : homes) names.push_back(name);
-  return names;
-}
-
-machine::Fact<bool> ScriptedMachine::HasUsb() const {
-  if (!usb_release) return Missing();
-  return true;
 }
 
 machine::Fact<std::size_t> ScriptedMachine::CountProcesses() const {
-  ++calls_.count_processes;
   std::size_t const count = processes.size();
   if (after_count) after_count();
   if (count == 0) return Missing();

@@ -57,7 +57,7 @@ class ScriptedMachine final : public machine::Machine,
   std::function<void()> after_count;
 
   struct Calls {
-    int count_processes = 0, all_processes = 0, one_process = 0, gestalt = 0, clock = 0, zone = 0;
+    int all_processes = 0, one_process = 0, gestalt = 0;
   };
   Calls const& calls() const { return calls_; }
 
@@ -80,18 +80,14 @@ class ScriptedMachine final : public machine::Machine,
   machine::DirectorySource const& Directory() const override {
     return directory != nullptr ? *directory : Machine::Directory();
   }
-  machine::FileSource const& Files() const override {
-    return files != nullptr ? *files : Machine::Files();
-  }
+  machine::FileSource const& Files() const override { return files ? *files : Machine::Files(); }
   machine::RegistrySource const& Registry() const override {
     return registry != nullptr ? *registry : Machine::Registry();
   }
   machine::VolumeSource const& Volumes() const override {
     return volumes != nullptr ? *volumes : Machine::Volumes();
   }
-  machine::ScsiSource const& Scsi() const override {
-    return scsi != nullptr ? *scsi : Machine::Scsi();
-  }
+  machine::ScsiSource const& Scsi() const override { return scsi ? *scsi : Machine::Scsi(); }
   machine::ComponentSource const& Components() const override {
     return components != nullptr ? *components : Machine::Components();
   }
@@ -99,6 +95,7 @@ class ScriptedMachine final : public machine::Machine,
  private:
   template <typename T>
   using Fact = machine::Fact<T>;
+  using Texts = std::map<std::string, std::string>;
 
   template <typename T>
   Fact<T> Of(std::optional<T> const& value) const {
@@ -106,12 +103,16 @@ class ScriptedMachine final : public machine::Machine,
     return Missing();
   }
   machine::Absence Missing() const { return {reason, "script", {}}; }
+  Fact<std::string> In(Texts const& texts, std::string const& name) const;
+  static std::vector<std::string> NamesOf(Texts const& texts);
 
-  Fact<std::int64_t> MicrosecondsSince1970() const override;
+  Fact<std::int64_t> MicrosecondsSince1970() const override { return Of(microseconds); }
   Fact<std::int64_t> BootSecondsSince1970() const override { return Of(boot_seconds); }
-  Fact<machine::TimeZone> CurrentZone() const override;
-  Fact<std::string> Variable(std::string const& name) const override;
-  Fact<std::vector<std::string>> VariableNames() const override;
+  Fact<machine::TimeZone> CurrentZone() const override { return Of(zone); }
+  Fact<std::string> Variable(std::string const& name) const override {
+    return In(environment, name);
+  }
+  Fact<std::vector<std::string>> VariableNames() const override { return NamesOf(environment); }
   Fact<std::string> HostName() const override { return Of(host_name); }
   Fact<std::string> ComputerName() const override { return Of(computer_name); }
   Fact<std::string> HostIdentifier() const override { return Of(host_identifier); }
@@ -120,8 +121,8 @@ class ScriptedMachine final : public machine::Machine,
   Fact<std::string> KernelRelease() const override { return Of(kernel_release); }
   Fact<std::string> CurrentUser() const override { return Of(current_user); }
   Fact<std::string> CurrentHome() const override { return Of(current_home); }
-  Fact<std::string> HomeOf(std::string const& user) const override;
-  Fact<std::vector<std::string>> UserNames() const override;
+  Fact<std::string> HomeOf(std::string const& user) const override { return In(homes, user); }
+  Fact<std::vector<std::string>> UserNames() const override { return NamesOf(homes); }
   Fact<machine::RecordDictionary> ConsoleUser() const override { return Of(console_user); }
   Fact<std::uint64_t> PhysicalBytes() const override { return Of(physical_bytes); }
   Fact<std::uint64_t> SwapBytes() const override { return Of(swap_bytes); }
@@ -131,7 +132,7 @@ class ScriptedMachine final : public machine::Machine,
   Fact<std::uint32_t> HighestMegahertz() const override { return Of(megahertz); }
   Fact<std::string> ProductName() const override { return Of(product_name); }
   Fact<std::uint32_t> UsbRelease() const override { return Of(usb_release); }
-  Fact<bool> HasUsb() const override;
+  Fact<bool> HasUsb() const override { return usb_release ? Fact<bool>(true) : Missing(); }
   Fact<std::size_t> CountProcesses() const override;
   Fact<std::vector<machine::Process>> AllProcesses() const override;
   Fact<machine::Process> ProcessWithPid(std::int32_t pid) const override;
