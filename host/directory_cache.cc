@@ -14,6 +14,7 @@
 #include "host/known_users.h"
 #include "machine/file_descriptor.h"
 #include "machine/machine.h"
+#include "portable/ascii.h"
 
 namespace gatotu::host {
 namespace {
@@ -137,7 +138,9 @@ bool DirectoryCache::Load(ActiveDirectoryLocalComputer& computer) const {
 bool DirectoryCache::Load(ActiveDirectoryLocalUser& user) const {
   ActiveDirectoryLocalUser kept;
   if (!IsFolderSafe() || !LoadFile(UserFile(user.GetName()), kept)) return false;
-  bool const is_of_domain = user.GetDomain().empty() || kept.GetDomain() == user.GetDomain();
+  bool const is_of_domain =
+      user.GetDomain().empty() ||
+      Ascii::EqualIgnoringCase(ConstData(kept.GetDomain()), ConstData(user.GetDomain()));
   if (kept.GetName() != user.GetName() || !is_of_domain) return false;
   user = std::move(kept);
   return true;
