@@ -61,15 +61,6 @@ std::string const* TextIn(machine::RecordDictionary const& dictionary, std::stri
 
 }  // namespace
 
-AccountName TakeApart(std::string const& text) {
-  std::size_t const backslash = text.find('\\'), at = text.rfind('@');
-  if (backslash != std::string::npos && backslash + 1 < text.size()) {
-    return {text.substr(backslash + 1), text.substr(0, backslash)};
-  }
-  if (at != std::string::npos && at > 0) return {text.substr(0, at), text.substr(at + 1)};
-  return {text, {}};
-}
-
 std::vector<AccountName> UsersOfSessions(machine::Machine const& machine) {
   std::vector<AccountName> users;
   auto const console = machine.Sessions().ConsoleUser();

@@ -1,23 +1,13 @@
 // Which users of a machine there may be directory records of.
 #pragma once
 
-#include <string>
+#include <cstddef>
 #include <vector>
 
+#include "inspectors/activedirectory/directory/account_name.h"
 #include "machine/machine.h"
 
 namespace gatotu::host {
-
-// A user as a directory knows them.
-struct AccountName {
-  std::string name, domain;  // bytes of any kind; the domain may be empty
-
-  bool operator==(AccountName const&) const = default;
-  auto operator<=>(AccountName const&) const = default;
-};
-
-// "DOMAIN\name" or "name@domain" taken apart; what is neither is a name.
-AccountName TakeApart(std::string const& text);
 
 // More than a machine has; a list of more is broken off.
 inline constexpr std::size_t kMostKnownUsers = 10'000;

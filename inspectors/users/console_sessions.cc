@@ -99,18 +99,6 @@ AutoCF<CFMutableArrayRef> CopySessions(CFDictionaryRef console_user) {
   return sorted;
 }
 
-LoggedInUser TakenApart(std::string const& user_name) {
-  std::size_t const backslash = user_name.find('\\');
-  std::size_t const at = user_name.rfind('@');
-  if (backslash != std::string::npos && backslash + 1 < user_name.size()) {
-    return {user_name.substr(backslash + 1), user_name.substr(0, backslash)};
-  }
-  if (at != std::string::npos && at > 0) {
-    return {user_name.substr(0, at), user_name.substr(at + 1)};
-  }
-  return {user_name, {}};
-}
-
 }  // namespace
 
 SessionInfo::SessionInfo(CFDictionaryRef session)
@@ -179,7 +167,7 @@ std::list<LoggedInUser> GetLoggedInUsers() {
   if (!::SessionInfo::Initialize()) return users;
   ::SessionInfo::RefreshList();
   for (::SessionInfo const& session : ::SessionInfo::GetList()) {
-    users.push_back(TakenApart(session.UserName()));
+    users.push_back(TakeApart(session.UserName()));
   }
   return users;
 }

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "evaluator/plugin/exceptions.h"
+#include "inspectors/activedirectory/directory/account_name.h"
 #include "portable/core_foundation/auto_cf.h"
 
 // There is no list, or it is not what it should be.
@@ -44,10 +45,7 @@ CFComparisonResult SessionIDComparator(void const* left, void const* right, void
 void FinishLoginsOnConsole(CFMutableArrayRef sessions, CFDictionaryRef console_user);
 
 // Who is logged on, for a directory to look up.
-struct LoggedInUser {
-  std::string name, domain;
-  bool operator==(LoggedInUser const&) const = default;
-};
+using LoggedInUser = AccountName;
 
 // In the order of the sessions, empty where there is no store. A name such as "DOMAIN\name" or
 // "name@domain" is taken apart; others have no domain. Throws what refreshing the list throws.
