@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <exception>
@@ -15,6 +14,7 @@
 #include "host/known_users.h"
 #include "machine/file_descriptor.h"
 #include "machine/machine.h"
+#include "portable/ascii.h"
 
 namespace gatotu::host {
 namespace {
@@ -56,20 +56,6 @@ bool MakeFolder(std::string const& path) {
   return MakeFolder(path.substr(0, end)) && (::mkdir(path.c_str(), 0700) == 0 || errno == EEXIST);
 }
 
-// Reading XML goes on to wherever the text ends, so that a part of a record looks like one.
-bool IsWhole(std::string const& path, std::string_view end) {
-  machine::FileDescriptor const file(
-      ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
-  struct stat status;
-  if (!file.is_open() || ::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode)) {
-    return false;
-  }
-  std::array<char, 16> last;
-  auto const size = static_cast<ssize_t>(end.size());
-  return ::pread(file.number(), last.data(), end.size(), status.st_size - size) == size &&
-         std::string_view(last.data(), end.size()) == end;
-}
-
 std::string_view EndOf(ActiveDirectoryLocalComputer const&) { return "</Computer>"; }
 std::string_view EndOf(ActiveDirectoryLocalUser const&) { return "</User>"; }
 
@@ -81,13 +67,24 @@ bool IsBelievable(ActiveDirectoryBase const& record) {
          (!now || record.GetLastSampleTime().microseconds <= *now);
 }
 
+// Reading XML goes on to wherever the text ends, so that a part of a record looks like one, and
+// what is behind a "<" or "&" of some name is taken for something else. Either way less would be
+// written again; a time takes as many bytes in every time zone.
+template <class Account>
+bool IsWhole(Account const& account, std::string const& text) {
+  machine::Unobserved const unobserved;  // no answer rests on the zone
+  return text.ends_with(EndOf(account)) && account.ToXml().size() == text.size();
+}
+
 // A damaged file is as good as none.
 template <class Account>
 bool LoadFile(std::string const& path, Account& account) {
-  if (path.empty() || !IsWhole(path, EndOf(account))) return false;
+  if (path.empty()) return false;
+  auto const text = machine::CurrentMachine().Files().ReadFile(path, kLargestRecordFile);
+  if (!text) return false;
   try {
-    account.LoadFromCache(MakeFileLocation(path.c_str()));
-    return IsBelievable(account);
+    account.FromXml(*text);
+    return IsWhole(account, *text) && IsBelievable(account);
   } catch (...) {
     return false;
   }
@@ -142,7 +139,9 @@ bool DirectoryCache::Load(ActiveDirectoryLocalComputer& computer) const {
 bool DirectoryCache::Load(ActiveDirectoryLocalUser& user) const {
   ActiveDirectoryLocalUser kept;
   if (!IsFolderSafe() || !LoadFile(UserFile(user.GetName()), kept)) return false;
-  bool const is_of_domain = user.GetDomain().empty() || kept.GetDomain() == user.GetDomain();
+  bool const is_of_domain =
+      user.GetDomain().empty() ||
+      Ascii::EqualIgnoringCase(ConstData(kept.GetDomain()), ConstData(user.GetDomain()));
   if (kept.GetName() != user.GetName() || !is_of_domain) return false;
   user = std::move(kept);
   return true;

@@ -3,6 +3,9 @@
 //
 // A folder that others may write to is not used, since they could make up what it says. Names of
 // files are lower case and hold nothing but letters, digits and "-._%~", whatever a user is called.
+//
+// What a file has of a record with a "<" or "&" in some name does not come back as it was. That one
+// is not believed either, and read from the directory by each run.
 #pragma once
 
 #include <string>

@@ -73,8 +73,7 @@ DirectoryKeeper::DirectoryKeeper(DirectoryOptions const& options, machine::Machi
       at_hand_(at_hand),
       cache_(options.cache_folder),
       at_once_(WithoutCache(options), &IsEvaluationToStop),
-      refresher_(options, between_passes),
-      machine_number_(machine::CurrentMachineNumber()) {
+      refresher_(options, between_passes) {
   machine::DirectorySettings source = options.source;
   source.should_stop = [has_ended = refresher_.StopRequest()] {
     return has_ended() || IsEvaluationToStop();
@@ -84,19 +83,6 @@ DirectoryKeeper::DirectoryKeeper(DirectoryOptions const& options, machine::Machi
 
 // Nobody is told to stop any more by what ends here.
 DirectoryKeeper::~DirectoryKeeper() { machine::SetDirectorySettings(options_.source); }
-
-void DirectoryKeeper::ForgetOtherMachine() {
-  if (std::exchange(machine_number_, machine::CurrentMachineNumber()) ==
-      machine::CurrentMachineNumber()) {
-    return;
-  }
-  computer_.reset();
-  users_.clear();
-  numbers_.clear();
-  listed_.clear();
-  listed_numbers_.clear();
-  has_listed_ = has_requested_listed_ = false;
-}
 
 void DirectoryKeeper::BeginAnew() {
   has_listed_ = has_requested_listed_ = false;
@@ -121,19 +107,12 @@ void DirectoryKeeper::HandOver() {
 std::size_t DirectoryKeeper::TakeOver() {
   DirectoryRefresher::Finished const finished = refresher_.Take();
   std::size_t count = 0;
-  if (finished.computer && computer_) count += Replace(computer_->record, *finished.computer);
-  for (auto const& [number, user] : finished.users) {
-    // The numbers of a machine that was in use before mean others.
-    bool const is_same = number < users_.size() &&
-                         users_[number].record.GetName() == user.GetName() &&
-                         users_[number].record.GetDomain() == user.GetDomain();
-    if (is_same) count += Replace(users_[number].record, user);
-  }
+  if (finished.computer) count += Replace(computer_->record, *finished.computer);
+  for (auto const& [number, user] : finished.users) count += Replace(users_[number].record, user);
   return count;
 }
 
 void DirectoryKeeper::Tend() {
-  ForgetOtherMachine();
   BeginAnew();
   TakeOver();
   HandOver();
@@ -177,7 +156,6 @@ Account* DirectoryKeeper::Handed(Kept<Account>& kept) const {
 }
 
 ActiveDirectoryLocalComputer* DirectoryKeeper::Computer() {
-  ForgetOtherMachine();
   if (!computer_) {
     computer_.emplace();
     if (IsAtHand()) cache_.Load(computer_->record);
@@ -186,13 +164,11 @@ ActiveDirectoryLocalComputer* DirectoryKeeper::Computer() {
 }
 
 ActiveDirectoryLocalUser* DirectoryKeeper::User(AccountName const& user) {
-  ForgetOtherMachine();
   auto const number = FindOrAdd(user);
   return number ? Handed(users_[*number]) : nullptr;
 }
 
 ActiveDirectoryLocalUser* DirectoryKeeper::UserAt(std::size_t index) {
-  ForgetOtherMachine();
   if (!has_listed_) ListUsers();
   if (index >= listed_.size()) {
     RequestListed();
@@ -202,7 +178,6 @@ ActiveDirectoryLocalUser* DirectoryKeeper::UserAt(std::size_t index) {
 }
 
 ActiveDirectoryLocalUser* DirectoryKeeper::ListedUser(std::string const& name) {
-  ForgetOtherMachine();
   if (!has_listed_) ListUsers();
   auto const found = listed_numbers_.find(Ascii::LowerCase(ConstData(name)));
   if (found == listed_numbers_.end()) {

@@ -31,8 +31,8 @@ struct KeptDirectoryRecord {
   bool is_handed_out = false;  // to this evaluation
 };
 
-// For the evaluating thread. Starts no thread before a record was asked for. Ends before the
-// machine in use is replaced by another.
+// For the evaluating thread. Starts no thread before a record was asked for. From then on, until
+// this ends, the machine in use stays the same.
 class DirectoryKeeper {
  public:
   using Clock = DirectoryRefresher::Clock;
@@ -55,7 +55,7 @@ class DirectoryKeeper {
   // may tell more.
   bool Await(Clock::time_point end, std::function<bool()> const& should_stop);
 
-  // The records stay where they are until the machine in use changes.
+  // The records stay where they are.
   ActiveDirectoryLocalComputer* Computer();
   // An empty domain is any. Null without a name, and when there are too many.
   ActiveDirectoryLocalUser* User(AccountName const& user);
@@ -78,7 +78,6 @@ class DirectoryKeeper {
   template <class Account>
   void Prepare(Account& record) const;
 
-  void ForgetOtherMachine();
   // What an evaluation was told holds for that one.
   void BeginAnew();
   void HandOver();
@@ -97,7 +96,6 @@ class DirectoryKeeper {
   DirectoryCache const cache_;
   RefreshContext const at_once_;
   DirectoryRefresher refresher_;
-  std::uint64_t machine_number_;
 
   std::optional<Kept<ActiveDirectoryLocalComputer>> computer_;
   std::deque<Kept<ActiveDirectoryLocalUser>> users_;  // numbered for the refresher by their places

@@ -161,8 +161,7 @@ void DirectoryRefresher::Start() {
     shared_->thread = std::thread([shared = shared_] { shared->Run(); });
     is_started_ = true;
   } catch (std::system_error const&) {
-    // What is adopted is read when there can be a thread.
-    shared_->is_idle = true;
+    // Tried again by `Take`.
   }
 }
 
@@ -180,11 +179,13 @@ void DirectoryRefresher::Adopt(UserNumber number, ActiveDirectoryLocalUser const
 
 DirectoryRefresher::Finished DirectoryRefresher::Take() {
   std::lock_guard lock(shared_->guard);
+  if (!is_started_ && !shared_->is_idle) Start();
   return std::exchange(shared_->finished, {});
 }
 
 void DirectoryRefresher::AwaitPass(Clock::time_point end,
                                    std::function<bool()> const& should_stop) {
+  if (!is_started_) return;
   std::unique_lock lock(shared_->guard);
   auto const is_over = [this] { return shared_->is_idle || shared_->has_ended; };
   while (!is_over() && Clock::now() < end && !should_stop()) {

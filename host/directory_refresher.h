@@ -37,14 +37,16 @@ class DirectoryRefresher {
   DirectoryRefresher(DirectoryRefresher const&) = delete;
   DirectoryRefresher& operator=(DirectoryRefresher const&) = delete;
 
-  // Each record once; from then on the thread has it. The first starts the thread.
+  // Each record once; from then on the thread has it. The first starts the thread; when there
+  // can be none yet, a later one does, or `Take`.
   void Adopt(ActiveDirectoryLocalComputer const& computer);
   void Adopt(UserNumber number, ActiveDirectoryLocalUser const& user);
 
   // What was read since the last call, the newest of each.
   Finished Take();
 
-  // Waits until each record adopted so far was looked at, or until `end`, or until `should_stop`.
+  // Waits until each record adopted so far was looked at, or until `end`, or until `should_stop`;
+  // not without a thread.
   void AwaitPass(Clock::time_point end, std::function<bool()> const& should_stop);
 
   // Also asked by questions to the directory that are under way, on whichever thread.

@@ -1,7 +1,7 @@
 // Which users of a machine there may be directory records of.
 #pragma once
 
-#include <string>
+#include <cstddef>
 #include <vector>
 
 #include "inspectors/activedirectory/directory/account_name.h"

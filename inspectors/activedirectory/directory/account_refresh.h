@@ -44,8 +44,9 @@ std::optional<AccountAnswers> AskAboutAccount(ActiveDirectoryInspectorContext co
   if (!are_groups_wanted) return answers;
   answers.has_groups = get_sids(answers.groups, answers.groups_error);
   if (context.ShouldStop()) return {};
-  if (!answers.has_groups) return answers;
-  answers.has_groups = get_groups(&context, answers.groups, answers.groups_error);
+  if (answers.has_groups) {
+    answers.has_groups = get_groups(&context, answers.groups, answers.groups_error);
+  }
   if (context.ShouldStop()) return {};
   return answers;
 }
