@@ -10,6 +10,7 @@
 #include <cstdlib>
 
 #include "machine/machine.h"
+#include "tests/support/temporary_folder.h"
 
 namespace {
 
@@ -76,8 +77,8 @@ TEST_P(DomainController, KnowsThisComputer) {
 }
 
 TEST_P(DomainController, TakesATicket) {
-  std::string const tickets = "FILE:" + testing::TempDir() + "directory-tickets";
-  ::setenv("KRB5CCNAME", tickets.c_str(), 1);
+  gatotu::tests::TemporaryFolder const folder;
+  ::setenv("KRB5CCNAME", ("FILE:" + folder.Path("tickets")).c_str(), 1);
   FILE* const kinit = ::popen("kinit Administrator >/dev/null 2>&1", "w");
   std::fprintf(kinit, "%s\n", settings.bind_password.c_str());
   ASSERT_EQ(::pclose(kinit), 0) << "no ticket; is krb5-user installed?";
@@ -88,7 +89,6 @@ TEST_P(DomainController, TakesATicket) {
   ::setenv("KRB5CCNAME", "FILE:/nowhere", 1);
   machine::SetDirectorySettings(settings);
   EXPECT_THAT(Values(machine::kUserRecords, "ann", kTokenGroups).back(), HasSubstr("GSSAPI"));
-  std::remove(tickets.substr(5).c_str());
 }
 
 // The certificate is good for the address, and not for this name of it.
